@@ -1,0 +1,82 @@
+// The feedback frame, the run-time line, the modal box and the multi-row insert.
+
+#include "DbTest.h"
+#include "common/Feedback.h"
+#include "common/RunTimeLog.h"
+#include "common/SQLMultiInsert.h"
+
+using testsupport::DbTest;
+using testsupport::FeedbackRecorder;
+
+TEST(RunTimeFrame, SwitchedOffShowsNothingAndOnShowsTheLineAtLevelMinusOne)
+{
+    testsupport::InstallRecorders();
+    {
+        CRunTimeLog frame("ImportLDataFromBaseDB");
+    }
+    EXPECT_TRUE(FeedbackRecorder::instance().messages().empty());
+
+    EXPECT_EQ(FormatRunTimeLine("F", 90000).toStdString(),
+              "函数F运行时间为：90.00秒 ＝＝ 1.50分......");
+    {
+        CRunTimeLogT<true> frame("SaveLDataToBaseDB");
+    }
+    const auto msgs = FeedbackRecorder::instance().messages();
+    ASSERT_EQ(msgs.size(), 1u);
+    EXPECT_EQ(msgs[0].level, -1);
+    EXPECT_EQ(msgs[0].text.rfind("函数SaveLDataToBaseDB运行时间为：0.", 0), 0u) << msgs[0].text;
+}
+
+class MultiInsert : public DbTest
+{};
+
+TEST_F(MultiInsert, SendsFullBatchesAndTheRestAsOneStatementEach)
+{
+    Exec("CREATE TABLE mi (a INT, b CHAR(5))");
+    StartStatementLog();
+    SQLMultiInsert ins(db(), 3);
+    ins.SetTableName("mi");
+    ins.SetFldNamelst("a,b");
+    std::vector<int> waiting;
+    for (int i = 1; i <= 5; ++i) {
+        waiting.push_back(ins.AddRecord(FormatText("%d,'r%d'", i, i)));
+    }
+    EXPECT_EQ(waiting, (std::vector<int>{1, 2, 0, 1, 2}));
+    EXPECT_EQ(Count("mi"), 3);
+    EXPECT_TRUE(ins.exec());
+    EXPECT_EQ(Count("mi"), 5);
+    EXPECT_TRUE(ins.exec()) << "nothing waiting: true without touching the server";
+    const auto sent = SentStatements();
+    ASSERT_EQ(sent.size(), 2u);
+    EXPECT_EQ(sent[0], "insert into mi(a,b) values\n (1,'r1'),\n (2,'r2'),\n (3,'r3')");
+    EXPECT_EQ(sent[1], "insert into mi(a,b) values\n (4,'r4'),\n (5,'r5')");
+    EXPECT_TRUE(boxes().boxes().empty());
+}
+
+TEST_F(MultiInsert, ChangedTableAndEndedObjectDropWaitingRowsAndAFailureShowsTheBox)
+{
+    Exec("CREATE TABLE mi2 (a INT)");
+    {
+        SQLMultiInsert ins(db(), 0);
+        ins.SetTableName("mi2");
+        ins.SetFldNamelst("a");
+        EXPECT_EQ(ins.AddRecord("1"), 1);
+        EXPECT_EQ(ins.AddRecord("2"), 2) << "a maximum of 0 never sends by itself";
+        ins.SetTableName("mi2");
+        EXPECT_EQ(ins.GetRecNum(), 0);
+        ins.AddRecord("3");
+    }
+    EXPECT_EQ(Count("mi2"), 0) << "the destructor does not flush";
+
+    SQLMultiInsert bad(db(), 100);
+    bad.SetTableName("no_such_table");
+    bad.SetFldNamelst("a");
+    bad.AddRecord("1");
+    EXPECT_FALSE(bad.exec());
+    EXPECT_EQ(bad.GetRecNum(), 0) << "rows of a failed statement are dropped";
+    const auto shown = boxes().boxes();
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_FALSE(shown[0].warning);
+    EXPECT_EQ(shown[0].caption, "Fail");
+    EXPECT_EQ(shown[0].text, "Fail to excute SQL:insert into no_such_table(a) values\n (1)");
+}
