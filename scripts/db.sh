@@ -23,6 +23,11 @@ portfile=$dir/port
 # values cut to their column width, omitted columns left to their defaults. Strict
 # mode would refuse them, so the server keeps the old default and nothing more.
 SQL_MODE=NO_ENGINE_SUBSTITUTION
+# Table names compare without regard to case, as on the servers the statements were
+# written for: they name one table in two spellings (CDB_NodeBAK beside CDB_NODEBAK,
+# T3w beside T3W, s4_%d beside S4_%d). The setting is fixed when the data directory
+# is made, and the server must start with the same value.
+LOWER_CASE_TABLE_NAMES=1
 
 # A unix socket path must stay under 107 characters; fall back to /tmp for deep checkouts.
 socket=$dir/mysqld.sock
@@ -53,7 +58,8 @@ start() {
   if [ ! -d "$data/mysql" ]; then
     rm -rf "$data"
     mariadb-install-db --no-defaults --datadir="$data" "${user_args[@]}" \
-      --auth-root-authentication-method=normal --skip-test-db >"$dir/install.log" 2>&1 || {
+      --auth-root-authentication-method=normal --skip-test-db \
+      --lower-case-table-names=$LOWER_CASE_TABLE_NAMES >"$dir/install.log" 2>&1 || {
       cat "$dir/install.log" >&2
       echo "db.sh: mariadb-install-db failed" >&2
       exit 1
@@ -65,6 +71,7 @@ start() {
   (mariadbd --no-defaults "${user_args[@]}" --datadir="$data" --socket="$socket" \
     --port="$(cat "$portfile")" --bind-address=127.0.0.1 --pid-file="$pidfile" \
     --log-error="$logfile" --sql-mode="$SQL_MODE" --skip-name-resolve \
+    --lower-case-table-names=$LOWER_CASE_TABLE_NAMES \
     --max-connections=500 --innodb-buffer-pool-size=512M --innodb-flush-log-at-trx-commit=2 \
     --character-set-server=utf8mb4 --collation-server=utf8mb4_general_ci \
     </dev/null >/dev/null 2>&1 &)
