@@ -1,5 +1,7 @@
 #include "common/Conversions.h"
 
+#include "common/TableTypes.h"
+
 #include <cstdio>
 #include <cstring>
 
@@ -135,4 +137,59 @@ int GetIntBranchTypeByCalType(int calType)
     default:
         return -1;
     }
+}
+
+QString GetNameInRealDB(const QString& name, int type, int sub)
+{
+    switch (type) {
+    case 6:
+        return name + "_ac";
+    case 8:
+        return name + "_sc";
+    case 10:
+        return name + "_2w";
+    case 11:
+        return name + "_sf";
+    case 12:
+        if (sub >= 31 && sub <= 33) {
+            return name + "_3w" + QString::number(sub - 30);
+        }
+        return name;
+    case 13:
+        return name + "_brk";
+    case 14:
+        return name + "_sw";
+    default:
+        return name;
+    }
+}
+
+int TableNameToType(const char* name)
+{
+    static const struct
+    {
+        const char* name;
+        int type;
+    } tables[] = {
+        {"CDB_BUS", CDB_TYPE_BUS},           {"CDB_NODE", CDB_TYPE_NODE},
+        {"CDB_ACLINE", CDB_TYPE_ACLINE},     {"CDB_PCAPREA", CDB_TYPE_PCAPREA},
+        {"CDB_SCAPREA", CDB_TYPE_SCAPREA},   {"CDB_TRANS_2W", CDB_TYPE_TRANS_2W},
+        {"CDB_TRANS_3W", CDB_TYPE_TRANS_3W}, {"CDB_SHIFT", CDB_TYPE_SHIFT},
+        {"CDB_DCLINE", CDB_TYPE_DCLINE},     {"CDB_GENERAT", CDB_TYPE_GENERAT},
+        {"CDB_LOAD", CDB_TYPE_LOAD},         {"CDB_SVC", CDB_TYPE_SVC},
+        {"CDB_BREAKER", CDB_TYPE_BREAKER},   {"CDB_ISOSWITCH", CDB_TYPE_ISOSWITCH},
+        {"CDB_MUTUAL", CDB_TYPE_MUTUAL},     {"CDB_AREAS", CDB_TYPE_AREAS},
+        {"CDB_ZONE", CDB_TYPE_ZONE},         {"CDB_PSTATION", CDB_TYPE_PSTATION},
+    };
+    if (!name) {
+        return -1;
+    }
+    for (const auto& t : tables) {
+        const std::size_t n = std::strlen(t.name);
+        if (std::strncmp(name, t.name, n) == 0 &&
+            (name[n] == '\0' || std::strcmp(name + n, "BAK") == 0)) {
+            return t.type;
+        }
+    }
+    return -1;
 }

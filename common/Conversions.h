@@ -30,3 +30,12 @@ int GetIntBranchType(const QString& name);
 // Calculation type 1 (DC line) gives 7, 2 (AC line) 6, 3 (two-winding transformer) 10,
 // 4 (three-winding transformer) 12, any other -1.
 int GetIntBranchTypeByCalType(int calType);
+
+// The real-time id of an element: type 6 adds "_ac", 8 "_sc", 10 "_2w", 11 "_sf",
+// 12 with sub 31/32/33 "_3w1"/"_3w2"/"_3w3", 13 "_brk", 14 "_sw"; any other type, and
+// 12 with another sub, leave the name as it is.
+QString GetNameInRealDB(const QString& name, int type, int sub);
+
+// The type number (common/TableTypes.h) of a base-database table under its plain or
+// its working-copy ("BAK") name, compared exactly; -1 for any other name.
+int TableNameToType(const char* name);

@@ -1,0 +1,262 @@
+// Selects, queries, updates and the errors of the real-time database engine, on the
+// network records.
+
+#include "RtdbTest.h"
+
+#include <cstring>
+
+using namespace dtsdb;
+using testsupport::RtdbTest;
+
+namespace {
+
+ln Line(const char* id, int lntype, float r1)
+{
+    ln l;
+    l.id = id;
+    l.lntype = lntype;
+    l.R1 = r1;
+    return l;
+}
+
+// The ids a query selects, in the order the cursor walks them.
+std::vector<std::string> Ids(dbQuery& q)
+{
+    std::vector<std::string> out;
+    dbCursor<ln> c;
+    if (c.select(q) > 0) {
+        do {
+            out.push_back(c->id);
+        } while (c.next());
+    }
+    return out;
+}
+
+} // namespace
+
+class Engine : public RtdbTest
+{};
+
+TEST_F(Engine, KeyedSelectsMatchTextAsPlainBytes)
+{
+    // Quotes, percent signs, non-ASCII bytes and a name that only differs in case.
+    const char* names[] = {"L1_ac", "l1_ac", "O'Brien", "50%_sc", "线路一_ac", "a\\b"};
+    for (const char* n : names) {
+        Insert(Line(n, 1, 0.5f));
+    }
+    for (const char* n : names) {
+        dbCursor<ln> c;
+        dbQuery q;
+        q = "id=", n;
+        ASSERT_EQ(c.select(q), 1) << n;
+        EXPECT_STREQ(c->id, n);
+        EXPECT_NE(c->id, n) << "the text is the database's copy";
+    }
+    dbCursor<ln> c;
+    dbQuery q;
+    q = "id=", "L1_%";
+    EXPECT_EQ(c.select(q), 0) << "a percent sign is no wildcard";
+    q = "id=", "O''Brien";
+    EXPECT_EQ(c.select(q), 0) << "quotes in a parameter are not unescaped";
+    // A null text is stored and compared as the empty string.
+    ln blank = Line(nullptr, 2, 1.0f);
+    Insert(blank);
+    q = "id=", "";
+    ASSERT_EQ(c.select(q), 1);
+    EXPECT_STREQ(c->id, "");
+    q = "id=", static_cast<const char*>(nullptr);
+    EXPECT_EQ(c.select(q), 1);
+    EXPECT_TRUE(errors().empty());
+}
+
+TEST_F(Engine, QueriesCompareJoinAndOrderAsWritten)
+{
+    Insert(Line("B", 1, 3.0f));
+    Insert(Line("A", 2, 1.0f));
+    Insert(Line("D", 1, 2.0f));
+    Insert(Line("C", 2, 4.0f));
+
+    dbQuery q;
+    q = "lntype=", 1;
+    EXPECT_EQ(Ids(q), (std::vector<std::string>{"B", "D"})) << "insertion order without order by";
+    q = "order by id desc";
+    EXPECT_EQ(Ids(q), (std::vector<std::string>{"D", "C", "B", "A"}));
+    q = "lntype=", 2, " and id=", "C";
+    EXPECT_EQ(Ids(q), (std::vector<std::string>{"C"}));
+    q = "R1 >=", 2, "order by id asc ";
+    EXPECT_EQ(Ids(q), (std::vector<std::string>{"B", "C", "D"}));
+    q = "R1 >", 2.5, "and R1 <", 4.0;
+    EXPECT_EQ(Ids(q), (std::vector<std::string>{"B"}));
+    q = "R1 <=", 2.0f, "order by R1";
+    EXPECT_EQ(Ids(q), (std::vector<std::string>{"A", "D"}));
+    q = "id !=", "A", "and lntype = 2";
+    EXPECT_EQ(Ids(q), (std::vector<std::string>{"C"}));
+    q = "lntype=1 and id='D'";
+    EXPECT_EQ(Ids(q), (std::vector<std::string>{"D"}));
+    q = "order by lntype desc, R1";
+    EXPECT_EQ(Ids(q), (std::vector<std::string>{"A", "C", "D", "B"}));
+
+    // A parameter given by reference is read when the query runs.
+    int type = 1;
+    q = "lntype=", &type;
+    EXPECT_EQ(Ids(q).size(), 2u);
+    type = 3;
+    EXPECT_TRUE(Ids(q).empty());
+    const char* name = "A";
+    q = "id=", &name;
+    EXPECT_EQ(Ids(q), (std::vector<std::string>{"A"}));
+    name = "B";
+    EXPECT_EQ(Ids(q), (std::vector<std::string>{"B"}));
+    // A parameter given by value is copied: the buffer may change or go.
+    char buf[8] = "C";
+    q = "id=", buf;
+    std::strcpy(buf, "Z");
+    EXPECT_EQ(Ids(q), (std::vector<std::string>{"C"}));
+    EXPECT_TRUE(errors().empty());
+}
+
+TEST_F(Engine, BadQueriesAreErrorsAndNeverMatchEverything)
+{
+    Insert(Line("A", 1, 1.0f));
+    struct Case
+    {
+        const char* what;
+        dbQuery q;
+    } cases[] = {
+        {"unknown field", dbQuery()},
+        {"wrong case of a field", dbQuery()},
+        {"text for a number", dbQuery()},
+        {"number for a text", dbQuery()},
+        {"syntax", dbQuery()},
+        {"dangling and", dbQuery()},
+        {"order without by", dbQuery()},
+    };
+    cases[0].q = "nosuch=", 1;
+    cases[1].q = "ID=", "A";
+    cases[2].q = "lntype=", "1";
+    cases[3].q = "id=", 1;
+    cases[4].q = "id", "A";
+    cases[5].q = "id=", "A", "and";
+    cases[6].q = "order id";
+    for (auto& c : cases) {
+        clearErrors();
+        dbCursor<ln> cur;
+        EXPECT_EQ(cur.select(c.q), 0) << c.what;
+        ASSERT_EQ(errors().size(), 1u) << c.what;
+        EXPECT_EQ(errors()[0].code, dbQueryError) << c.what;
+        EXPECT_NE(errors()[0].message.find("on table ln"), std::string::npos)
+            << errors()[0].message;
+    }
+}
+
+TEST_F(Engine, UpdatesKeepIndexesAndTextsCurrent)
+{
+    for (int i = 0; i < 300; ++i) {
+        Insert(Line(("L" + std::to_string(i)).c_str(), 1 + i % 2, float(i)));
+    }
+    {
+        dbCursor<ln> c(dbCursorForUpdate);
+        dbQuery q;
+        q = "id=", "L6";
+        ASSERT_EQ(c.select(q), 1);
+        c->id = "L6_renamed";
+        c->lntype = 2;
+        char type[] = "LGJ-400";
+        c->Type = type; // copied by the update; the buffer may change after it
+        c->Pi = 12.5f;
+        ASSERT_TRUE(c.update());
+        std::strcpy(type, "changed");
+    }
+    dbCursor<ln> c;
+    dbQuery q;
+    q = "id=", "L6";
+    EXPECT_EQ(c.select(q), 0) << "the old key is gone from the index";
+    q = "id=", "L6_renamed";
+    ASSERT_EQ(c.select(q), 1);
+    EXPECT_EQ(c->lntype, 2);
+    EXPECT_STREQ(c->Type, "LGJ-400");
+    EXPECT_FLOAT_EQ(c->Pi, 12.5f);
+    EXPECT_FLOAT_EQ(c->R1, 6.0f) << "fields not changed keep their values";
+    q = "lntype=", 2;
+    EXPECT_EQ(c.select(q), 151);
+    // A fetched text stays good while its record stands, across later selects.
+    q = "id=", "L8";
+    ASSERT_EQ(c.select(q), 1);
+    const char* kept = c->id;
+    q = "order by id";
+    EXPECT_EQ(c.select(q), 300);
+    EXPECT_STREQ(kept, "L8");
+}
+
+TEST_F(Engine, MisuseIsReportedThroughTheErrorHandler)
+{
+    Insert(Line("A", 1, 1.0f));
+    rtdb().commit();
+
+    dbCursor<ln> view; // view-only: no update, no removal
+    dbQuery q;
+    q = "id=", "A";
+    ASSERT_EQ(view.select(q), 1);
+    view->R1 = 99.0f;
+    EXPECT_FALSE(view.update());
+    view.removeAll();
+    ASSERT_EQ(errors().size(), 2u);
+    EXPECT_EQ(errors()[0].code, dbReadOnlyCursor);
+    EXPECT_EQ(errors()[1].code, dbReadOnlyCursor);
+
+    dbCursor<ln> none(dbCursorForUpdate); // no select: no current record
+    EXPECT_FALSE(none.update());
+    q = "id=", "missing";
+    EXPECT_EQ(none.select(q), 0);
+    EXPECT_FALSE(none.update());
+    ASSERT_EQ(errors().size(), 4u);
+    EXPECT_EQ(errors()[2].code, dbNullReferenceError);
+    EXPECT_EQ(errors()[3].code, dbNullReferenceError);
+
+    dbCursor<ln> check;
+    EXPECT_EQ(check.select(), 1);
+    EXPECT_FLOAT_EQ(check->R1, 1.0f) << "nothing was written";
+
+    // A closed database: selects find nothing and say why; inserts are refused.
+    rtdb().close();
+    clearErrors();
+    EXPECT_EQ(check.select(), 0);
+    ln l = Line("B", 1, 1.0f);
+    EXPECT_FALSE(rtdb().insertRecord(&ln::dbDescriptor, nullptr, &l));
+    ASSERT_EQ(errors().size(), 2u);
+    EXPECT_EQ(errors()[0].code, dbDatabaseOpenError);
+    EXPECT_EQ(errors()[1].code, dbDatabaseOpenError);
+    ASSERT_TRUE(rtdb().open("again"));
+    EXPECT_EQ(check.select(), 0) << "a reopened database starts empty";
+}
+
+TEST(RecordModel, DescriptorsListTheFieldsInDeclarationOrder)
+{
+    for (const dbTableDescriptor* d : dbTableDescriptor::all()) {
+        if (!d) {
+            continue;
+        }
+        const auto& f = d->fields();
+        ASSERT_FALSE(f.empty()) << d->getName();
+        for (std::size_t i = 1; i < f.size(); ++i) {
+            EXPECT_LT(f[i - 1].offset, f[i].offset) << d->getName() << "." << f[i].name;
+        }
+        EXPECT_LE(f.back().offset, d->recordSize());
+    }
+    // The DC line's fifty-two results stand together as doubles from Id10 to Qcjp.
+    const auto& f = dln::dbDescriptor.fields();
+    std::size_t first = 0;
+    while (first < f.size() && std::strcmp(f[first].name, "Id10") != 0) {
+        ++first;
+    }
+    ASSERT_LT(first + 51, f.size());
+    EXPECT_STREQ(f[first + 51].name, "Qcjp");
+    for (std::size_t i = first; i <= first + 51; ++i) {
+        EXPECT_EQ(f[i].type, dbFieldDouble) << f[i].name;
+    }
+    // A fresh record has empty texts, never null ones.
+    xf x;
+    EXPECT_STREQ(x.id, "");
+    EXPECT_STREQ(x.Bus_Ctrl, "");
+    EXPECT_EQ(x.q, 0u);
+}
