@@ -89,6 +89,11 @@ std::uint32_t hashInteger(long long v)
     return mix(static_cast<std::uint64_t>(v));
 }
 
+std::size_t fieldSize(const dbFieldDescriptor& f)
+{
+    return f.type == dbFieldText ? sizeof(const char*) : (f.type == dbFieldDouble ? 8 : 4);
+}
+
 template <class T> T fieldAt(const char* row, const dbFieldDescriptor& f)
 {
     T v;
@@ -117,6 +122,14 @@ std::uint32_t hashField(const char* row, const dbFieldDescriptor& f)
         return hashReal(fieldAt<double>(row, f));
     }
     return 0;
+}
+
+// The hash of a field's value kept on its own (the bytes of the field, not of a row).
+std::uint32_t hashKey(const dbFieldDescriptor& f, const void* key)
+{
+    dbFieldDescriptor alone = f;
+    alone.offset = 0;
+    return hashField(static_cast<const char*>(key), alone);
 }
 
 template <class A, class B> int compare3(A a, B b)
@@ -167,6 +180,52 @@ int compareRows(const char* a, const char* b, const dbFieldDescriptor& f)
         return compare3(fieldAt<double>(a, f), fieldAt<double>(b, f));
     }
     return 0;
+}
+
+// The word an index keeps for a row's key: the text's address in the table, or the
+// number's bits.
+std::uint64_t keyWord(const char* row, const dbFieldDescriptor& f)
+{
+    if (f.type == dbFieldText) {
+        return reinterpret_cast<std::uintptr_t>(textAt(row, f));
+    }
+    std::uint64_t w = 0;
+    std::memcpy(&w, row + f.offset, fieldSize(f));
+    return w;
+}
+
+const char* keyText(std::uint64_t w)
+{
+    return reinterpret_cast<const char*>(static_cast<std::uintptr_t>(w));
+}
+
+bool sameKeyWord(const dbFieldDescriptor& f, std::uint64_t a, std::uint64_t b)
+{
+    if (f.type == dbFieldText) {
+        return a == b || std::strcmp(keyText(a), keyText(b)) == 0;
+    }
+    if (f.type == dbFieldReal || f.type == dbFieldDouble) {
+        char ra[8], rb[8];
+        std::memcpy(ra, &a, 8);
+        std::memcpy(rb, &b, 8);
+        dbFieldDescriptor alone = f;
+        alone.offset = 0;
+        return compareRows(ra, rb, alone) == 0; // 0.0 and -0.0 are one key
+    }
+    return a == b;
+}
+
+// Whether an index's key word equals a query value (of a kind the index can answer).
+bool keyEquals(const dbFieldDescriptor& f, std::uint64_t w, const dbQuery::Value& v)
+{
+    char image[8];
+    std::memcpy(image, &w, 8);
+    dbFieldDescriptor alone = f;
+    alone.offset = 0;
+    if (f.type == dbFieldText) {
+        return std::strcmp(keyText(w), v.s) == 0;
+    }
+    return compareField(image, alone, v) == 0;
 }
 
 bool holds(int c, dbQuery::Op op)
@@ -253,13 +312,25 @@ struct dbDatabase::Table
     void indexRow(std::uint32_t r)
     {
         for (Index& i : indexes) {
-            i.index.insert(hashField(row(r), *i.field), r);
+            indexField(i, r);
         }
+    }
+    void indexField(Index& i, std::uint32_t r)
+    {
+        const dbFieldDescriptor& f = *i.field;
+        const std::uint64_t key = keyWord(row(r), f);
+        i.index.insert(hashField(row(r), f), r, key,
+                       [&](std::uint64_t other) { return sameKeyWord(f, key, other); });
+    }
+    void unindexField(Index& i, std::uint32_t hash, std::uint32_t r)
+    {
+        const dbFieldDescriptor& f = *i.field;
+        i.index.erase(hash, r, [&](std::uint32_t next) { return keyWord(row(next), f); });
     }
     void unindexRow(std::uint32_t r)
     {
         for (Index& i : indexes) {
-            i.index.erase(hashField(row(r), *i.field), r);
+            unindexField(i, hashField(row(r), *i.field), r);
         }
     }
     // Copies the record's texts into the table and points the row at the copies; a text
@@ -502,15 +573,20 @@ void dbDatabase::rollback()
             break;
         case UndoEntry::Update: {
             const char* old = m_undoBytes.data() + e->bytes;
-            for (Table::Index& i : t.indexes) {
-                std::uint32_t now = hashField(t.row(r), *i.field);
-                std::uint32_t then = hashField(old, *i.field);
-                if (now != then) {
-                    i.index.erase(now, r);
-                    i.index.insert(then, r);
+            bool changed[kMaxIndexes];
+            for (std::size_t i = 0; i < t.indexes.size(); ++i) {
+                Table::Index& x = t.indexes[i];
+                changed[i] = compareRows(t.row(r), old, *x.field) != 0;
+                if (changed[i]) {
+                    t.unindexField(x, hashField(t.row(r), *x.field), r);
                 }
             }
             std::memcpy(t.row(r), old, t.stride);
+            for (std::size_t i = 0; i < t.indexes.size(); ++i) {
+                if (changed[i]) {
+                    t.indexField(t.indexes[i], r);
+                }
+            }
             break;
         }
         case UndoEntry::Remove:
@@ -552,10 +628,12 @@ void dbDatabase::updateRow(Table& t, std::uint32_t r, const char* record)
             UndoEntry{UndoEntry::Update, static_cast<std::uint32_t>(t.desc->m_tableNo), r, at});
         t.stamp[r] = m_transaction;
     }
-    std::uint32_t oldHash[kMaxIndexes];
+    // The keys the row holds now: a pointer into the table's texts or a number's bytes.
+    std::uint64_t oldKey[kMaxIndexes];
     const std::size_t nIdx = t.indexes.size();
     for (std::size_t i = 0; i < nIdx; ++i) {
-        oldHash[i] = hashField(dst, *t.indexes[i].field);
+        oldKey[i] = 0;
+        std::memcpy(&oldKey[i], dst + t.indexes[i].field->offset, fieldSize(*t.indexes[i].field));
     }
     // The new texts are resolved against the row before the row is overwritten.
     const char* texts[kMaxTexts];
@@ -578,10 +656,19 @@ void dbDatabase::updateRow(Table& t, std::uint32_t r, const char* record)
     }
     for (std::size_t i = 0; i < nIdx; ++i) {
         Table::Index& x = t.indexes[i];
-        std::uint32_t now = hashField(dst, *x.field);
-        if (now != oldHash[i]) {
-            x.index.erase(oldHash[i], r);
-            x.index.insert(now, r);
+        const dbFieldDescriptor& f = *x.field;
+        bool same;
+        if (f.type == dbFieldText) {
+            const char* before;
+            std::memcpy(&before, &oldKey[i], sizeof before);
+            const char* now = textAt(dst, f);
+            same = before == now || std::strcmp(before ? before : kEmptyText, now) == 0;
+        } else {
+            same = std::memcmp(&oldKey[i], dst + f.offset, fieldSize(f)) == 0;
+        }
+        if (!same) {
+            t.unindexField(x, hashKey(f, &oldKey[i]), r);
+            t.indexField(x, r);
         }
     }
 }
@@ -636,7 +723,12 @@ bool dbDatabase::selectRows(const dbTableDescriptor& d, const dbQuery* query,
         handleError(dbQueryError, "select from a table this database does not have");
         return false;
     }
-    dbQuery::Compiled q;
+    // Scratch space kept per thread: a keyed select then allocates nothing here.
+    thread_local dbQuery::Compiled q;
+    thread_local std::vector<dbQuery::Value> values;
+    q.conditions.clear();
+    q.order.clear();
+    values.clear();
     if (query) {
         std::string error;
         if (!query->compile(d, q, error)) {
@@ -644,8 +736,6 @@ bool dbDatabase::selectRows(const dbTableDescriptor& d, const dbQuery* query,
             return false;
         }
     }
-    std::vector<dbQuery::Value> values;
-    values.reserve(q.conditions.size());
     for (const dbQuery::Condition& c : q.conditions) {
         values.push_back(c.param >= 0 ? query->params()[c.param].resolve() : c.literal.resolve());
     }
@@ -660,20 +750,32 @@ bool dbDatabase::selectRows(const dbTableDescriptor& d, const dbQuery* query,
     };
     // An equality on an indexed field gives the candidates; otherwise every row is one.
     const HashIndex* index = nullptr;
+    const dbQuery::Condition* keyCondition = nullptr;
+    std::size_t keyAt = 0;
     std::uint32_t hash = 0;
     for (std::size_t i = 0; i < q.conditions.size() && !index; ++i) {
         const dbQuery::Condition& c = q.conditions[i];
         if (c.op == dbQuery::Eq && c.field->hashed && valueHash(*c.field, values[i], hash)) {
             index = t->indexOf(c.field);
+            keyCondition = &c;
+            keyAt = i;
         }
     }
     if (index) {
-        index->find(hash, [&](std::uint32_t r) {
-            if (t->live[r] && matches(r)) {
-                rows.push_back(r);
-            }
-            return true;
-        });
+        index->find(
+            hash,
+            [&](std::uint64_t key) { return keyEquals(*keyCondition->field, key, values[keyAt]); },
+            [&](std::uint32_t r) {
+                if (t->live[r] && matches(r)) {
+                    rows.push_back(r);
+                }
+            },
+            [&](std::uint32_t r) {
+                const char* p = t->row(r);
+                for (std::size_t at = 0; at < t->stride; at += 64) {
+                    __builtin_prefetch(p + at);
+                }
+            });
         if (rows.size() > 1) {
             std::sort(rows.begin(), rows.end());
         }
