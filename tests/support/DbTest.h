@@ -49,6 +49,7 @@ protected:
     // StartStatementLog turns the server's general log on (to its table and its file,
     // where tools can read it later) and marks the present point; SentStatements gives
     // what the library's connection sent since, in order.
+    // The server logs a statement without its trailing blanks.
     static void StartStatementLog();
     static std::vector<std::string> SentStatements();
 

@@ -1,0 +1,681 @@
+#include "loadflow/realtime/LFCalDataToRTDB.h"
+
+#include "common/Conversions.h"
+#include "common/Feedback.h"
+#include "common/ModalBox.h"
+#include "loadflow/realtime/LFRealtimeStatements.h"
+#include "records/NetworkRecords.h"
+#include "records/RecordFlags.h"
+
+#include <QObject>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QVariant>
+#include <cstring>
+
+using namespace dtsdb;
+using namespace lfrt;
+
+namespace {
+
+// Room for a name of 20 bytes and the longest suffix, with margin for longer data.
+constexpr int kIdSize = 256;
+// Bus_Ctrl holds at most 20 bytes; one more keeps the copy terminated.
+constexpr int kBusCtrlSize = 21;
+
+void setBit(unsigned int& word, unsigned int bit, bool on)
+{
+    word = on ? (word | bit) : (word & ~bit);
+}
+
+// Runs a job-table SELECT forward only; false when the server refused it.
+bool runSelect(QSqlQuery& q, const QByteArray& sql)
+{
+    q.setForwardOnly(true);
+    return q.exec(QString::fromLocal8Bit(sql));
+}
+
+bool runUpdate(QSqlDatabase* db, const QByteArray& sql)
+{
+    QSqlQuery q(*db);
+    return q.exec(QString::fromLocal8Bit(sql));
+}
+
+void warn(const char* text)
+{
+    ShowModalBox(ModalBoxKind::Warning, BOX_CAPTION, QObject::tr(text));
+}
+
+// Takes a job row's name into the id buffer and appends the family's suffix.
+void formId(char* id, const QVariant& name, const char* format)
+{
+    char buf[kIdSize];
+    const QByteArray bytes = name.toString().toLocal8Bit().left(kIdSize - 8);
+    Strcopy(buf, bytes.constData());
+    std::snprintf(id, kIdSize, format, buf);
+}
+
+// Selects the record of `id` on `cursor`; shows the not-found message when there is none.
+template <class T> bool findRecord(dbCursor<T>& cursor, const char* id, const char* missing)
+{
+    dbQuery q;
+    q = "id =", id;
+    if (cursor.select(q) < 1) {
+        ShowMessagef(MSG_ERROR, missing, id);
+        return false;
+    }
+    return true;
+}
+
+float real(const QSqlQuery& q, int column)
+{
+    return static_cast<float>(q.value(column).toDouble());
+}
+
+// Whether `id` ends in `suffix`, compared on the lower-cased tail.
+bool endsWith(const QByteArray& id, const char* suffix)
+{
+    const int n = static_cast<int>(std::strlen(suffix));
+    return id.size() >= n && id.right(n).toLower() == suffix;
+}
+
+} // namespace
+
+CLFCalDataToRTDB::CLFCalDataToRTDB(int jobNumber, QSqlDatabase* db)
+    : m_pDB(db), m_nJobNumber(jobNumber)
+{}
+
+int CLFCalDataToRTDB::ImportLDataToRTDB()
+{
+    int failed = 0;
+    failed |= ImportLKDataToRTDB();
+    failed |= ImportL6DataToRTDB();
+    failed |= ImportL5DataToRTDB();
+    failed |= ImportL4DataToRTDB();
+    failed |= ImportL3DataToRTDB();
+    failed |= ImportL2DataToRTDB();
+    failed |= ImportL1DataToRTDB();
+    return failed ? CALC_FAIL : CALC_OK;
+}
+
+int CLFCalDataToRTDB::ImportL1DataToRTDB()
+{
+    const QByteArray table = FormatText(L1_TABLE, m_nJobNumber);
+    dbCursor<nd> cursor(dbCursorForUpdate);
+    QSqlQuery q(*m_pDB);
+    if (!runSelect(q, FormatText(SQL_L1_SELECT, table.constData()))) {
+        ShowMessage(MSG_L1_QUERY, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    char id[kIdSize] = "";
+    while (q.next()) {
+        formId(id, q.value(0), ID_PLAIN);
+        if (!findRecord(cursor, id, MSG_ND_MISSING)) {
+            continue;
+        }
+        setBit(cursor->q, ND_INJOB, true);
+        setBit(cursor->q, ND_OUTSERVICE, false);
+        cursor.update();
+    }
+    return CALC_OK;
+}
+
+int CLFCalDataToRTDB::ImportL2DataToRTDB()
+{
+    const QByteArray table = FormatText(L2_TABLE, m_nJobNumber);
+    dbCursor<ln> lines(dbCursorForUpdate);
+    dbCursor<cp> shunts(dbCursorForUpdate);
+    QSqlQuery q(*m_pDB);
+    if (!runSelect(q, FormatText(SQL_L2_SELECT, table.constData()))) {
+        ShowMessage(MSG_L2_QUERY, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    char id[kIdSize] = "";
+    char busCtrl[kBusCtrlSize];
+    char type[kIdSize];
+    while (q.next()) {
+        const int ntype = q.value(19).toInt();
+        const QByteArray busCtrlText = q.value(14).toString().toLocal8Bit();
+        const QByteArray typeText = q.value(18).toString().toLocal8Bit().left(kIdSize - 1);
+        std::memset(busCtrl, 0, sizeof busCtrl);
+        Strncopy(busCtrl, busCtrlText.constData(), kBusCtrlSize - 1);
+        Strcopy(type, typeText.constData());
+        if (ntype == 1 || ntype == 2) {
+            formId(id, q.value(0), ntype == 1 ? ID_AC : ID_SC);
+            if (!findRecord(lines, id, ntype == 1 ? MSG_AC_MISSING : MSG_SC_MISSING)) {
+                continue;
+            }
+            ln& r = *lines;
+            setBit(r.q, LN_INJOB, true);
+            setBit(r.q, LN_OUTSERVICE, q.value(1).toInt() == 0);
+            r.ID_No = q.value(4).toInt();
+            setBit(r.q, LN_IOPEN, q.value(5).toInt() == 0);
+            setBit(r.q, LN_JOPEN, q.value(6).toInt() == 0);
+            r.R1 = real(q, 7);
+            r.X1 = real(q, 8);
+            r.B1_Half = real(q, 9);
+            r.Rate_Ka = real(q, 10);
+            r.Up_Limit = real(q, 11);
+            r.Mode_Ctrl = q.value(12).toInt();
+            r.Par_No = q.value(13).toInt();
+            r.Bus_Ctrl = busCtrl;
+            r.Line_Ctrl = q.value(15).toInt();
+            r.Value_Ctrl = real(q, 16);
+            r.Length_Km = real(q, 17);
+            r.Type = type;
+            lines.update();
+        } else {
+            formId(id, q.value(0), ID_PLAIN);
+            if (!findRecord(shunts, id, MSG_CP_MISSING)) {
+                continue;
+            }
+            cp& r = *shunts;
+            setBit(r.q, CP_INJOB, true);
+            setBit(r.q, CP_OUTSERVICE, q.value(1).toInt() == 0);
+            r.ID_No = q.value(4).toInt();
+            // The open I end takes the same bit: it decides the shunt's state.
+            setBit(r.q, CP_OUTSERVICE, q.value(5).toInt() == 0);
+            (void)q.value(6); // J_Break has no effect on a shunt
+            r.R1 = real(q, 7);
+            r.X1 = real(q, 8);
+            r.Mode_Ctrl = q.value(12).toInt();
+            r.Par_No = q.value(13).toInt();
+            r.Bus_Ctrl = busCtrl;
+            r.Line_Ctrl = q.value(15).toInt();
+            r.Value_Ctrl = real(q, 16);
+            r.Type = type;
+            shunts.update();
+        }
+    }
+    return CALC_OK;
+}
+
+int CLFCalDataToRTDB::ImportL3DataToRTDB()
+{
+    const QByteArray table = FormatText(L3_TABLE, m_nJobNumber);
+    dbCursor<xf> cursor(dbCursorForUpdate);
+    QSqlQuery q(*m_pDB);
+    if (!runSelect(q, FormatText(SQL_L3_SELECT, table.constData()))) {
+        ShowMessage(MSG_L3_QUERY, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    // Cleared once: a row of an unknown NType keeps the id of the row before it, and so
+    // overwrites that record again.
+    char id[kIdSize] = "";
+    char busCtrl[kBusCtrlSize];
+    while (q.next()) {
+        switch (q.value(18).toInt()) {
+        case 1:
+            formId(id, q.value(0), ID_2W);
+            break;
+        case 2:
+            formId(id, q.value(0), ID_SF);
+            break;
+        case 31:
+            formId(id, q.value(0), ID_3W1);
+            break;
+        case 32:
+            formId(id, q.value(0), ID_3W2);
+            break;
+        case 33:
+            formId(id, q.value(0), ID_3W3);
+            break;
+        default:
+            break;
+        }
+        if (!findRecord(cursor, id, MSG_XF_MISSING)) {
+            continue;
+        }
+        xf& r = *cursor;
+        setBit(r.q, XF_INJOB, true);
+        setBit(r.q, XF_OUTSERVICE, q.value(1).toInt() == 0);
+        r.ID_No = q.value(4).toInt();
+        r.R1 = real(q, 5);
+        r.X1 = real(q, 6);
+        const double gm = q.value(7).toDouble();
+        const double bm = q.value(8).toDouble();
+        if (gm > -1e-08 && gm < 1e-08 && bm > -1e-08 && bm < 1e-08) {
+            r.Rm = 0;
+            r.Xm = 0;
+        } else {
+            const double d = gm * gm + bm * bm;
+            r.Rm = static_cast<float>(gm / d);
+            r.Xm = static_cast<float>(bm / d);
+        }
+        r.Tk = real(q, 9);
+        r.Ang_Shift = real(q, 10);
+        r.Rate_MVA = real(q, 11);
+        r.Up_Limit = real(q, 12);
+        r.Mode_Ctrl = q.value(13).toInt();
+        r.Par_No = q.value(14).toInt();
+        std::memset(busCtrl, 0, sizeof busCtrl);
+        Strncopy(busCtrl, q.value(15).toString().toLocal8Bit().constData(), kBusCtrlSize - 1);
+        r.Bus_Ctrl = busCtrl;
+        r.Line_Ctrl = q.value(16).toInt();
+        r.Value_Ctrl = real(q, 17);
+        r.TapMax1 = q.value(19).toInt();
+        r.TapMin1 = q.value(20).toInt();
+        r.Vstep_Tap1 = real(q, 21);
+        r.V0_Tap1 = real(q, 22);
+        r.P0_Tap1 = q.value(23).toInt();
+        r.Vpos_Tap1 = q.value(24).toInt();
+        r.TapMax2 = q.value(25).toInt();
+        r.TapMin2 = q.value(26).toInt();
+        r.Vstep_Tap2 = real(q, 27);
+        r.V0_Tap2 = real(q, 28);
+        r.P0_Tap2 = q.value(29).toInt();
+        r.Vpos_Tap2 = q.value(30).toInt();
+        cursor.update();
+    }
+    return CALC_OK;
+}
+
+int CLFCalDataToRTDB::ImportL4DataToRTDB()
+{
+    const QByteArray table = FormatText(L4_TABLE, m_nJobNumber);
+    dbCursor<dln> cursor(dbCursorForUpdate);
+    QSqlQuery q(*m_pDB);
+    const QByteArray sql = QByteArray(SQL_L4_SELECT) + FormatText(SQL_L4_FROM, table.constData());
+    if (!runSelect(q, sql)) {
+        ShowMessage(MSG_L4_QUERY, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    // Columns Rpi_Ohm (3) to J_Tap (46) fill the dln fields of the same names, which
+    // stand in the same order: integers where the record has an int, else reals.
+    const auto& fields = dln::dbDescriptor.fields();
+    std::size_t first = 0;
+    while (first < fields.size() && std::strcmp(fields[first].name, "Rpi_Ohm") != 0) {
+        ++first;
+    }
+    constexpr int kFirstColumn = 3, kLastColumn = 46;
+    char id[kIdSize] = "";
+    while (q.next()) {
+        formId(id, q.value(0), ID_PLAIN);
+        if (!findRecord(cursor, id, MSG_DLN_MISSING)) {
+            continue;
+        }
+        dln& r = *cursor;
+        setBit(r.q, DLN_INJOB, true);
+        setBit(r.q, DLN_OUTSERVICE, q.value(1).toInt() == 0);
+        char* base = reinterpret_cast<char*>(&r);
+        for (int c = kFirstColumn; c <= kLastColumn; ++c) {
+            const dbFieldDescriptor& f = fields[first + (c - kFirstColumn)];
+            if (f.type == dbFieldInt) {
+                const int v = q.value(c).toInt();
+                std::memcpy(base + f.offset, &v, sizeof v);
+            } else {
+                const float v = real(q, c);
+                std::memcpy(base + f.offset, &v, sizeof v);
+            }
+        }
+        cursor.update();
+    }
+    return CALC_OK;
+}
+
+int CLFCalDataToRTDB::ImportL5DataToRTDB()
+{
+    const QByteArray table = FormatText(L5_TABLE, m_nJobNumber);
+    dbCursor<un> cursor(dbCursorForUpdate);
+    QSqlQuery q(*m_pDB);
+    if (!runSelect(q, FormatText(SQL_L5_SELECT, table.constData()))) {
+        ShowMessage(MSG_L5_QUERY, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    char id[kIdSize] = "";
+    char busCtrl[kBusCtrlSize];
+    while (q.next()) {
+        formId(id, q.value(0), ID_PLAIN);
+        if (!findRecord(cursor, id, MSG_UN_MISSING)) {
+            continue;
+        }
+        un& r = *cursor;
+        setBit(r.q, UN_INJOB, true);
+        setBit(r.q, UN_OUTSERVICE, q.value(1).toInt() == 0);
+        r.Mode_Ctrl = q.value(3).toInt();
+        r.Pg = real(q, 4);
+        r.Qg = real(q, 5);
+        r.V0 = real(q, 6);
+        r.Angle = real(q, 7);
+        r.Qmax = real(q, 8);
+        r.Qmin = real(q, 9);
+        r.Pmax = real(q, 10);
+        r.Pmin = real(q, 11);
+        r.Par_Group = q.value(12).toInt();
+        std::memset(busCtrl, 0, sizeof busCtrl);
+        Strncopy(busCtrl, q.value(13).toString().toLocal8Bit().constData(), kBusCtrlSize - 1);
+        r.Bus_Ctrl = busCtrl;
+        r.Line_Ctrl = q.value(14).toInt();
+        r.Value_Ctrl = real(q, 15);
+        cursor.update();
+    }
+    return CALC_OK;
+}
+
+int CLFCalDataToRTDB::ImportL6DataToRTDB()
+{
+    const QByteArray table = FormatText(L6_TABLE, m_nJobNumber);
+    dbCursor<ld> cursor(dbCursorForUpdate);
+    QSqlQuery q(*m_pDB);
+    if (!runSelect(q, FormatText(SQL_L6_SELECT, table.constData()))) {
+        ShowMessage(MSG_L6_QUERY, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    char id[kIdSize] = "";
+    char busCtrl[kBusCtrlSize];
+    while (q.next()) {
+        formId(id, q.value(0), ID_PLAIN);
+        if (!findRecord(cursor, id, MSG_LD_MISSING)) {
+            continue;
+        }
+        ld& r = *cursor;
+        setBit(r.q, LD_INJOB, true);
+        setBit(r.q, LD_OUTSERVICE, q.value(1).toInt() == 0);
+        r.No_Load = q.value(3).toInt();
+        r.Mode_Ctrl = q.value(4).toInt();
+        r.Pl = real(q, 5);
+        r.Ql = real(q, 6);
+        r.V0 = real(q, 7);
+        r.Angle = real(q, 8);
+        r.Qmax = real(q, 9);
+        r.Qmin = real(q, 10);
+        r.Pmax = real(q, 11);
+        r.Pmin = real(q, 12);
+        r.Par_Group = q.value(13).toInt();
+        std::memset(busCtrl, 0, sizeof busCtrl);
+        Strncopy(busCtrl, q.value(14).toString().toLocal8Bit().constData(), kBusCtrlSize - 1);
+        r.Bus_Ctrl = busCtrl;
+        r.Line_Ctrl = q.value(15).toInt();
+        r.Value_Ctrl = real(q, 16);
+        cursor.update();
+    }
+    return CALC_OK;
+}
+
+int CLFCalDataToRTDB::ImportLKDataToRTDB()
+{
+    const QByteArray table = FormatText(LK_TABLE, m_nJobNumber);
+    dbCursor<cb> cursor(dbCursorForUpdate);
+    QSqlQuery q(*m_pDB);
+    if (!runSelect(q, FormatText(SQL_LK_SELECT, table.constData()))) {
+        ShowMessage(MSG_LK_QUERY, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    char id[kIdSize] = "";
+    while (q.next()) {
+        formId(id, q.value(0), q.value(6).toInt() == 1 ? ID_BRK : ID_SW);
+        if (!findRecord(cursor, id, MSG_CB_MISSING)) {
+            continue;
+        }
+        cb& r = *cursor;
+        setBit(r.q, CB_INJOB, true);
+        setBit(r.q, CB_OUTSERVICE, q.value(1).toInt() == 0);
+        setBit(r.q, CB_OPEN, q.value(2).toInt() == 0);
+        r.ID_No = q.value(5).toInt();
+        cursor.update();
+    }
+    return CALC_OK;
+}
+
+// ---- The way back ----
+
+int CLFCalDataToRTDB::UpdateLDataFromRTDB()
+{
+    int failed = 0;
+    failed |= UpdateLKDataFromRTDB();
+    failed |= UpdateL6DataFromRTDB();
+    failed |= UpdateL5DataFromRTDB();
+    failed |= UpdateL4DataFromRTDB();
+    failed |= UpdateL3DataFromRTDB();
+    failed |= UpdateL2DataFromRTDB();
+    return failed ? CALC_FAIL : CALC_OK;
+}
+
+int CLFCalDataToRTDB::UpdateL1DataFromRTDB()
+{
+    return CALC_OK; // nodes have nothing to give back
+}
+
+int CLFCalDataToRTDB::UpdateL2DataFromRTDB()
+{
+    const QByteArray table = FormatText(L2_TABLE, m_nJobNumber);
+    if (!runUpdate(m_pDB, FormatText(SQL_ALL_OUT, table.constData()))) {
+        warn(MSG_LN_UPDATE);
+        return CALC_FAIL;
+    }
+    dbCursor<ln> lines(dbCursorViewOnly);
+    if (lines.select() > 0) {
+        do {
+            const ln& r = *lines;
+            if (r.q & LN_OUTSERVICE) {
+                continue;
+            }
+            QByteArray name(r.id);
+            int ntype = 0;
+            if (endsWith(name, "_ac")) {
+                ntype = 1;
+            } else if (endsWith(name, "_sc")) {
+                ntype = 2;
+            }
+            if (ntype) {
+                name.chop(3);
+            }
+            const int iBreak = (r.q & LN_IOPEN) ? 0 : 1;
+            const int jBreak = (r.q & LN_JOPEN) ? 0 : 1;
+            if (!runUpdate(m_pDB, FormatText(SQL_LN_UPDATE, table.constData(), 1, iBreak, jBreak,
+                                             name.constData(), ntype))) {
+                warn(MSG_LN_UPDATE);
+                return CALC_FAIL;
+            }
+        } while (lines.next());
+    }
+    dbCursor<cp> shunts(dbCursorViewOnly);
+    if (shunts.select() > 0) {
+        do {
+            const cp& r = *shunts;
+            if (r.q & CP_OUTSERVICE) {
+                continue;
+            }
+            // Both ends follow the one bit, clear here: always 1.
+            const int brk = (r.q & CP_OUTSERVICE) ? 0 : 1;
+            if (!runUpdate(m_pDB,
+                           FormatText(SQL_CP_UPDATE, table.constData(), 1, brk, brk, r.id, 3))) {
+                warn(MSG_CP_UPDATE);
+                return CALC_FAIL;
+            }
+        } while (shunts.next());
+    }
+    return CALC_OK;
+}
+
+int CLFCalDataToRTDB::UpdateL3DataFromRTDB()
+{
+    const QByteArray table = FormatText(L3_TABLE, m_nJobNumber);
+    if (!runUpdate(m_pDB, FormatText(SQL_ALL_OUT, table.constData()))) {
+        warn(MSG_XF_UPDATE);
+        return CALC_FAIL;
+    }
+    static const struct
+    {
+        const char* suffix;
+        int ntype;
+    } suffixes[] = {{"_2w", 1}, {"_sf", 2}, {"_3w1", 31}, {"_3w2", 32}, {"_3w3", 33}};
+    dbCursor<xf> cursor(dbCursorViewOnly);
+    if (cursor.select() > 0) {
+        do {
+            const xf& r = *cursor;
+            if (r.q & XF_OUTSERVICE) {
+                continue;
+            }
+            QByteArray name(r.id);
+            int ntype = 0;
+            for (const auto& s : suffixes) {
+                if (endsWith(name, s.suffix)) {
+                    ntype = s.ntype;
+                    name.chop(static_cast<int>(std::strlen(s.suffix)));
+                    break;
+                }
+            }
+            if (!runUpdate(m_pDB, FormatText(SQL_XF_UPDATE, table.constData(), 1, name.constData(),
+                                             ntype))) {
+                warn(MSG_XF_UPDATE);
+                return CALC_FAIL;
+            }
+        } while (cursor.next());
+    }
+    return CALC_OK;
+}
+
+int CLFCalDataToRTDB::UpdateL4DataFromRTDB()
+{
+    const QByteArray table = FormatText(L4_TABLE, m_nJobNumber);
+    if (!runUpdate(m_pDB, FormatText(SQL_ALL_OUT, table.constData()))) {
+        warn(MSG_DLN_UPDATE);
+        return CALC_FAIL;
+    }
+    dbCursor<dln> cursor(dbCursorViewOnly);
+    if (cursor.select() > 0) {
+        do {
+            if (cursor->q & DLN_OUTSERVICE) {
+                continue;
+            }
+            if (!runUpdate(m_pDB, FormatText(SQL_DLN_UPDATE, table.constData(), 1, cursor->id))) {
+                warn(MSG_DLN_UPDATE);
+                return CALC_FAIL;
+            }
+        } while (cursor.next());
+    }
+    return CALC_OK;
+}
+
+int CLFCalDataToRTDB::UpdateL5DataFromRTDB()
+{
+    const QByteArray table = FormatText(L5_TABLE, m_nJobNumber);
+    if (!runUpdate(m_pDB, FormatText(SQL_ALL_OUT, table.constData()))) {
+        warn(MSG_UN_UPDATE);
+        return CALC_FAIL;
+    }
+    dbCursor<un> cursor(dbCursorViewOnly);
+    if (cursor.select() > 0) {
+        do {
+            const un& r = *cursor;
+            if (r.q & UN_OUTSERVICE) {
+                continue;
+            }
+            if (!runUpdate(m_pDB, FormatText(SQL_UN_UPDATE, table.constData(), 1, r.Pg, r.Qg, r.V0,
+                                             r.Angle, r.id))) {
+                warn(MSG_UN_UPDATE);
+                return CALC_FAIL;
+            }
+        } while (cursor.next());
+    }
+    return CALC_OK;
+}
+
+int CLFCalDataToRTDB::UpdateL6DataFromRTDB()
+{
+    const QByteArray table = FormatText(L6_TABLE, m_nJobNumber);
+    if (!runUpdate(m_pDB, FormatText(SQL_ALL_OUT, table.constData()))) {
+        warn(MSG_LD_UPDATE);
+        return CALC_FAIL;
+    }
+    dbCursor<ld> cursor(dbCursorViewOnly);
+    if (cursor.select() > 0) {
+        do {
+            const ld& r = *cursor;
+            if (r.q & LD_OUTSERVICE) {
+                continue;
+            }
+            if (!runUpdate(m_pDB, FormatText(SQL_LD_UPDATE, table.constData(), 1, r.Pl, r.Ql, r.V0,
+                                             r.Angle, r.id))) {
+                warn(MSG_LD_UPDATE);
+                return CALC_FAIL;
+            }
+        } while (cursor.next());
+    }
+    return CALC_OK;
+}
+
+int CLFCalDataToRTDB::UpdateLKDataFromRTDB()
+{
+    const QByteArray table = FormatText(LK_TABLE, m_nJobNumber);
+    if (!runUpdate(m_pDB, FormatText(SQL_ALL_OUT, table.constData()))) {
+        warn(MSG_CB_UPDATE);
+        return CALC_FAIL;
+    }
+    dbCursor<cb> cursor(dbCursorViewOnly);
+    if (cursor.select() > 0) {
+        do {
+            const cb& r = *cursor;
+            if (r.q & CB_OUTSERVICE) {
+                continue;
+            }
+            QByteArray name(r.id);
+            int ntype = 2;
+            if (endsWith(name, "_brk")) {
+                ntype = 1;
+                name.chop(4);
+            } else {
+                name.chop(3); // "_sw" or whatever else stands there
+            }
+            const int lbreak = (r.q & CB_OPEN) ? 0 : 1;
+            if (!runUpdate(m_pDB, FormatText(SQL_CB_UPDATE, table.constData(), 1, lbreak,
+                                             name.constData(), ntype))) {
+                warn(MSG_CB_UPDATE);
+                return CALC_FAIL;
+            }
+        } while (cursor.next());
+    }
+    return CALC_OK;
+}
+
+// ---- Invalidation ----
+
+namespace {
+
+template <class T>
+void invalidate(dbCursor<T>& cursor, unsigned int injob, unsigned int out, unsigned int top,
+                bool force)
+{
+    if (cursor.select() < 1) {
+        return;
+    }
+    do {
+        T& r = *cursor;
+        r.q &= ~injob;
+        r.q |= out;
+        if (force) {
+            r.topflags |= top;
+        }
+        cursor.update();
+    } while (cursor.next());
+}
+
+} // namespace
+
+int CLFCalDataToRTDB::InValidateLFCalDataInRTDB(bool bForce)
+{
+    dbCursor<ln> lines(dbCursorForUpdate);
+    dbCursor<cp> shunts(dbCursorForUpdate);
+    dbCursor<xf> transformers(dbCursorForUpdate);
+    dbCursor<dln> dcLines(dbCursorForUpdate);
+    dbCursor<un> generators(dbCursorForUpdate);
+    dbCursor<ld> loads(dbCursorForUpdate);
+    dbCursor<cb> switches(dbCursorForUpdate);
+    dbCursor<nd> nodes(dbCursorForUpdate);
+    invalidate(lines, LN_INJOB, LN_OUTSERVICE, LN_TOP_INVALID, bForce);
+    invalidate(shunts, CP_INJOB, CP_OUTSERVICE, CP_TOP_INVALID, bForce);
+    invalidate(transformers, XF_INJOB, XF_OUTSERVICE, XF_TOP_INVALID, bForce);
+    invalidate(dcLines, DLN_INJOB, DLN_OUTSERVICE, DLN_TOP_INVALID, bForce);
+    invalidate(generators, UN_INJOB, UN_OUTSERVICE, UN_TOP_INVALID, bForce);
+    invalidate(loads, LD_INJOB, LD_OUTSERVICE, LD_TOP_INVALID, bForce);
+    invalidate(switches, CB_INJOB, CB_OUTSERVICE, CB_TOP_INVALID, bForce);
+    if (nodes.select() > 0) { // a node has no topology flag to force
+        do {
+            nodes->q &= ~ND_INJOB;
+            nodes->q |= ND_OUTSERVICE;
+            nodes.update();
+        } while (nodes.next());
+    }
+    return CALC_OK;
+}
