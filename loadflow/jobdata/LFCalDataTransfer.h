@@ -1,0 +1,64 @@
+#pragma once
+// The transfer between the base database and the load-flow job tables of one job.
+// Extraction: the calculation scheme picks one row per element, the rows are copied into
+// the job tables in per-unit form inside the server, the node table is built last and the
+// counts go to LF_CASE. Save-back: what a calculation changed goes back to the working
+// copies, in place or into a data group, and orphans are saved into the group.
+
+#include <QMap>
+#include <QString>
+
+class QSqlDatabase;
+class CDatabase;
+
+class CLFCalDataTransfer
+{
+public:
+    CLFCalDataTransfer(int jobNumber, char* schemeName, QSqlDatabase* db, CDatabase* baseDb);
+    // For extraction only: job 0 and no base-database object.
+    CLFCalDataTransfer(char* schemeName, QSqlDatabase* db);
+    virtual ~CLFCalDataTransfer() {}
+    CLFCalDataTransfer(const CLFCalDataTransfer&) = default;
+    CLFCalDataTransfer& operator=(const CLFCalDataTransfer&) = default;
+
+    int ImportLDataFromBaseDB();
+    int DeleteLData();
+
+    // Counters: after extraction the LF_CASE counts, after save-back the changed elements.
+    int Nbus = 0, Ngenerat = 0, Nload = 0, Nacline = 0, Ndcline = 0, Ntrans = 0, Nswitch = 0;
+
+    double BasePower() const { return m_dBaseMva; }
+
+private:
+    void Init(char* schemeName);
+    // The frame of an extraction family: tmp created before, dropped after success.
+    bool CreateTmp();
+    void DropTmp();
+    // Fills tmp by the scheme from `source` (a composed working-copy name).
+    bool SelectByScheme(const QByteArray& source);
+
+    int ImportL1DataFromBaseDB();
+    int ImportL2DataFromBaseDB();
+    int ImportL2DataFromAC();
+    int ImportL2DataFromSCR();
+    int ImportL2DataFromPCR();
+    int ImportL3DataFromBaseDB();
+    int ImportL3DataFromT2W();
+    int ImportL3DataFromShift();
+    int ImportL3DataFromT3W();
+    int ImportL4DataFromBaseDB();
+    int ImportL5DataFromBaseDB();
+    int ImportL6DataFromBaseDB();
+    int ImportLKDataFromBaseDB();
+    int AddNewNode(const QString& name);
+
+    QSqlDatabase* m_pDB;
+    CDatabase* m_pBaseDB;
+    int m_nJobNumber;
+    char m_SchName[32];
+    double m_dBaseMva = 1.0;
+    bool m_bNewGroup = false;
+    QString m_strGroupName;
+    int m_nNewElements = 0;
+    QMap<QString, int> m_NewNodes;
+};

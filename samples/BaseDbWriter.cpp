@@ -1,0 +1,166 @@
+#include "SampleNetwork.h"
+
+#include "common/SQLMultiInsert.h"
+
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QVariant>
+#include <complex>
+#include <map>
+
+namespace samples {
+namespace {
+
+QByteArray num(double v)
+{
+    return QByteArray::number(v, 'g', 12);
+}
+
+QByteArray text(const QString& s)
+{
+    return "'" + s.toLocal8Bit() + "'";
+}
+
+// One table's rows through the library's batched insert.
+class Rows
+{
+public:
+    Rows(QSqlDatabase* db, const char* table, const char* fields) : m_ins(db, 500)
+    {
+        m_ins.SetTableName(table);
+        m_ins.SetFldNamelst(fields);
+    }
+    void add(const QList<QByteArray>& values) { m_ins.AddRecord(values.join(",")); }
+    bool flush() { return m_ins.exec(); }
+
+private:
+    SQLMultiInsert m_ins;
+};
+
+} // namespace
+
+bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& group,
+                          const QString& scheme, QString& error)
+{
+    QSqlQuery q(*db);
+    auto exec = [&](const QString& sql) {
+        if (!q.exec(sql)) {
+            error = sql + ": " + q.lastError().text();
+            return false;
+        }
+        return true;
+    };
+    const double sb = net.baseMVA;
+    std::map<int, const Bus*> busOf;
+    for (const Bus& b : net.buses) {
+        busOf[b.num] = &b;
+    }
+    auto zb = [&](int bus) {
+        const Bus* b = busOf.count(bus) ? busOf[bus] : nullptr;
+        return b && b->baseKV > 0 ? b->baseKV * b->baseKV / sb : 0.0;
+    };
+    const QByteArray grp = text(group);
+    auto node = [](int k) { return text(QString("N%1").arg(k)); };
+
+    if (!exec("DELETE FROM CDB_SBBAK") ||
+        !exec(QString("INSERT INTO CDB_SBBAK(Base_Mva) VALUES (%1)").arg(sb, 0, 'g', 12))) {
+        return false;
+    }
+    std::map<int, int> zones;
+    Rows buses(db, "CDB_BUSBAK", "Bus_Name,PS_Name,Zone_No,Base_kV,Vmax_kV,Vmin_kV,HasNode");
+    Rows nodes(db, "CDB_NODEBAK", "Node_Name,Bus_Name,ISPhyBus,Base_kV,PS_Name");
+    Rows stations(db, "CDB_PSTATIONBAK", "PS_Name,Zone_No");
+    Rows loads(db, "CDB_LOADBAK",
+               "GrpName,ID_Name,Valid,Node_Name,No_Load,Mode_Ctrl,Unit,Pl,Ql,V0,Angle,Qmax,Qmin,"
+               "Pmax,Pmin");
+    Rows shunts(db, "CDB_PCAPREABAK", "GrpName,ID_Name,Valid,Node_Name,ID_No,Unit,R1,X1");
+    for (const Bus& b : net.buses) {
+        const QByteArray kv = num(b.baseKV);
+        const bool named = b.baseKV > 0;
+        zones[b.zone] = b.area;
+        buses.add({text(QString("B%1").arg(b.num)), text(QString("S%1").arg(b.num)),
+                   QByteArray::number(b.zone), kv, num(b.vmax * b.baseKV), num(b.vmin * b.baseKV),
+                   "1"});
+        nodes.add({node(b.num), text(QString("B%1").arg(b.num)), "1", kv,
+                   text(QString("S%1").arg(b.num))});
+        stations.add({text(QString("S%1").arg(b.num)), QByteArray::number(b.zone)});
+        if (b.pdMW != 0 || b.qdMVAr != 0) {
+            const double f = named ? 1.0 : 1.0 / sb; // MW, or per unit
+            loads.add({grp, text(QString("D%1").arg(b.num)), "1", node(b.num), "1", "0",
+                       named ? "0" : "1", num(b.pdMW * f), num(b.qdMVAr * f),
+                       num(named ? b.baseKV : 1.0), "0", "0", "0", "0", "0"});
+        }
+        if (b.gsMW != 0 || b.bsMVAr != 0) {
+            // The bank's admittance at 1.0 pu voltage, stored as its impedance.
+            const std::complex<double> z = 1.0 / std::complex<double>(b.gsMW / sb, b.bsMVAr / sb);
+            const double f = named ? zb(b.num) : 1.0;
+            shunts.add({grp, text(QString("C%1").arg(b.num)), "1", node(b.num), "1",
+                        named ? "0" : "1", num(z.real() * f), num(z.imag() * f)});
+        }
+    }
+    Rows zoneRows(db, "CDB_ZONEBAK", "Area_No,Zone_No");
+    for (const auto& [zone, area] : zones) {
+        zoneRows.add({QByteArray::number(area), QByteArray::number(zone)});
+    }
+    Rows gens(db, "CDB_GENERATBAK",
+              "GrpName,ID_Name,Valid,Node_Name,Mode_Ctrl,Unit,Pg,Qg,V0,Angle,Qmax,Qmin,Pmax,Pmin");
+    int g = 0;
+    for (const Gen& gen : net.gens) {
+        const Bus* b = busOf.count(gen.bus) ? busOf[gen.bus] : nullptr;
+        const bool named = b && b->baseKV > 0;
+        const double f = named ? 1.0 : 1.0 / sb;
+        const int mode = !b ? 0 : b->type == 3 ? 2 : b->type == 2 ? 1 : 0;
+        gens.add({grp, text(QString("G%1").arg(++g)), QByteArray::number(gen.status), node(gen.bus),
+                  QByteArray::number(mode), named ? "0" : "1", num(gen.pgMW * f),
+                  num(gen.qgMVAr * f), num(named ? gen.vg * b->baseKV : gen.vg),
+                  num(b && b->type == 3 ? b->vaDeg : 0.0), num(gen.qmax * f), num(gen.qmin * f),
+                  num(gen.pmax * f), num(gen.pmin * f)});
+    }
+    Rows lines(db, "CDB_ACLINEBAK",
+               "GrpName,ID_Name,Valid,I_Name,J_Name,ID_No,I_Break,J_Break,Unit,R1,X1,B1_Half,"
+               "Owner");
+    Rows t2w(db, "CDB_TRANS_2WBAK",
+             "GrpName,ID_Name,Valid,I_Name,J_Name,ID_No,Unit,R1,X1,Gm,Bm,Tk");
+    Rows shift(db, "CDB_SHIFTBAK",
+               "GrpName,ID_Name,Valid,I_Name,J_Name,ID_No,Unit,R1,X1,Gm,Bm,Tk,Ang_Shift");
+    int k = 0;
+    for (const Branch& br : net.branches) {
+        ++k;
+        const double z = zb(br.from);
+        const bool named = z > 0;
+        const double f = named ? z : 1.0;
+        if (!br.transformer) {
+            lines.add({grp, text(QString("L%1").arg(k)), QByteArray::number(br.status),
+                       node(br.from), node(br.to), "1", "1", "1", named ? "0" : "1", num(br.r * f),
+                       num(br.x * f), num(named ? br.b / 2 / z * 1e6 : br.b / 2), "1"});
+        } else if (br.angleDeg == 0) {
+            t2w.add({grp, text(QString("T%1").arg(k)), QByteArray::number(br.status), node(br.from),
+                     node(br.to), "1", named ? "0" : "1", num(br.r * f), num(br.x * f), "0", "0",
+                     num(br.ratio == 0 ? 1.0 : br.ratio)});
+        } else {
+            shift.add({grp, text(QString("P%1").arg(k)), QByteArray::number(br.status),
+                       node(br.from), node(br.to), "1", named ? "0" : "1", num(br.r * f),
+                       num(br.x * f), "0", "0", num(br.ratio == 0 ? 1.0 : br.ratio),
+                       num(br.angleDeg)});
+        }
+    }
+    for (Rows* r :
+         {&buses, &nodes, &stations, &zoneRows, &loads, &shunts, &gens, &lines, &t2w, &shift}) {
+        if (!r->flush()) {
+            error = "a batch of rows was refused";
+            return false;
+        }
+    }
+    if (!exec("INSERT INTO CDB_DATAGROUPBAK(GrpName) VALUES (" + QString::fromLocal8Bit(grp) +
+              ")") ||
+        !exec("INSERT INTO CDB_SCHEMEINFBAK(SchName) VALUES (" +
+              QString::fromLocal8Bit(text(scheme)) + ")") ||
+        !exec("INSERT INTO CDB_SCHEMECONTBAK(IDSch, GrpName, Nlever) VALUES (LAST_INSERT_ID(), " +
+              QString::fromLocal8Bit(grp) + ", 1)")) {
+        return false;
+    }
+    return true;
+}
+
+} // namespace samples

@@ -1,0 +1,162 @@
+#include "SampleNetwork.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace samples {
+
+bool ReadNetworkJson(const QString& path, Network& net, QString& error)
+{
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly)) {
+        error = "cannot open " + path + ": " + f.errorString();
+        return false;
+    }
+    QJsonParseError pe;
+    const QJsonDocument doc = QJsonDocument::fromJson(f.readAll(), &pe);
+    if (doc.isNull() || !doc.isObject()) {
+        error = path + " is not a network file: " + pe.errorString();
+        return false;
+    }
+    const QJsonObject o = doc.object();
+    if (!o.contains("buses") || !o.contains("branches")) {
+        error = path + " has no buses or no branches";
+        return false;
+    }
+    net = Network();
+    net.name = QFileInfo(path).baseName();
+    net.baseMVA = o.value("baseMVA").toDouble(100);
+    for (const QJsonValue& v : o.value("buses").toArray()) {
+        const QJsonObject b = v.toObject();
+        Bus bus;
+        bus.num = b.value("num").toInt();
+        bus.type = b.value("type").toInt(1);
+        bus.pdMW = b.value("Pd_MW").toDouble();
+        bus.qdMVAr = b.value("Qd_MVAr").toDouble();
+        bus.gsMW = b.value("Gs_MW").toDouble();
+        bus.bsMVAr = b.value("Bs_MVAr").toDouble();
+        bus.baseKV = b.value("baseKV").toDouble();
+        bus.vm = b.value("Vm_pu").toDouble(1.0);
+        bus.vaDeg = b.value("Va_deg").toDouble();
+        bus.zone = b.value("zone").toInt(1);
+        bus.area = b.value("area").toInt(1);
+        bus.vmax = b.value("Vmax_pu").toDouble(1.1);
+        bus.vmin = b.value("Vmin_pu").toDouble(0.9);
+        net.buses.push_back(bus);
+    }
+    for (const QJsonValue& v : o.value("gens").toArray()) {
+        const QJsonObject g = v.toObject();
+        Gen gen;
+        gen.bus = g.value("bus").toInt();
+        gen.pgMW = g.value("Pg_MW").toDouble();
+        gen.qgMVAr = g.value("Qg_MVAr").toDouble();
+        gen.qmax = g.value("Qmax").toDouble();
+        gen.qmin = g.value("Qmin").toDouble();
+        gen.vg = g.value("Vg_pu").toDouble(1.0);
+        gen.pmax = g.value("Pmax").toDouble();
+        gen.pmin = g.value("Pmin").toDouble();
+        gen.status = g.value("status").toInt(1);
+        net.gens.push_back(gen);
+    }
+    for (const QJsonValue& v : o.value("branches").toArray()) {
+        const QJsonObject b = v.toObject();
+        Branch br;
+        br.from = b.value("from").toInt();
+        br.to = b.value("to").toInt();
+        br.r = b.value("r_pu").toDouble();
+        br.x = b.value("x_pu").toDouble();
+        br.b = b.value("b_pu").toDouble();
+        br.ratio = b.value("ratio").toDouble();
+        br.angleDeg = b.value("angle_deg").toDouble();
+        br.status = b.value("status").toInt(1);
+        br.transformer = b.value("is_transformer").toBool() || br.ratio != 0;
+        net.branches.push_back(br);
+    }
+    return true;
+}
+
+Network MakeSyntheticNetwork(int nodes, unsigned seed)
+{
+    Network net;
+    net.name = QString("synthetic%1").arg(nodes);
+    net.baseMVA = 100;
+    if (nodes < 3) {
+        nodes = 3;
+    }
+    unsigned state = seed * 2654435761u + 1;
+    auto rnd = [&]() { // a small deterministic generator, in [0, 1)
+        state = state * 1664525u + 1013904223u;
+        return (state >> 8) / double(1u << 24);
+    };
+    for (int k = 1; k <= nodes; ++k) {
+        Bus b;
+        b.num = k;
+        b.baseKV = 220;
+        b.zone = 1 + (k - 1) / 1000;
+        b.vmax = 1.1;
+        b.vmin = 0.9;
+        if (k % 10 != 1) {
+            b.pdMW = 5 + 10 * rnd();
+            b.qdMVAr = 1 + 3 * rnd();
+        }
+        if (k % 50 == 0) {
+            b.bsMVAr = 5; // a capacitor bank
+        }
+        net.buses.push_back(b);
+    }
+    double load = 0;
+    for (const Bus& b : net.buses) {
+        load += b.pdMW;
+    }
+    const int gens = (nodes + 9) / 10;
+    for (int g = 0; g < gens; ++g) {
+        Gen gen;
+        gen.bus = 1 + 10 * g;
+        gen.pgMW = load / gens;
+        gen.vg = 1.02;
+        gen.qmax = 300;
+        gen.qmin = -100;
+        gen.pmax = 2 * load / gens;
+        net.buses[gen.bus - 1].type = g == 0 ? 3 : 2;
+        net.gens.push_back(gen);
+    }
+    // A ring, cross ties every seventh bus, and transformers in the ring every 25 buses.
+    for (int k = 1; k <= nodes; ++k) {
+        Branch br;
+        br.from = k;
+        br.to = k % nodes + 1;
+        br.r = 0.002 + 0.002 * rnd();
+        br.x = 0.01 + 0.01 * rnd();
+        br.b = 0.02;
+        if (k % 25 == 0) {
+            br.transformer = true;
+            br.ratio = 1.0;
+            br.b = 0;
+        }
+        net.branches.push_back(br);
+    }
+    for (int k = 1; k + 7 <= nodes; k += 7) {
+        Branch br;
+        br.from = k;
+        br.to = k + 7;
+        br.r = 0.004;
+        br.x = 0.02;
+        br.b = 0.03;
+        net.branches.push_back(br);
+    }
+    for (int k = 1; k + nodes / 2 <= nodes; k += std::max(1, nodes / 20)) {
+        Branch br; // long ties across the ring keep the voltages up
+        br.from = k;
+        br.to = k + nodes / 2;
+        br.r = 0.003;
+        br.x = 0.015;
+        br.b = 0.02;
+        net.branches.push_back(br);
+    }
+    return net;
+}
+
+} // namespace samples

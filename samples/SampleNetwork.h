@@ -1,0 +1,70 @@
+#pragma once
+// Sample networks for the demo, the tests and the benchmarks: read from the JSON files of
+// the public IEEE cases or generated, and written into the working copies of a base
+// database as one data group chosen by one calculation scheme.
+//
+// Names: node "N<k>", bus "B<k>", station "S<k>", line "L<k>", transformer "T<k>",
+// phase shifter "P<k>", generator "G<k>", load "D<k>", shunt "C<k>", k the bus or
+// branch number. A generator's Mode_Ctrl gives its bus type: 2 slack, 1 PV, 0 PQ. A
+// shunt is stored by its impedance: G + jB = 1 / (R1 + jX1). A transformer's Tk is the
+// off-nominal ratio at its I end. A line's B1_Half is half the total charging.
+
+#include <QString>
+#include <vector>
+
+class QSqlDatabase;
+
+namespace samples {
+
+struct Bus
+{
+    int num = 0;
+    int type = 1; // 1 PQ, 2 PV, 3 slack
+    double pdMW = 0, qdMVAr = 0, gsMW = 0, bsMVAr = 0;
+    double baseKV = 0;
+    double vm = 1.0, vaDeg = 0; // published solution or start values
+    int zone = 1, area = 1;
+    double vmax = 1.1, vmin = 0.9;
+};
+
+struct Gen
+{
+    int bus = 0;
+    double pgMW = 0, qgMVAr = 0, qmax = 0, qmin = 0, vg = 1.0, pmax = 0, pmin = 0;
+    int status = 1;
+};
+
+struct Branch
+{
+    int from = 0, to = 0;
+    double r = 0, x = 0, b = 0; // per unit, b the total charging
+    double ratio = 0, angleDeg = 0;
+    int status = 1;
+    bool transformer = false;
+};
+
+struct Network
+{
+    QString name;
+    double baseMVA = 100;
+    std::vector<Bus> buses;
+    std::vector<Gen> gens;
+    std::vector<Branch> branches;
+};
+
+// Reads a network file in the JSON form of the IEEE samples. False with `error` set.
+bool ReadNetworkJson(const QString& path, Network& net, QString& error);
+
+// A connected meshed network of `nodes` buses (at least 3), the same for the same seed:
+// a ring with cross ties, a generator at every tenth bus (the first is the slack), loads
+// at most buses, a transformer every 25 buses, a shunt every 50.
+Network MakeSyntheticNetwork(int nodes, unsigned seed = 1);
+
+// Writes the network into the working copies (the BAK tables) as data group `group`,
+// selected by scheme `scheme` at level 1, with the base power. Rows are stored per unit
+// (Unit 1) when a bus has no base voltage, else in named units (Unit 0). False with
+// `error` set when a statement fails.
+bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& group,
+                          const QString& scheme, QString& error);
+
+} // namespace samples

@@ -1,0 +1,221 @@
+// Extraction of a load-flow job from the base database by calculation scheme.
+
+#include "DbTest.h"
+#include "SampleNetwork.h"
+#include "loadflow/jobdata/LFCalDataTransfer.h"
+
+#include <cmath>
+
+using testsupport::DbTest;
+
+namespace {
+
+char kScheme[] = "SCH";
+
+samples::Network Load(const char* file)
+{
+    samples::Network net;
+    QString error;
+    EXPECT_TRUE(samples::ReadNetworkJson(QString(CALCDATA_SAMPLES_DIR "/") + file, net, error))
+        << error.toStdString();
+    return net;
+}
+
+} // namespace
+
+class Extraction : public DbTest
+{
+protected:
+    void SetUp() override
+    {
+        DbTest::SetUp();
+        Truncate({"CDB_SBBAK",
+                  "CDB_BUSBAK",
+                  "CDB_NODEBAK",
+                  "CDB_PSTATIONBAK",
+                  "CDB_ZONEBAK",
+                  "CDB_ACLINEBAK",
+                  "CDB_TRANS_2WBAK",
+                  "CDB_SHIFTBAK",
+                  "CDB_GENERATBAK",
+                  "CDB_LOADBAK",
+                  "CDB_PCAPREABAK",
+                  "CDB_DATAGROUPBAK",
+                  "CDB_SCHEMEINFBAK",
+                  "CDB_SCHEMECONTBAK",
+                  "LF_CASE",
+                  "L1_0",
+                  "L2_0",
+                  "L3_0",
+                  "L4_0",
+                  "L5_0",
+                  "L6_0",
+                  "LK_0"});
+        feedback().clear();
+    }
+    static double Value(const QString& sql) { return Scalar(sql).toDouble(); }
+    void Write(const samples::Network& net)
+    {
+        QString error;
+        ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error))
+            << error.toStdString();
+    }
+};
+
+TEST_F(Extraction, PerUnitSampleArrivesUnchangedWithCountsAndMessages)
+{
+    const samples::Network net = Load("ieee14.json");
+    Write(net);
+    CLFCalDataTransfer job(0, kScheme, db(), nullptr);
+    EXPECT_DOUBLE_EQ(job.BasePower(), 100.0);
+    EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
+
+    // 20 branches: 17 lines and 3 transformers; bus 9's capacitor is a shunt row of L2.
+    EXPECT_EQ(Rows("SELECT Nbus, Ngenerat, Nload, Nacline, Ndcline, Ntrans FROM LF_CASE WHERE "
+                   "Case_No=0"),
+              (std::vector<std::string>{"14|5|11|18|0|3"}));
+    EXPECT_EQ(Count("L1_0"), 14);
+    EXPECT_EQ(Count("L2_0 WHERE Ntype=3"), 1);
+    for (std::size_t k = 0; k < net.branches.size(); ++k) {
+        const samples::Branch& br = net.branches[k];
+        const QString id = QString(br.transformer ? "T%1" : "L%1").arg(k + 1);
+        const QString table = br.transformer ? "L3_0" : "L2_0";
+        const auto row =
+            Rows("SELECT R1, X1, I_Name, J_Name FROM " + table + " WHERE ID_Name='" + id + "'");
+        ASSERT_EQ(row.size(), 1u) << id.toStdString();
+        EXPECT_NEAR(Value("SELECT R1 FROM " + table + " WHERE ID_Name='" + id + "'"), br.r, 1e-12);
+        EXPECT_NEAR(Value("SELECT X1 FROM " + table + " WHERE ID_Name='" + id + "'"), br.x, 1e-12);
+        if (br.transformer) {
+            EXPECT_NEAR(Value("SELECT Tk FROM L3_0 WHERE ID_Name='" + id + "'"), br.ratio, 1e-12);
+        } else {
+            EXPECT_NEAR(Value("SELECT B1_Half FROM L2_0 WHERE ID_Name='" + id + "'"), br.b / 2,
+                        1e-12);
+        }
+    }
+    // Powers per unit on the base; the slack's generator marked by its control mode.
+    EXPECT_NEAR(Value("SELECT Pg FROM L5_0 WHERE ID_Name='G1'"), 2.324, 1e-12);
+    EXPECT_NEAR(Value("SELECT Pl FROM L6_0 WHERE Node_Name='N2'"), 0.217, 1e-12);
+    EXPECT_EQ(Scalar("SELECT Mode_Ctrl FROM L5_0 WHERE Node_Name='N1'"), "2");
+    EXPECT_EQ(feedback().texts(1),
+              (std::vector<std::string>{"基础库数据抽取开始...", "基础库数据抽取完成。"}));
+    EXPECT_TRUE(feedback().texts(2).empty());
+}
+
+TEST_F(Extraction, NamedUnitsAreConvertedByTheBusBaseVoltage)
+{
+    // The 30-bus case at 135 kV, stored in ohms, microsiemens, MW and kV.
+    const samples::Network net = Load("ieee30.json");
+    Write(net);
+    EXPECT_EQ(Count("CDB_ACLINEBAK WHERE Unit=0"), Count("CDB_ACLINEBAK"));
+    const double zb = 135.0 * 135.0 / 100.0;
+    const double r1 = Value("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1'");
+    EXPECT_NEAR(r1, net.branches[0].r * zb, 1e-9);
+
+    StartStatementLog();
+    CLFCalDataTransfer job(0, kScheme, db(), nullptr);
+    EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
+    EXPECT_NEAR(Value("SELECT R1 FROM L2_0 WHERE ID_Name='L1'"), net.branches[0].r, 1e-9);
+    EXPECT_NEAR(Value("SELECT B1_Half FROM L2_0 WHERE ID_Name='L1'"), net.branches[0].b / 2, 1e-9);
+    EXPECT_NEAR(Value("SELECT Pg FROM L5_0 WHERE ID_Name='G2'"), net.gens[1].pgMW / 100, 1e-9);
+    EXPECT_NEAR(Value("SELECT V0 FROM L5_0 WHERE ID_Name='G2'"), net.gens[1].vg, 1e-9);
+    EXPECT_EQ(Scalar("SELECT Owner FROM L2_0 WHERE ID_Name='L1'"), "1") << "zone of the owner";
+
+    const auto sent = SentStatements();
+    auto has = [&](const std::string& s) {
+        return std::find(sent.begin(), sent.end(), s) != sent.end();
+    };
+    EXPECT_TRUE(has("INSERT INTO tmp SELECT 0+substring(MAX(CONCAT(LPAD(a.Nlever,3,'0'),b.ID)),4) "
+                    "FROM CDB_GENERATBAK b,CDB_SCHEMEINFBAK c,CDB_SCHEMECONTBAK a where "
+                    "c.SchName='SCH' AND a.IDSch=c.ID AND b.GrpName=a.GrpName GROUP BY "
+                    "b.ID_Name"));
+    EXPECT_TRUE(has("UPDATE LF_CASE SET Nbus=30,Ngenerat=6,Nload=20,Nacline=43,Ndcline=0,"
+                    "Ntrans=0 WHERE\tCase_No=0"))
+        << "the counts, with the tab before Case_No";
+}
+
+TEST_F(Extraction, TheSchemePicksTheHighestLevelThenTheIdTextThatSortsHighest)
+{
+    Exec("INSERT INTO CDB_SCHEMEINFBAK(ID, SchName) VALUES (1, 'SCH')");
+    Exec("INSERT INTO CDB_SCHEMECONTBAK(IDSch, GrpName, Nlever) VALUES (1,'A',1),(1,'B',1),"
+         "(1,'L2',2),(1,'L11',11),(1,'K1000',1000),(1,'K200',200)");
+    Exec("INSERT INTO CDB_NODEBAK(Node_Name, Bus_Name, Base_kV) VALUES ('N1','B1',110)");
+    // Same level: ID 9 beats ID 10. Levels 2 and 11: 11. Levels 1000 and 200: 200.
+    Exec("INSERT INTO CDB_GENERATBAK(ID, GrpName, ID_Name, Node_Name, Unit, Pg) VALUES "
+         "(9,'A','g1','N1',1,9),(10,'B','g1','N1',1,10),"
+         "(20,'L2','g2','N1',1,2),(21,'L11','g2','N1',1,11),"
+         "(30,'K1000','g3','N1',1,1000),(31,'K200','g3','N1',1,200),"
+         "(40,'A','g4','N1',2,1),(41,'NONE','g5','N1',1,1)");
+    CLFCalDataTransfer job(0, kScheme, db(), nullptr);
+    EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
+    EXPECT_EQ(Rows("SELECT ID_Name, EleID FROM L5_0 ORDER BY ID_Name"),
+              (std::vector<std::string>{"g1|9", "g2|21", "g3|31"}))
+        << "Unit 2 reaches no job table; a group outside the scheme is not seen";
+
+    // A Unit 0 generator on a node the node table lacks is dropped; at Unit 1 it stays.
+    Exec("UPDATE CDB_GENERATBAK SET Node_Name='N9'");
+    Exec("UPDATE CDB_GENERATBAK SET Unit=0 WHERE ID=21");
+    EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
+    EXPECT_EQ(Rows("SELECT ID_Name FROM L5_0 ORDER BY ID_Name"),
+              (std::vector<std::string>{"g1", "g3"}));
+    EXPECT_EQ(Scalar("SELECT Nbus FROM LF_CASE WHERE Case_No=0"), "1")
+        << "an unknown node is counted, though no L1 row stands for it";
+    EXPECT_EQ(Count("L1_0"), 0);
+}
+
+TEST_F(Extraction, AMissingJobTableIsReportedAndFailsTheRunWithoutStoppingIt)
+{
+    Write(Load("ieee14.json"));
+    Exec("CREATE TABLE tmp (ID int unsigned)"); // left by a crashed run
+    Exec("INSERT INTO L6_0(ID_Name) VALUES ('stale')");
+    Exec("RENAME TABLE L4_0 TO L4_0_away");
+    CLFCalDataTransfer job(0, kScheme, db(), nullptr);
+    EXPECT_EQ(job.ImportLDataFromBaseDB(), 1);
+    Exec("RENAME TABLE L4_0_away TO L4_0");
+    EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{
+                                       "L4_0表可能不存在, 导入计算数据发生错误！",
+                                       "按计算方案抽取直流线数据发生错误！",
+                                   }));
+    EXPECT_FALSE(feedback().has("基础库数据抽取完成。", 1));
+    EXPECT_EQ(Count("L5_0"), 5) << "the families after the failed one still ran";
+    EXPECT_EQ(Count("L6_0 WHERE ID_Name='stale'"), 1)
+        << "emptying stopped at the missing table, so the tables after it kept their rows";
+    EXPECT_EQ(Count("L6_0"), 12);
+    EXPECT_EQ(Count("L1_0"), 14);
+    // A job other than 0 has its LF_CASE row made elsewhere: no row, no update, no word.
+    feedback().clear();
+    CLFCalDataTransfer other(5, kScheme, db(), nullptr);
+    EXPECT_EQ(other.ImportLDataFromBaseDB(), 0);
+    EXPECT_EQ(Count("LF_CASE WHERE Case_No=5"), 0);
+    EXPECT_EQ(Count("L2_5"), 18);
+}
+
+TEST_F(Extraction, AThreeWindingTransformerGivesThreeRowsWithItsControlOnOneWinding)
+{
+    Exec("INSERT INTO CDB_SBBAK(Base_Mva) VALUES (100)");
+    Exec("INSERT INTO CDB_SCHEMEINFBAK(ID, SchName) VALUES (1, 'SCH')");
+    Exec("INSERT INTO CDB_SCHEMECONTBAK(IDSch, GrpName, Nlever) VALUES (1,'G1',1)");
+    Exec("INSERT INTO CDB_BUSBAK(Bus_Name, Base_kV, Zone_No) VALUES ('BN', 220, 4)");
+    Exec("INSERT INTO CDB_NODEBAK(Node_Name, Bus_Name, Base_kV) VALUES ('NS','BN',220)");
+    // Named units on the star node's 220 kV: Zb = 484 ohm.
+    Exec("INSERT INTO CDB_TRANS_3WBAK(GrpName, ID_Name, Valid, Name_1, Name_2, Name_3, Name_N,"
+         " ID_No1, ID_No2, ID_No3, Break_1, Break_2, Break_3, Unit, R1, X1, R2, X2, R3, X3, Gm,"
+         " Bm, Tk1, Tk2, Tk3, Rate_MVA1, Side_Ctrl, Mode_Ctrl, Par_No, Bus_Ctrl, Line_Ctrl,"
+         " Value_Ctrl, TapMax2, TapMin2, Vpos_Tap2, TapMax3) VALUES ('G1','T3',1,'NA','NB','NC',"
+         "'NS',1,2,3,1,0,1,0,4.84,48.4,9.68,96.8,0,24.2,10,-20,1.05,1.0,0.95,180,2,5,6,'NB',7,"
+         "1.02,17,-17,3,9)");
+    CLFCalDataTransfer job(0, kScheme, db(), nullptr);
+    EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
+    EXPECT_EQ(Rows("SELECT Ntype, Valid, I_Name, J_Name, ID_No, Owner, Mode_Ctrl, Par_No, "
+                   "Bus_Ctrl, Line_Ctrl, TapMax1, TapMax2, TapMin2, Vpos_Tap2 FROM L3_0 ORDER BY "
+                   "Ntype"),
+              (std::vector<std::string>{"31|1|NS|NA|1|4|0|0||0|0|0|0|0",
+                                        "32|0|NS|NB|2|4|5|6|NB|7|0|17|-17|3",
+                                        "33|1|NS|NC|3|4|0|0||0|0|9|0|0"}));
+    EXPECT_NEAR(Value("SELECT R1 FROM L3_0 WHERE Ntype=32"), 0.02, 1e-12);
+    EXPECT_NEAR(Value("SELECT X1 FROM L3_0 WHERE Ntype=33"), 0.05, 1e-12);
+    EXPECT_NEAR(Value("SELECT Gm FROM L3_0 WHERE Ntype=31"), 10 * 1e-6 * 484, 1e-12);
+    EXPECT_NEAR(Value("SELECT Bm FROM L3_0 WHERE Ntype=31"), -20 * 1e-6 * 484, 1e-12);
+    EXPECT_EQ(Value("SELECT Gm FROM L3_0 WHERE Ntype=32"), 0.0);
+    EXPECT_NEAR(Value("SELECT Tk FROM L3_0 WHERE Ntype=33"), 0.95, 1e-12);
+    EXPECT_EQ(Scalar("SELECT Ntrans FROM LF_CASE WHERE Case_No=0"), "3");
+}
