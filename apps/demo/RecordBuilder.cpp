@@ -7,8 +7,8 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
-#include <cstdlib>
 #include <QVariant>
+#include <cstdlib>
 #include <map>
 #include <string>
 #include <vector>
@@ -18,20 +18,19 @@ using namespace dtsdb;
 namespace demo {
 namespace {
 
-template <class T>
-void clearTable()
+template <class T> void clearTable()
 {
     dbCursor<T> c(dbCursorForUpdate);
     c.removeAll();
 }
 
-template <class T>
-void put(dbDatabase* rtdb, const T& r)
+template <class T> void put(dbDatabase* rtdb, const T& r)
 {
     rtdb->insertRecord(&T::dbDescriptor, nullptr, &r);
 }
 
-struct UnionFind {
+struct UnionFind
+{
     std::vector<int> parent;
     int add()
     {
@@ -108,7 +107,8 @@ bool BuildNetworkRecords(QSqlDatabase* db, int job, dbDatabase* rtdb, RecordCoun
         nodeBus.push_back(busName.empty() ? name : busName);
         return k;
     };
-    struct Level {
+    struct Level
+    {
         float baseKV, vmax, vmin;
         std::string zone;
         int ibs = -1;
@@ -230,8 +230,11 @@ bool BuildNetworkRecords(QSqlDatabase* db, int job, dbDatabase* rtdb, RecordCoun
     }
     for (const auto& r : xfs) {
         const int ntype = static_cast<int>(number(r[3]));
-        const char* suffix = ntype == 1 ? "_2w" : ntype == 2 ? "_sf" : ntype == 31 ? "_3w1"
-                                              : ntype == 32 ? "_3w2" : "_3w3";
+        const char* suffix = ntype == 1    ? "_2w"
+                             : ntype == 2  ? "_sf"
+                             : ntype == 31 ? "_3w1"
+                             : ntype == 32 ? "_3w2"
+                                           : "_3w3";
         id = r[0] + suffix;
         xf t;
         t.id = id.c_str();

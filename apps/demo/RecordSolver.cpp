@@ -112,8 +112,8 @@ SolveSummary SolveOnRecords(dbDatabase* rtdb)
                 br.x = c->X1;
                 br.tap = c->Tk;
                 br.shiftDeg = c->Ang_Shift;
-                br.inService = !(c->q & XF_OUTSERVICE) && br.from >= 0 && br.to >= 0 &&
-                               br.from != br.to;
+                br.inService =
+                    !(c->q & XF_OUTSERVICE) && br.from >= 0 && br.to >= 0 && br.from != br.to;
                 if (!br.inService) {
                     br.from = br.to = 0;
                 }

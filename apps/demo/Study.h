@@ -1,0 +1,62 @@
+#pragma once
+// The road of a load-flow study, step by step, as the demo runs it and as its tests
+// check it: a sample network into a base database, extraction by scheme into job 0, the
+// network records and ImportLDataToRTDB, the load flow on the records, the results into
+// the result tables, and a change saved back into a new data group.
+
+#include "RecordBuilder.h"
+#include "RecordSolver.h"
+
+#include <QString>
+#include <functional>
+#include <vector>
+
+class QSqlDatabase;
+class dbDatabase;
+
+namespace samples {
+struct Network;
+}
+
+namespace demo {
+
+struct StepTime
+{
+    QString step;
+    double ms = 0;
+};
+
+class Study
+{
+public:
+    Study(QSqlDatabase* db, dbDatabase* rtdb) : m_db(db), m_rtdb(rtdb) {}
+
+    // Each step returns false with error() set when it fails in a way the design does not
+    // foresee; the time of each step is kept.
+    bool LoadNetwork(const samples::Network& net);
+    bool Extract();
+    bool BuildAndImport();
+    bool Solve();
+
+    const QString& error() const { return m_error; }
+    const std::vector<StepTime>& times() const { return m_times; }
+    const SolveSummary& solution() const { return m_solution; }
+    const RecordCounts& counts() const { return m_counts; }
+    double basePower() const { return m_baseMva; }
+
+    static constexpr const char* kScheme = "DEMO";
+    static constexpr const char* kGroup = "BASE";
+    static constexpr int kJob = 0;
+
+private:
+    bool timed(const char* step, const std::function<bool()>& work);
+    QSqlDatabase* m_db;
+    dbDatabase* m_rtdb;
+    QString m_error;
+    std::vector<StepTime> m_times;
+    SolveSummary m_solution;
+    RecordCounts m_counts;
+    double m_baseMva = 1.0;
+};
+
+} // namespace demo

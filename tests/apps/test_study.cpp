@@ -1,0 +1,54 @@
+// The demo's study on the IEEE 14-bus case: extraction, records, import and the load flow
+// on the records must reproduce the published solution that the sample carries.
+
+#include "DbTest.h"
+#include "SampleNetwork.h"
+#include "Study.h"
+#include "records/NetworkRecords.h"
+
+#include <cmath>
+
+using testsupport::DbTest;
+
+class Study14 : public DbTest
+{};
+
+TEST_F(Study14, SolvedVoltagesMatchThePublishedSolution)
+{
+    samples::Network net;
+    QString error;
+    ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
+    dbDatabase rtdb;
+    ASSERT_TRUE(rtdb.open("study"));
+    demo::Study study(db(), &rtdb);
+    ASSERT_TRUE(study.LoadNetwork(net)) << study.error().toStdString();
+    ASSERT_TRUE(study.Extract()) << study.error().toStdString();
+    ASSERT_TRUE(study.BuildAndImport()) << study.error().toStdString();
+    ASSERT_TRUE(study.Solve()) << study.error().toStdString();
+    EXPECT_EQ(study.counts().buses, 14);
+    EXPECT_EQ(study.counts().lines, 17);
+    EXPECT_EQ(study.counts().transformers, 3);
+    EXPECT_EQ(study.counts().generators, 5);
+    EXPECT_EQ(study.counts().shunts, 1);
+
+    int checked = 0;
+    for (const samples::Bus& b : net.buses) {
+        dbCursor<dtsdb::bs> c;
+        dbQuery q;
+        const QByteArray name = QString("B%1").arg(b.num).toLocal8Bit();
+        q = "name=", name.constData();
+        ASSERT_EQ(c.select(q), 1) << name.constData();
+        EXPECT_NEAR(c->V, b.vm, 0.002) << name.constData();
+        EXPECT_NEAR(c->Angle, b.vaDeg, 0.1) << name.constData();
+        ++checked;
+    }
+    EXPECT_EQ(checked, 14);
+    // The slack generator's output comes out near the published 232.4 MW.
+    dbCursor<dtsdb::un> g;
+    dbQuery q;
+    q = "id=", "G1";
+    ASSERT_EQ(g.select(q), 1);
+    EXPECT_NEAR(g->Pg * study.basePower(), 232.4, 1.0);
+    rtdb.commit();
+    rtdb.close();
+}
