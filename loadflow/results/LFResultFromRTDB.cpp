@@ -1,0 +1,480 @@
+// The solution in the real-time records into the result tables of a case.
+
+#include "common/Feedback.h"
+#include "common/ModalBox.h"
+#include "common/RealtimeLookups.h"
+#include "common/RunTimeLog.h"
+#include "common/SQLMultiInsert.h"
+#include "loadflow/results/LFResultDataTransfer.h"
+#include "loadflow/results/LFResultStatements.h"
+#include "platform/NetModel.h"
+#include "records/NetworkRecords.h"
+#include "records/RecordFlags.h"
+
+#include <QObject>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <cstdlib>
+#include <cstring>
+
+using namespace dtsdb;
+using namespace lfr;
+
+namespace {
+
+constexpr int kBatch = 100;
+
+// A real-time id less its last n characters (all of it when shorter).
+QByteArray cut(const char* id, int n)
+{
+    QByteArray s(id);
+    s.chop(n);
+    return s;
+}
+
+void run(QSqlDatabase* db, const QByteArray& sql)
+{
+    QSqlQuery q(*db);
+    q.exec(QString::fromLocal8Bit(sql));
+}
+
+// A batched insert of one family's rows into `table`.
+struct Batch
+{
+    SQLMultiInsert ins;
+    Batch(QSqlDatabase* db, const QByteArray& table, const char* fields) : ins(db, kBatch)
+    {
+        ins.SetTableName(table);
+        ins.SetFldNamelst(fields);
+    }
+};
+
+} // namespace
+
+int CLFResultDataTransfer::ImportRTDBDataToLFResultDB()
+{
+    CRunTimeLog frame("ImportRTDBDataToLFResultDB");
+    if (PrepareLFDataList() != 0) {
+        return CALC_FAIL;
+    }
+    int ok = 1;
+    for (int rc : {ImportRTDBToBs_R(), ImportRTDBToBus_R(), ImportRTDBToACLine_R(),
+                   ImportRTDBToSCR_R(), ImportRTDBToPCR_R(), ImportRTDBToDCLine_R(),
+                   ImportRTDBToGen_R(), ImportRTDBToLoad_R(), ImportRTDBToT2W_R(),
+                   ImportRTDBToShift_R(), ImportRTDBToT3W_R(), ImportRTDBToBreaker_R()}) {
+        if (rc != 0) {
+            ok = 0;
+        }
+    }
+    ok = 0; // cleared whatever the families did: their failures are told by messages only
+    return ok ? 1 : 0;
+}
+
+int CLFResultDataTransfer::PrepareLFDataList()
+{
+    dbCursor<kv> levels(dbCursorViewOnly);
+    dbCursor<bs> buses(dbCursorViewOnly); // built and never used, as designed
+    dbQuery q;
+    q = "order by id";
+    dbQuery unused;
+    unused = "order by id ";
+    const int count = levels.select(q);
+    if (count < 1) {
+        ShowMessage(MSG_NO_KV, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    m_pKVList = new QList<SKV>(count); // an earlier list is not freed, as designed
+    int i = 0;
+    do {
+        SKV& k = (*m_pKVList)[i++];
+        k.Zone_No = std::atoi(levels->Zone);
+        std::strncpy(k.KV, levels->id, sizeof k.KV - 1);
+        k.KV[sizeof k.KV - 1] = '\0';
+        k.Base_kV = levels->Base_kV;
+        k.Vmax_kV = levels->Vmax_kV;
+        k.Vmin_kV = levels->Vmin_kV;
+    } while (levels.next() && i < count);
+    return CALC_OK;
+}
+
+int CLFResultDataTransfer::ImportRTDBToBs_R()
+{
+    const QByteArray t = table("BS");
+    run(m_pDB, FormatText(SQL_DELETE_CASE, t.constData(), m_caseNo));
+    dbCursor<bs> cursor(dbCursorViewOnly);
+    dbQuery q;
+    q = "iisland >=", 0; // placeholders stay out
+    if (cursor.select(q) < 1) {
+        return CALC_OK;
+    }
+    Batch b(m_pDB, t, m_bOptimal ? FLD_BS : FLD_BS_LFR);
+    do {
+        const bs& r = *cursor;
+        const SKV& k = (*m_pKVList)[r.ikv]; // no bounds test, as designed
+        QByteArray row = FormatText("%d,'%s',%12.9f,%12.6f,'%s',%d,%f,%f,%f ", m_caseNo, r.name,
+                                    r.V, r.Angle, k.KV, k.Zone_No, k.Base_kV, k.Vmax_kV, k.Vmin_kV);
+        if (!m_bOptimal) {
+            row += FormatText(",%d,%d,%d,%d,%d", r.id, r.ikv, r.iisland, r.q, r.qq);
+        }
+        b.ins.AddRecord(row);
+    } while (cursor.next());
+    b.ins.exec(); // not looked at
+    return CALC_OK;
+}
+
+int CLFResultDataTransfer::ImportRTDBToBus_R()
+{
+    const QByteArray t = table("BUS");
+    run(m_pDB, FormatText(SQL_DELETE_CASE, t.constData(), m_caseNo));
+    dbCursor<bus> cursor(dbCursorViewOnly);
+    dbQuery q;
+    q = "ibs >", 0;
+    if (cursor.select(q) < 1) {
+        return CALC_OK;
+    }
+    Batch b(m_pDB, t, m_bOptimal ? FLD_BUS : FLD_BUS_LFR);
+    do {
+        const dtsdb::bus& r = *cursor;
+        if (r.topflags & BUS_TOP_DEAD) {
+            continue;
+        }
+        QByteArray row =
+            FormatText("%d,'%s',%12.9f,%12.6f,'%s'", m_caseNo, r.nd, r.V, r.Angle, r.KV);
+        if (!m_bOptimal) {
+            row += FormatText(",%d,%d", r.ibs, r.topflags);
+        }
+        b.ins.AddRecord(row);
+    } while (cursor.next());
+    b.ins.exec(); // not looked at
+    return CALC_OK;
+}
+
+// Lines and series elements: the record is ln, selected by lntype.
+static int linesToTable(QSqlDatabase* db, const QByteArray& t, int caseNo, bool optimal, int lntype,
+                        const char* message)
+{
+    run(db, FormatText(SQL_DELETE_CASE, t.constData(), caseNo));
+    dbCursor<ln> cursor(dbCursorViewOnly);
+    dbQuery q;
+    q = "lntype=", lntype;
+    if (cursor.select(q) < 1) {
+        return CALC_OK;
+    }
+    const bool ac = lntype == 1;
+    Batch b(db, t,
+            ac ? (optimal ? FLD_ACLINE : FLD_ACLINE_LFR) : (optimal ? FLD_SCR : FLD_SCR_LFR));
+    do {
+        const ln& r = *cursor;
+        if (r.topflags & LN_TOP_INVALID) {
+            continue;
+        }
+        QByteArray row = FormatText("%d,'%s','%s','%s',%d,%f,%f,%f,%f,%f,%f,%f,%f,", caseNo,
+                                    cut(r.id, 3).constData(), r.I_Name, r.J_Name, r.ID_No, r.Pi,
+                                    r.Qi, r.Pj, r.Qj, r.Qci, r.Qcj, GetNodeVol_FromRTDB(r.I_Name),
+                                    GetNodeVol_FromRTDB(r.J_Name));
+        if (ac) {
+            row += FormatText("%f,%f,%d,%f,%f", GetNodeAngle_FromRTDB(r.I_Name),
+                              GetNodeAngle_FromRTDB(r.J_Name), std::atoi(r.Zone), r.Rate_Ka,
+                              r.Up_Limit);
+        } else {
+            row += FormatText("%d", std::atoi(r.Zone));
+        }
+        if (!optimal) {
+            row += FormatText(",%d,%d,%d,%d", r.ibs, r.zbs, r.q, r.topflags);
+        }
+        b.ins.AddRecord(row);
+    } while (cursor.next());
+    if (!b.ins.exec()) {
+        ShowMessage(message, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    return CALC_OK;
+}
+
+int CLFResultDataTransfer::ImportRTDBToACLine_R()
+{
+    return linesToTable(m_pDB, table("ACLINE"), m_caseNo, m_bOptimal, 1, MSG_X_ACLINE);
+}
+
+int CLFResultDataTransfer::ImportRTDBToSCR_R()
+{
+    return linesToTable(m_pDB, table("SCR"), m_caseNo, m_bOptimal, 2, MSG_X_SCR);
+}
+
+int CLFResultDataTransfer::ImportRTDBToPCR_R()
+{
+    const QByteArray t = table("PCR");
+    run(m_pDB, FormatText(SQL_DELETE_CASE, t.constData(), m_caseNo));
+    dbCursor<cp> cursor(dbCursorViewOnly);
+    if (cursor.select() < 1) {
+        return CALC_OK;
+    }
+    Batch b(m_pDB, t, m_bOptimal ? FLD_PCR : FLD_PCR_LFR);
+    do {
+        const cp& r = *cursor;
+        if (r.topflags & CP_TOP_INVALID) {
+            continue;
+        }
+        QByteArray row = FormatText("%d,'%s','%s',%d,%f,%f,%f,'%s'", m_caseNo, r.id, r.Bus_Name,
+                                    r.ID_No, r.Pi, r.Qi, GetNodeVol_FromRTDB(r.Bus_Name), r.KV);
+        if (!m_bOptimal) {
+            row += FormatText(",%d,%d,%d", r.ibs, r.q, r.topflags);
+        }
+        b.ins.AddRecord(row);
+    } while (cursor.next());
+    if (!b.ins.exec()) {
+        ShowMessage(MSG_X_PCR, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    return CALC_OK;
+}
+
+int CLFResultDataTransfer::ImportRTDBToGen_R()
+{
+    const QByteArray t = table("GEN");
+    run(m_pDB, FormatText(SQL_DELETE_CASE, t.constData(), m_caseNo));
+    dbCursor<un> cursor(dbCursorViewOnly);
+    if (cursor.select() < 1) {
+        return CALC_OK;
+    }
+    Batch b(m_pDB, t, m_bOptimal ? FLD_GEN : FLD_GEN_LFR);
+    do {
+        const un& r = *cursor;
+        if (r.topflags & UN_TOP_INVALID) {
+            continue;
+        }
+        QByteArray row = FormatText("%d,'%s','%s',%15.9f,%15.9f,%12.9f,%f,%d ", m_caseNo, r.id,
+                                    r.Bus_Name, r.Pg, r.Qg, GetNodeVol_FromRTDB(r.Bus_Name),
+                                    GetNodeAngle_FromRTDB(r.Bus_Name), r.Mode_Ctrl);
+        if (!m_bOptimal) {
+            row += FormatText(",%d,%d,%d", r.ibs, r.q, r.topflags);
+        }
+        b.ins.AddRecord(row);
+    } while (cursor.next());
+    if (!b.ins.exec()) {
+        ShowMessage(MSG_X_GEN, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    return CALC_OK;
+}
+
+int CLFResultDataTransfer::ImportRTDBToLoad_R()
+{
+    const QByteArray t = table("LOAD");
+    run(m_pDB, FormatText(SQL_DELETE_CASE, t.constData(), m_caseNo));
+    dbCursor<ld> cursor(dbCursorViewOnly);
+    if (cursor.select() < 1) {
+        return CALC_OK;
+    }
+    Batch b(m_pDB, t, m_bOptimal ? FLD_LOAD : FLD_LOAD_LFR);
+    do {
+        const ld& r = *cursor;
+        if (r.topflags & LD_TOP_INVALID) {
+            continue;
+        }
+        QByteArray row =
+            FormatText("%d,'%s','%s',%d,%15.9f,%15.9f,%12.9f,%f,%d ", m_caseNo, r.id, r.Bus_Name,
+                       r.No_Load, r.Pl, r.Ql, GetNodeVol_FromRTDB(r.Bus_Name),
+                       GetNodeAngle_FromRTDB(r.Bus_Name), r.Mode_Ctrl);
+        if (!m_bOptimal) {
+            row += FormatText(",%d,%d,%d", r.ibs, r.q, r.topflags);
+        }
+        b.ins.AddRecord(row);
+    } while (cursor.next());
+    if (!b.ins.exec()) {
+        ShowMessage(MSG_X_LOAD, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    return CALC_OK;
+}
+
+// Two-winding transformers (type 1, with angles) and phase shifters (type 2, without).
+static int transformersToTable(QSqlDatabase* db, const QByteArray& t, int caseNo, bool optimal,
+                               int type, const char* message)
+{
+    run(db, FormatText(SQL_DELETE_CASE, t.constData(), caseNo));
+    dbCursor<xf> cursor(dbCursorViewOnly);
+    dbQuery q;
+    q = "type=", type;
+    if (cursor.select(q) < 1) {
+        return CALC_OK;
+    }
+    const bool t2w = type == 1;
+    Batch b(db, t, t2w ? (optimal ? FLD_T2W : FLD_T2W_LFR) : (optimal ? FLD_SHIFT : FLD_SHIFT_LFR));
+    do {
+        const xf& r = *cursor;
+        if (r.topflags & XF_TOP_INVALID) {
+            continue;
+        }
+        QByteArray row = FormatText("%d,'%s','%s','%s',%d,%f,%f,%f,%f,%f,%f,%f,%f,%f,", caseNo,
+                                    cut(r.id, 3).constData(), r.I_Name, r.J_Name, r.ID_No, r.Pi,
+                                    r.Qi, r.Pj, r.Qj, r.Pm, r.Qm, r.Tk,
+                                    GetNodeVol_FromRTDB(r.I_Name), GetNodeVol_FromRTDB(r.J_Name));
+        if (t2w) {
+            row += FormatText("%f,%f,", GetNodeAngle_FromRTDB(r.I_Name),
+                              GetNodeAngle_FromRTDB(r.J_Name));
+        }
+        row += FormatText("%f,%f,'%s'", r.Rate_MVA, r.Up_Limit, r.ST);
+        if (!optimal) {
+            row += FormatText(",%d,%d,%d,%d", r.ibs, r.zbs, r.q, r.topflags);
+        }
+        b.ins.AddRecord(row);
+    } while (cursor.next());
+    if (!b.ins.exec()) {
+        ShowMessage(message, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    return CALC_OK;
+}
+
+int CLFResultDataTransfer::ImportRTDBToT2W_R()
+{
+    return transformersToTable(m_pDB, table("T2W"), m_caseNo, m_bOptimal, 1, MSG_X_T2W);
+}
+
+int CLFResultDataTransfer::ImportRTDBToShift_R()
+{
+    return transformersToTable(m_pDB, table("SHIFT"), m_caseNo, m_bOptimal, 2, MSG_X_SHIFT);
+}
+
+int CLFResultDataTransfer::ImportRTDBToT3W_R()
+{
+    const QByteArray t = table("T3W");
+    run(m_pDB, FormatText(SQL_DELETE_CASE, t.constData(), m_caseNo));
+    dbCursor<xf> cursor(dbCursorViewOnly);
+    dbQuery q;
+    q = "type=", 3, "order by id asc ";
+    if (cursor.select(q) < 1) {
+        return CALC_OK;
+    }
+    Batch b(m_pDB, t, m_bOptimal ? FLD_T3W : FLD_T3W_LFR);
+    QByteArray previous;
+    bool alive = true;
+    int starIbs = -1;
+    QByteArray row;
+    do {
+        const xf& r = *cursor;
+        const QByteArray name = cut(r.id, 4);
+        if (!alive && name == previous) {
+            continue;
+        }
+        if (name != previous) {
+            alive = false;
+            previous = name;
+            dbCursor<xf> windings(dbCursorViewOnly);
+            for (int w = 1; w <= 3; ++w) {
+                const QByteArray wid = FormatText("%s_3w%d", name.constData(), w);
+                dbQuery wq;
+                wq = "type=", 3, " and id=", wid.constData();
+                if (windings.select(wq) > 0 && !(windings->topflags & XF_TOP_INVALID)) {
+                    alive = true;
+                    starIbs = windings->ibs;
+                    break;
+                }
+            }
+            if (!alive) {
+                continue; // no live winding: no row
+            }
+            row = FormatText("%d,'%s','%s',%f,'%s',", m_caseNo, name.constData(), r.I_Name,
+                             r.Up_Limit, r.ST);
+        }
+        const QByteArray idText(r.id);
+        const int k = idText.isEmpty() ? 0 : idText.back() - '0';
+        row += FormatText("'%s',%d,", r.J_Name, r.ID_No);
+        if (r.topflags & XF_TOP_INVALID) {
+            row += FormatText("%f,%f,%f,%f,%f,%f,%f,", 0.0, 0.0, 0.0, 0.0, r.Tk, 0.0, 0.0);
+            if (k == 1) {
+                row += FormatText("%f,%f,", 0.0, 0.0);
+            }
+        } else {
+            row += FormatText("%f,%f,%f,%f,%f,%f,%f,", r.Pj, r.Qj, r.Pi - r.Pj, r.Qi - r.Qj, r.Tk,
+                              GetNodeVol_FromRTDB(r.J_Name), GetNodeAngle_FromRTDB(r.J_Name));
+            if (k == 1) {
+                row += FormatText("%f,%f,", r.Pm, r.Qm);
+            }
+        }
+        row += FormatText(k == 1 ? "%f," : (k == 2 ? "%f, " : "%f "), r.Rate_MVA);
+        if (!m_bOptimal) {
+            if (k == 3) {
+                row += FormatText(",%d,%d,%d,%d", r.zbs, r.q, r.topflags, starIbs);
+            } else {
+                row += FormatText("%d,%d,%d,", r.zbs, r.q, r.topflags);
+            }
+        }
+        if (k == 3) {
+            b.ins.AddRecord(row);
+        }
+    } while (cursor.next());
+    if (!b.ins.exec()) {
+        ShowMessage(MSG_X_T3W, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    return CALC_OK;
+}
+
+int CLFResultDataTransfer::ImportRTDBToBreaker_R()
+{
+    {
+        dtsdb::DTSDB model;
+        dtsdb::cbFlow flow(m_pRTDB);
+        flow.loadData();
+        flow.calculate();
+        flow.storeData();
+    }
+    const QByteArray t = table("BREAKER");
+    run(m_pDB, FormatText(SQL_DELETE_CASE, t.constData(), m_caseNo));
+    dbCursor<cb> cursor(dbCursorViewOnly);
+    if (cursor.select() < 1) {
+        return CALC_OK;
+    }
+    do {
+        const cb& r = *cursor;
+        if ((r.topflags & CB_TOP_DEAD) || !(r.q & CB_TESTED)) {
+            continue;
+        }
+        // Four characters go, also from a switch's three-letter suffix, as designed.
+        QSqlQuery q(*m_pDB);
+        const QByteArray sql =
+            FormatText(SQL_BREAKER_ROW, t.constData(), m_caseNo, cut(r.id, 4).constData(), r.I_Name,
+                       r.J_Name, r.P, r.Q, GetNodeVol_FromRTDB(r.I_Name));
+        if (!q.exec(QString::fromLocal8Bit(sql))) {
+            ShowModalBox(ModalBoxKind::Warning, QObject::tr(BOX_CAPTION),
+                         QObject::tr(MSG_BREAKER_ROW));
+        }
+    } while (cursor.next());
+    return CALC_OK;
+}
+
+int CLFResultDataTransfer::ImportRTDBToDCLine_R()
+{
+    const QByteArray t = table("DCLINE");
+    run(m_pDB, FormatText(SQL_DELETE_CASE, t.constData(), m_caseNo));
+    dbCursor<dln> cursor(dbCursorViewOnly);
+    if (cursor.select() < 1) {
+        return CALC_OK;
+    }
+    const auto& fields = dln::dbDescriptor.fields();
+    std::size_t first = 0;
+    while (first < fields.size() && std::strcmp(fields[first].name, "Id10") != 0) {
+        ++first;
+    }
+    do {
+        const dln& r = *cursor;
+        if (r.topflags & DLN_TOP_INVALID) {
+            continue;
+        }
+        QByteArray sql = FormatText(SQL_DCLINE_ROW_HEAD, t.constData(), m_caseNo, r.id, r.I_Name,
+                                    r.J_Name, r.ID_No, std::atoi(r.Owner), r.OP_Mode);
+        const char* base = reinterpret_cast<const char*>(&r);
+        for (int k = 0; k < 52; ++k) {
+            double v;
+            std::memcpy(&v, base + fields[first + k].offset, sizeof v);
+            sql += FormatText(k < 51 ? "%s=%f," : "%s=%f ", fields[first + k].name, v);
+        }
+        if (!m_bOptimal) {
+            sql += FormatText(SQL_DCLINE_ROW_LFR_TAIL, r.ibs, r.zbs, r.q, r.topflags);
+        }
+        run(m_pDB, sql); // not looked at
+    } while (cursor.next());
+    return CALC_OK;
+}

@@ -1,0 +1,338 @@
+// Load-flow results between the real-time records and the result tables, and the flow
+// through breakers and switches.
+
+#include "DbTest.h"
+#include "loadflow/results/LFResultDataTransfer.h"
+#include "platform/NetModel.h"
+#include "records/NetworkRecords.h"
+#include "records/RecordFlags.h"
+
+using namespace dtsdb;
+using testsupport::DbTest;
+
+namespace {
+
+template <class T> void Put(const T& r)
+{
+    ASSERT_TRUE(T::dbDescriptor.getDatabase()->insertRecord(&T::dbDescriptor, nullptr, &r));
+}
+
+template <class T> T Fetch(const char* id)
+{
+    dbCursor<T> c;
+    dbQuery q;
+    q = "id=", id;
+    EXPECT_EQ(c.select(q), 1) << id;
+    return *c;
+}
+
+// Two nodes on calculation buses 1 and 2 of level "K220": a line, a transformer, a
+// shunt, a generator and a load between them, with an engine's answer in place.
+void SmallNetwork()
+{
+    kv k;
+    k.id = "K220";
+    k.Zone = "7";
+    k.Base_kV = 220;
+    k.Vmax_kV = 242;
+    k.Vmin_kV = 198;
+    Put(k);
+    const char* nodes[] = {"N1", "N2"};
+    for (int i = 0; i < 2; ++i) {
+        nd n;
+        n.id = nodes[i];
+        n.ibs = i + 1;
+        Put(n);
+        bs b;
+        b.id = i + 1;
+        b.name = i ? "B2" : "B1";
+        b.V = i ? 0.98 : 1.02;
+        b.Angle = i ? -3.5 : 0;
+        Put(b);
+        bus p;
+        p.id = nodes[i];
+        p.nd = nodes[i];
+        p.KV = "K220";
+        p.ibs = i + 1;
+        p.V = b.V;
+        p.Angle = b.Angle;
+        Put(p);
+    }
+    bs b0; // bus 0, a live bus of its own
+    b0.id = 0;
+    b0.name = "B0";
+    b0.V = 1.0;
+    Put(b0);
+    ln l;
+    l.id = "L1_ac";
+    l.lntype = 1;
+    l.I_Name = "N1";
+    l.J_Name = "N2";
+    l.ID_No = 1;
+    l.ibs = 1;
+    l.zbs = 2;
+    l.Zone = "7";
+    l.Pi = 0.5f;
+    l.Qi = 0.1f;
+    l.Pj = -0.49f;
+    l.Qj = -0.08f;
+    l.Qci = 0.01f;
+    l.Qcj = 0.02f;
+    l.Rate_Ka = 1.5f;
+    l.Up_Limit = 100;
+    l.q = LN_INJOB;
+    Put(l);
+    ln dead = l;
+    dead.id = "L2_ac";
+    dead.topflags = LN_TOP_INVALID;
+    Put(dead);
+    xf t;
+    t.id = "T1_2w";
+    t.type = 1;
+    t.I_Name = "N1";
+    t.J_Name = "N2";
+    t.Pi = 0.25f;
+    t.Pj = -0.25f;
+    t.Tk = 1.05f;
+    t.ST = "on";
+    t.ibs = 1;
+    t.zbs = 2;
+    Put(t);
+    un g;
+    g.id = "G1";
+    g.Bus_Name = "N1";
+    g.Pg = 0.75f;
+    g.Qg = 0.125f;
+    g.Mode_Ctrl = 2;
+    g.ibs = 1;
+    Put(g);
+    ld d;
+    d.id = "D1";
+    d.Bus_Name = "N2";
+    d.No_Load = 3;
+    d.Pl = 0.5f;
+    d.Ql = 0.1f;
+    d.ibs = 2;
+    Put(d);
+    cp c;
+    c.id = "C1";
+    c.Bus_Name = "N2";
+    c.KV = "K220";
+    c.Qi = -0.05f;
+    c.ibs = 2;
+    Put(c);
+}
+
+} // namespace
+
+class Results : public DbTest
+{
+protected:
+    void SetUp() override
+    {
+        DbTest::SetUp();
+        ASSERT_TRUE(m_rtdb.open("results"));
+        feedback().clear();
+        boxes().clear();
+    }
+    void TearDown() override
+    {
+        m_rtdb.rollback();
+        m_rtdb.close();
+    }
+    dbDatabase m_rtdb;
+};
+
+TEST_F(Results, TheSolutionGoesIntoTheTablesAndComesBack)
+{
+    SmallNetwork();
+    m_rtdb.commit();
+    StartStatementLog();
+    CLFResultDataTransfer out(4, db(), &m_rtdb, false, 0);
+    EXPECT_EQ(out.ImportRTDBDataToLFResultDB(), 0);
+
+    EXPECT_EQ(Rows("SELECT Bus_Name, V, Angle, KV, Zone_No, Base_kV, ibs FROM LFR_BS_R WHERE "
+                   "Case_No=4 ORDER BY ibs"),
+              (std::vector<std::string>{"B0|1|0|K220|7|220|0", "B1|1.02|0|K220|7|220|1",
+                                        "B2|0.98|-3.5|K220|7|220|2"}));
+    EXPECT_EQ(Rows("SELECT ID_Name, I_Name, J_Name, Pi, Vi, Vj, Anglej, Zone_No, Rate_kA, ibs, "
+                   "zbs, q FROM LFR_ACLINE_R WHERE Case_No=4"),
+              (std::vector<std::string>{"L1|N1|N2|0.5|1.02|0.98|-3.5|7|1.5|1|2|16"}))
+        << "the dead line L2 writes no row";
+    EXPECT_EQ(Rows("SELECT ID_Name, Bus_Name, Pg, Qg, V, Mode_Ctrl FROM LFR_GEN_R"),
+              (std::vector<std::string>{"G1|N1|0.75|0.125|1.02|2"}));
+    EXPECT_EQ(Rows("SELECT ID_Name, No_Load, Pl, V, Angle FROM LFR_LOAD_R"),
+              (std::vector<std::string>{"D1|3|0.5|0.98|-3.5"}));
+    EXPECT_EQ(Rows("SELECT ID_Name, Tk, ST, Vi, Anglej FROM LFR_T2W_R"),
+              (std::vector<std::string>{"T1|1.05|on|1.02|-3.5"}));
+    EXPECT_EQ(Rows("SELECT ID_Name, Qi, Vi, KV FROM LFR_PCR_R"),
+              (std::vector<std::string>{"C1|-0.05|0.98|K220"}));
+    EXPECT_EQ(Rows("SELECT Bus_Name, V, KV, ibs FROM LFR_BUS_R ORDER BY ibs"),
+              (std::vector<std::string>{"N1|1.02|K220|1", "N2|0.98|K220|2"}));
+    // The generator's row as formatted: "%15.9f," powers and a blank after Mode_Ctrl.
+    bool genRow = false;
+    for (const std::string& s : SentStatements()) {
+        if (s.find("insert into LFR_GEN_R(Case_No,ID_Name,Bus_Name,Pg,Qg,V,Angle,Mode_Ctrl,ibs,"
+                   "q,topflags) values") == 0) {
+            genRow = s.find("(4,'G1','N1',    0.750000000,    0.125000000, 1.020000000,"
+                            "0.000000,2 ,1,0,0)") != std::string::npos;
+        }
+    }
+    EXPECT_TRUE(genRow);
+
+    // Back into records whose values were lost; bs rebuilt from the table.
+    {
+        dbCursor<ln> c(dbCursorForUpdate);
+        c.select();
+        do {
+            c->Pi = 0;
+            c->ibs = 0;
+            c.update();
+        } while (c.next());
+    }
+    CLFResultDataTransfer in(4, db(), &m_rtdb, false, 0);
+    EXPECT_EQ(in.ImportLFResultDataToRTDB(), 0);
+    EXPECT_FLOAT_EQ(Fetch<ln>("L1_ac").Pi, 0.5f);
+    EXPECT_EQ(Fetch<ln>("L1_ac").ibs, 1);
+    EXPECT_FLOAT_EQ(Fetch<un>("G1").Qg, 0.125f);
+    dbCursor<bs> b;
+    EXPECT_EQ(b.select(), 3);
+    EXPECT_TRUE(feedback().texts(2).empty());
+}
+
+TEST_F(Results, BusesAreRebuiltWithPlaceholdersThatNeverReachTheTables)
+{
+    kv k;
+    k.id = "K1";
+    Put(k);
+    Put(bs()); // an old record, gone after the rebuild
+    m_rtdb.commit();
+    Exec("DELETE FROM LFR_BS_R");
+    Exec("INSERT INTO LFR_BS_R(Case_No, Bus_Name, V, Angle, ibs, ikv, iisland) VALUES "
+         "(1,'X',1.01,-2,2,0,0),(1,'Y',0.99,-5,5,0,0)");
+    CLFResultDataTransfer in(1, db(), &m_rtdb, false, 0);
+    EXPECT_EQ(in.ImportLFResultDataToRTDB(), 0) << "the families' failures are not passed on";
+    std::vector<std::string> got;
+    dbCursor<bs> c;
+    dbQuery q;
+    q = "order by id";
+    ASSERT_EQ(c.select(q), 6);
+    do {
+        got.push_back(std::string(c->name) + ":" + std::to_string(c->iisland));
+    } while (c.next());
+    EXPECT_EQ(got, (std::vector<std::string>{"NULL0:-1", "NULL1:-1", "X:0", "NULL3:-1", "NULL4:-1",
+                                             "Y:0"}));
+    m_rtdb.rollback();
+    EXPECT_EQ(c.select(q), 0) << "the emptying was committed, the inserts were not";
+
+    // With no kv record nothing is written and the driver says so.
+    dbCursor<kv>(dbCursorForUpdate).removeAll();
+    CLFResultDataTransfer out(1, db(), &m_rtdb, false, 0);
+    EXPECT_EQ(out.ImportRTDBDataToLFResultDB(), 1);
+    EXPECT_TRUE(feedback().has("实时库中没有母线数据", 2));
+    EXPECT_EQ(Count("LFR_BS_R"), 2);
+}
+
+TEST_F(Results, DcLineEndSumsAreDerivedAsDesigned)
+{
+    dln d;
+    d.id = "DC1";
+    d.I_Name = "N1";
+    d.J_Name = "N2";
+    d.Pj = 7.0f;
+    Put(d);
+    m_rtdb.commit();
+    Exec("DELETE FROM LFR_DCLINE_R");
+    Exec("INSERT INTO LFR_DCLINE_R(Case_No, ID_Name, Owner, OP_Mode, Id10, Id20, Pd1i, Pd2i, "
+         "Pd1j, Pd2j, Qd1j, Qcjp, ibs, zbs) VALUES (2,'DC1',3,1,1.5,0.5,100,0,-98,0,4,9.25,5,6)");
+    CLFResultDataTransfer in(2, db(), &m_rtdb, false, 0);
+    in.ImportLFResultDataToRTDB();
+    const dln r = Fetch<dln>("DC1");
+    EXPECT_FLOAT_EQ(r.Pi, -98.0f) << "Pi is written twice and keeps the J-end sum";
+    EXPECT_FLOAT_EQ(r.Pj, 7.0f) << "Pj is written by nothing";
+    EXPECT_FLOAT_EQ(r.Qj, 4.0f);
+    EXPECT_FLOAT_EQ(r.Ii, 2.0f);
+    EXPECT_DOUBLE_EQ(r.Qcjp, 9.25);
+    EXPECT_STREQ(r.Owner, "3");
+    EXPECT_EQ(r.ibs, 5);
+
+    kv k;
+    k.id = "K";
+    Put(k);
+    CLFResultDataTransfer out(3, db(), &m_rtdb, false, 0);
+    EXPECT_EQ(out.ImportRTDBDataToLFResultDB(), 0);
+    EXPECT_EQ(Rows("SELECT ID_Name, Owner, OP_Mode, Pd1i, Pd1j, Qcjp, ibs, zbs FROM LFR_DCLINE_R "
+                   "WHERE Case_No=3"),
+              (std::vector<std::string>{"DC1|3|1|100|-98|9.25|5|6"}));
+}
+
+TEST(SwitchFlow, KirchhoffOnAChainAndNothingThroughALoopSwitch)
+{
+    dbDatabase rtdb;
+    ASSERT_TRUE(rtdb.open("flow"));
+    // A generator at A feeds loads at B (4 + j1) and C (6 + j1) through switches A-B, B-C.
+    auto gen = [](const char* id, const char* node, float p, float q) {
+        un g;
+        g.id = id;
+        g.Bus_Name = node;
+        g.Pg = p;
+        g.Qg = q;
+        Put(g);
+    };
+    auto load = [](const char* id, const char* node, float p, float q) {
+        ld l;
+        l.id = id;
+        l.Bus_Name = node;
+        l.Pl = p;
+        l.Ql = q;
+        Put(l);
+    };
+    auto sw = [](const char* id, const char* i, const char* j, unsigned q) {
+        cb c;
+        c.id = id;
+        c.I_Name = i;
+        c.J_Name = j;
+        c.q = q;
+        Put(c);
+    };
+    gen("G", "A", 10, 2);
+    load("DB", "B", 4, 1);
+    load("DC", "C", 6, 1);
+    sw("S1_brk", "A", "B", 0);
+    sw("S2_sw", "C", "B", 0); // written from C to B: the flow reads negative
+    sw("S3_brk", "A", "C", CB_OPEN);
+    {
+        dtsdb::cbFlow f(&rtdb);
+        f.loadData();
+        f.calculate();
+        f.storeData();
+    }
+    EXPECT_FLOAT_EQ(Fetch<cb>("S1_brk").P, 10.0f);
+    EXPECT_FLOAT_EQ(Fetch<cb>("S1_brk").Q, 2.0f);
+    EXPECT_FLOAT_EQ(Fetch<cb>("S2_sw").P, -6.0f);
+    EXPECT_FLOAT_EQ(Fetch<cb>("S3_brk").P, 0.0f) << "an open breaker carries nothing";
+
+    // Closing the loop: one of the three switches carries nothing, and the law holds at
+    // every node.
+    {
+        dbCursor<cb> c(dbCursorForUpdate);
+        dbQuery q;
+        q = "id=", "S3_brk";
+        ASSERT_EQ(c.select(q), 1);
+        c->q = 0;
+        c.update();
+    }
+    {
+        dtsdb::cbFlow f(&rtdb);
+        f.loadData();
+        f.calculate();
+        f.storeData();
+    }
+    const float s1 = Fetch<cb>("S1_brk").P, s2 = Fetch<cb>("S2_sw").P, s3 = Fetch<cb>("S3_brk").P;
+    EXPECT_EQ((s1 == 0) + (s2 == 0) + (s3 == 0), 1);
+    EXPECT_FLOAT_EQ(s1 + s3, 10.0f) << "A gives 10";
+    EXPECT_FLOAT_EQ(s1 + s2, 4.0f) << "B keeps 4";
+    EXPECT_FLOAT_EQ(s3 - s2, 6.0f) << "C keeps 6";
+    rtdb.commit();
+    rtdb.close();
+}
