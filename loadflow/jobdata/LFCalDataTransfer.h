@@ -23,6 +23,9 @@ public:
 
     int ImportLDataFromBaseDB();
     int DeleteLData();
+    // Saves what the job changed into the working copies: in place, or with `newGroup`
+    // as copies in data group `groupName`, where orphan rows always go.
+    int SaveLDataToBaseDB(QString groupName, bool newGroup);
 
     // Counters: after extraction the LF_CASE counts, after save-back the changed elements.
     int Nbus = 0, Ngenerat = 0, Nload = 0, Nacline = 0, Ndcline = 0, Ntrans = 0, Nswitch = 0;
@@ -30,6 +33,8 @@ public:
     double BasePower() const { return m_dBaseMva; }
 
 private:
+    // Tests run single save-back families, which the driver on this server never reaches.
+    friend struct CLFCalDataTransferFamilies;
     void Init(char* schemeName);
     // The frame of an extraction family: tmp created before, dropped after success.
     bool CreateTmp();
@@ -51,6 +56,24 @@ private:
     int ImportL6DataFromBaseDB();
     int ImportLKDataFromBaseDB();
     int AddNewNode(const QString& name);
+
+    // Save-back families, each 0 or 1.
+    struct SavePattern;
+    int RunSavePattern(const SavePattern& family, int& counter);
+    int SaveL1DataToBaseDB();
+    int SaveL2DataToAC();
+    int SaveL2DataToPCR();
+    int SaveL2DataToSCR();
+    int SaveL3DataToT2W();
+    int SaveL3DataToShift();
+    int SaveL3DataToT3W();
+    int SaveL4DataToBaseDB();
+    int SaveL5DataToBaseDB();
+    int SaveL6DataToBaseDB();
+    int SaveLKDataToBreaker();
+    int SaveLKDataToSwitch();
+    int SaveL3Transformer(bool shifter);
+    int SaveLKFamily(bool breaker);
 
     QSqlDatabase* m_pDB;
     CDatabase* m_pBaseDB;

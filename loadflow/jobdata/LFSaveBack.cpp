@@ -1,0 +1,504 @@
+// Save-back: what a calculation changed in the job tables goes back into the working
+// copies of the base database, in place or into a data group; rows without a base row
+// (orphans) are saved into the group with the nodes they need.
+
+#include "common/Feedback.h"
+#include "common/SQLMultiInsert.h"
+#include "common/TableTypes.h"
+#include "loadflow/jobdata/LFCalDataTransfer.h"
+#include "loadflow/jobdata/LFExtractStatements.h"
+#include "loadflow/jobdata/LFSaveStatements.h"
+#include "platform/CDatabase.h"
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QStringList>
+#include <QVariant>
+#include <vector>
+
+using namespace lfs;
+using lfx::WORKING_COPY;
+
+// One family of the save-back, its statements formatted for this run.
+struct CLFCalDataTransfer::SavePattern
+{
+    QByteArray createOrphans;              // step 1: T from the job rows without base row
+    const char* warning;                   // step 2.2, with the row count and the group
+    std::vector<QByteArray> orphanInserts; // step 2.3
+    QByteArray orphanNodes;                // step 2.4
+    QByteArray clear;                      // step 2.5
+    std::vector<QByteArray> changes;       // step 3, each adding its rows
+    QByteArray afterChanges;               // run and ignored (three-winding transformers)
+    std::vector<QByteArray> intoGroup;     // step 4 with the new-group flag
+    std::vector<QByteArray> inPlace;       // step 4 without it
+    QByteArray drop;                       // step 5
+    int orphanDivisor = 1;                 // job rows per element
+};
+
+namespace {
+
+QByteArray withTable(const char* text, const char* table)
+{
+    QByteArray t(text);
+    t.replace('#', table);
+    return t;
+}
+
+// "a.X, a.Y" of "X, Y".
+QByteArray prefixed(const char* columns)
+{
+    QStringList out;
+    for (const QString& c : QString::fromLatin1(columns).split(", ")) {
+        out << "a." + c.trimmed();
+    }
+    return out.join(", ").toLatin1();
+}
+
+// The copy of whole base rows into the group: every column of the working copy.
+QByteArray copyInto(const char* base, const char* columns, const char* temp,
+                    const QByteArray& group, const char* tail = "")
+{
+    return FormatText("insert into %s%s(GrpName, %s) select '%s', %s from %s%s a, %s where "
+                      "a.id=%s.eleid%s",
+                      base, WORKING_COPY, columns, group.constData(), prefixed(columns).constData(),
+                      base, WORKING_COPY, temp, temp, tail);
+}
+
+} // namespace
+
+int CLFCalDataTransfer::RunSavePattern(const SavePattern& f, int& counter)
+{
+    QSqlQuery q(*m_pDB);
+    auto exec = [&](const QByteArray& sql) {
+        if (!q.exec(QString::fromLocal8Bit(sql))) {
+            ShowMessagef(MSG_ERROR, MSG_SQL_FAIL, sql.constData());
+            return false;
+        }
+        return true;
+    };
+    // Orphans: job rows whose base row does not exist go into the group, per unit.
+    if (!exec(f.createOrphans)) {
+        return CALC_FAIL;
+    }
+    const int orphans = q.numRowsAffected();
+    if (orphans > 0) {
+        m_nNewElements += orphans / f.orphanDivisor;
+        ShowMessagef(MSG_ERROR, f.warning, orphans, m_strGroupName.toLocal8Bit().constData());
+        for (const QByteArray& sql : f.orphanInserts) {
+            if (!exec(sql)) {
+                return CALC_FAIL;
+            }
+        }
+        QSqlQuery nodes(*m_pDB);
+        if (nodes.exec(QString::fromLocal8Bit(f.orphanNodes)) && nodes.isActive()) {
+            const int columns = nodes.record().count();
+            while (nodes.next()) {
+                for (int c = 0; c < columns; ++c) {
+                    AddNewNode(nodes.value(c).toString());
+                }
+            }
+        }
+        QSqlQuery(*m_pDB).exec(QString::fromLocal8Bit(f.clear));
+    }
+    // Changes: rows that differ from their base row beyond the tolerance, in its unit.
+    int changed = 0;
+    for (const QByteArray& sql : f.changes) {
+        if (!exec(sql)) {
+            return CALC_FAIL;
+        }
+        changed += q.numRowsAffected();
+    }
+    if (!f.afterChanges.isEmpty()) {
+        QSqlQuery(*m_pDB).exec(QString::fromLocal8Bit(f.afterChanges));
+    }
+    if (changed > 0) {
+        counter += changed;
+        for (const QByteArray& sql : m_bNewGroup ? f.intoGroup : f.inPlace) {
+            if (!exec(sql)) {
+                return CALC_FAIL;
+            }
+        }
+    }
+    QSqlQuery(*m_pDB).exec(QString::fromLocal8Bit(f.drop));
+    return CALC_OK;
+}
+
+int CLFCalDataTransfer::SaveLDataToBaseDB(QString groupName, bool newGroup)
+{
+    m_strGroupName = groupName;
+    m_bNewGroup = newGroup;
+    Nbus = Ngenerat = Nload = Nacline = Ndcline = Ntrans = Nswitch = 0;
+    m_nNewElements = 0;
+    struct Step
+    {
+        int (CLFCalDataTransfer::*family)();
+        int* counter;
+        bool increase; // the message counts the counter's increase, not its value
+        const char* message;
+        int flag;
+    } steps[] = {
+        {&CLFCalDataTransfer::SaveL2DataToAC, &Nacline, false, MSG_AC_COUNT, CDB_TYPE_ACLINE},
+        {&CLFCalDataTransfer::SaveL2DataToPCR, &Nacline, true, MSG_PCR_COUNT, CDB_TYPE_PCAPREA},
+        {&CLFCalDataTransfer::SaveL2DataToSCR, &Nacline, true, MSG_SCR_COUNT, CDB_TYPE_SCAPREA},
+        {&CLFCalDataTransfer::SaveL3DataToT2W, &Ntrans, false, MSG_T2W_COUNT, CDB_TYPE_TRANS_2W},
+        {&CLFCalDataTransfer::SaveL3DataToShift, &Ntrans, true, MSG_SHIFT_COUNT, CDB_TYPE_SHIFT},
+        {&CLFCalDataTransfer::SaveL3DataToT3W, &Ntrans, true, MSG_T3W_COUNT, CDB_TYPE_TRANS_3W},
+        {&CLFCalDataTransfer::SaveL4DataToBaseDB, &Ndcline, false, MSG_DC_COUNT, CDB_TYPE_DCLINE},
+        {&CLFCalDataTransfer::SaveL5DataToBaseDB, &Ngenerat, false, MSG_GEN_COUNT,
+         CDB_TYPE_GENERAT},
+        {&CLFCalDataTransfer::SaveL6DataToBaseDB, &Nload, false, MSG_LOAD_COUNT, CDB_TYPE_LOAD},
+        {&CLFCalDataTransfer::SaveLKDataToBreaker, &Nswitch, false, MSG_BRK_COUNT,
+         CDB_TYPE_BREAKER},
+        {&CLFCalDataTransfer::SaveLKDataToSwitch, &Nswitch, true, MSG_SW_COUNT, CDB_TYPE_ISOSWITCH},
+    };
+    for (const Step& s : steps) {
+        const int before = *s.counter;
+        if ((this->*s.family)() != 0) {
+            return CALC_FAIL; // the families before stay saved and flagged
+        }
+        const int count = s.increase ? *s.counter - before : *s.counter;
+        if (count > 0) {
+            ShowMessagef(MSG_PROGRESS, s.message, count);
+            if (m_pBaseDB) {
+                m_pBaseDB->SetBakTabModifyFlag(s.flag);
+            }
+        }
+    }
+    const int total = Nacline + Ntrans + Ndcline + Ngenerat + Nload + Nswitch;
+    ShowMessagef(MSG_PROGRESS, MSG_TOTAL, total);
+    ShowMessagef(MSG_PROGRESS, MSG_NEW_TOTAL, m_nNewElements);
+    if (m_nNewElements > 0 || (m_bNewGroup && total > 0)) {
+        const QByteArray group = m_strGroupName.toLocal8Bit();
+        QSqlQuery q(*m_pDB);
+        if (!q.exec(QString::fromLocal8Bit(
+                FormatText(SQL_ADD_GROUP, "CDB_DATAGROUP", WORKING_COPY, group.constData())))) {
+            ShowMessagef(MSG_GROUP_FAIL, MSG_ADD_GROUP, group.constData());
+            return CALC_FAIL;
+        }
+        if (m_pBaseDB) {
+            m_pBaseDB->SetBakTabModifyFlag(CDB_TYPE_DATAGROUP);
+        }
+    }
+    SaveL1DataToBaseDB();
+    if (m_nNewElements > 0 && m_pBaseDB) {
+        for (int flag : {CDB_TYPE_NODE, CDB_TYPE_BUS, CDB_TYPE_PSTATION, CDB_TYPE_ZONE}) {
+            m_pBaseDB->SetBakTabModifyFlag(flag);
+        }
+    }
+    return CALC_OK;
+}
+
+int CLFCalDataTransfer::SaveL1DataToBaseDB()
+{
+    if (m_nNewElements == 0) {
+        return CALC_OK;
+    }
+    QSqlQuery q(*m_pDB);
+    auto exec = [&](const QByteArray& sql) {
+        if (!q.exec(QString::fromLocal8Bit(sql))) {
+            ShowMessagef(MSG_ERROR, MSG_SQL_FAIL, sql.constData());
+            return false;
+        }
+        return true;
+    };
+    if (!exec(SQL_CREATE_TNODE)) {
+        return CALC_FAIL;
+    }
+    SQLMultiInsert ins(m_pDB, 200);
+    ins.SetTableName("Tnode");
+    ins.SetFldNamelst("node_name");
+    for (auto it = m_NewNodes.constBegin(); it != m_NewNodes.constEnd(); ++it) {
+        ins.AddRecord("'" + it.key().toLocal8Bit() + "'");
+    }
+    ins.exec();
+    const struct
+    {
+        const char* sql;
+        const char* table;
+    } adds[] = {{SQL_NEW_NODES, "CDB_NODE"},
+                {SQL_NEW_BUSES, "CDB_BUS"},
+                {SQL_NEW_STATIONS, "CDB_PSTATION"},
+                {SQL_NEW_ZONES, "CDB_ZONE"}};
+    for (const auto& a : adds) {
+        if (!exec(FormatText(a.sql, a.table, WORKING_COPY, m_nJobNumber, a.table, WORKING_COPY))) {
+            return CALC_FAIL;
+        }
+    }
+    QSqlQuery(*m_pDB).exec(QString::fromLocal8Bit(SQL_DROP_TNODE));
+    return CALC_OK;
+}
+
+// ---- L2 families ----
+
+int CLFCalDataTransfer::SaveL2DataToAC()
+{
+    const QByteArray job = FormatText("L2_%d", m_nJobNumber);
+    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const char* B = "CDB_ACLINE";
+    const double sb = m_dBaseMva, tol = TOLERANCE;
+    SavePattern f;
+    f.createOrphans = FormatText(SQL_AC_ORPHANS, job.constData(), B, WORKING_COPY, 1);
+    f.warning = MSG_AC_ORPHANS;
+    f.orphanInserts = {
+        FormatText(SQL_AC_ORPHAN_INSERT, B, WORKING_COPY, group.constData(), "L1_", m_nJobNumber)};
+    f.orphanNodes = SQL_AC_NODES;
+    f.clear = SQL_AC_CLEAR;
+    f.changes = {FormatText(SQL_AC_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol, tol),
+                 FormatText(SQL_AC_CHANGED_UNIT0, sb, sb, sb, job.constData(), B, WORKING_COPY,
+                            m_nJobNumber, sb, tol, sb, tol, sb, tol)};
+    f.intoGroup = {copyInto(B, COLS_ACLINE, "Tac", group),
+                   FormatText(SQL_AC_IN_GROUP, B, WORKING_COPY, group.constData())};
+    f.inPlace = {FormatText(SQL_AC_IN_PLACE, B, WORKING_COPY)};
+    f.drop = SQL_AC_DROP;
+    return RunSavePattern(f, Nacline);
+}
+
+int CLFCalDataTransfer::SaveL2DataToPCR()
+{
+    const QByteArray job = FormatText("L2_%d", m_nJobNumber);
+    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const char* B = "CDB_PCAPREA";
+    const double sb = m_dBaseMva, tol = TOLERANCE;
+    SavePattern f;
+    f.createOrphans = FormatText(SQL_PCR_ORPHANS, job.constData(), B, WORKING_COPY, 3);
+    f.warning = MSG_PCR_ORPHANS;
+    f.orphanInserts = {FormatText(SQL_PCR_ORPHAN_INSERT, B, WORKING_COPY, group.constData())};
+    f.orphanNodes = SQL_PCR_NODES;
+    f.clear = SQL_PCR_CLEAR;
+    f.changes = {FormatText(SQL_PCR_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol),
+                 FormatText(SQL_PCR_CHANGED_UNIT0, sb, sb, job.constData(), B, WORKING_COPY,
+                            m_nJobNumber, sb, tol, sb, tol)};
+    f.intoGroup = {copyInto(B, COLS_PCAPREA, "TPCR", group),
+                   FormatText(SQL_PCR_IN_GROUP, B, WORKING_COPY, group.constData())};
+    f.inPlace = {FormatText(SQL_PCR_IN_PLACE, B, WORKING_COPY)};
+    f.drop = SQL_PCR_DROP;
+    return RunSavePattern(f, Nacline);
+}
+
+int CLFCalDataTransfer::SaveL2DataToSCR()
+{
+    const QByteArray job = FormatText("L2_%d", m_nJobNumber);
+    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const char* B = "CDB_SCAPREA";
+    const double sb = m_dBaseMva, tol = TOLERANCE;
+    SavePattern f;
+    f.createOrphans = FormatText(SQL_SCR_ORPHANS, job.constData(), B, WORKING_COPY, 2);
+    f.warning = MSG_SCR_ORPHANS;
+    f.orphanInserts = {
+        FormatText(SQL_SCR_ORPHAN_INSERT, B, WORKING_COPY, group.constData(), "L1_", m_nJobNumber)};
+    f.orphanNodes = SQL_SCR_NODES;
+    f.clear = SQL_SCR_CLEAR;
+    f.changes = {FormatText(SQL_SCR_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol),
+                 FormatText(SQL_SCR_CHANGED_UNIT0, sb, sb, job.constData(), B, WORKING_COPY,
+                            m_nJobNumber, sb, tol, sb, tol)};
+    f.intoGroup = {copyInto(B, COLS_SCAPREA, "TSCR", group),
+                   FormatText(SQL_SCR_IN_GROUP, B, WORKING_COPY, group.constData())};
+    f.inPlace = {FormatText(SQL_SCR_IN_PLACE, B, WORKING_COPY)};
+    f.drop = SQL_SCR_DROP;
+    return RunSavePattern(f, Nacline);
+}
+
+// ---- L3 families ----
+
+int CLFCalDataTransfer::SaveL3DataToT2W()
+{
+    return SaveL3Transformer(false);
+}
+
+int CLFCalDataTransfer::SaveL3DataToShift()
+{
+    return SaveL3Transformer(true);
+}
+
+int CLFCalDataTransfer::SaveL3Transformer(bool shifter)
+{
+    const QByteArray job = FormatText("L3_%d", m_nJobNumber);
+    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const char* B = shifter ? "CDB_SHIFT" : "CDB_TRANS_2W";
+    const char* T = shifter ? "TShift" : "T2W";
+    const int ntype = shifter ? 2 : 1;
+    const double sb = m_dBaseMva, tol = TOLERANCE;
+    SavePattern f;
+    f.createOrphans = FormatText(withTable(SQL_XF_ORPHANS, T).constData(), job.constData(), B,
+                                 WORKING_COPY, ntype);
+    f.warning = shifter ? MSG_SHIFT_ORPHANS : MSG_T2W_ORPHANS;
+    f.orphanInserts = {FormatText(shifter ? SQL_SHIFT_ORPHAN_INSERT : SQL_T2W_ORPHAN_INSERT, B,
+                                  WORKING_COPY, group.constData())};
+    f.orphanNodes = withTable(SQL_XF_NODES, T);
+    f.clear = withTable(SQL_XF_CLEAR, T);
+    f.changes = {FormatText(withTable(SQL_XF_CHANGED_UNIT1, T).constData(), job.constData(), B,
+                            WORKING_COPY, ntype, tol, tol, tol, tol, tol),
+                 FormatText(withTable(SQL_XF_CHANGED_UNIT0, T).constData(), sb, sb, sb, sb,
+                            job.constData(), B, WORKING_COPY, m_nJobNumber, ntype, sb, tol, sb, tol,
+                            sb, tol, sb, tol, tol)};
+    if (shifter) {
+        f.intoGroup = {
+            FormatText(SQL_SHIFT_COPY, B, WORKING_COPY, group.constData(), B, WORKING_COPY),
+            FormatText(SQL_SHIFT_IN_GROUP, B, WORKING_COPY, group.constData())};
+        f.inPlace = {FormatText(SQL_SHIFT_IN_PLACE, B, WORKING_COPY)};
+    } else {
+        f.intoGroup = {copyInto(B, COLS_TRANS_2W, T, group),
+                       FormatText(SQL_T2W_IN_GROUP, B, WORKING_COPY, group.constData())};
+        f.inPlace = {FormatText(SQL_T2W_IN_PLACE, B, WORKING_COPY)};
+    }
+    f.drop = withTable(SQL_XF_DROP, T);
+    return RunSavePattern(f, Ntrans);
+}
+
+int CLFCalDataTransfer::SaveL3DataToT3W()
+{
+    const QByteArray job = FormatText("L3_%d", m_nJobNumber);
+    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const char* B = "CDB_TRANS_3W";
+    const double sb = m_dBaseMva, tol = TOLERANCE;
+    SavePattern f;
+    f.createOrphans = FormatText(SQL_T3W_ORPHANS, job.constData(), B, WORKING_COPY);
+    f.warning = MSG_T2W_ORPHANS; // the two-winding text, as designed
+    f.orphanDivisor = 3;
+    f.orphanInserts = {FormatText(SQL_T3W_ORPHAN_W1, B, WORKING_COPY, group.constData()),
+                       FormatText(SQL_T3W_ORPHAN_W2, B, WORKING_COPY, group.constData()),
+                       FormatText(SQL_T3W_ORPHAN_W3, B, WORKING_COPY, group.constData())};
+    f.orphanNodes = SQL_T3W_NODES;
+    f.clear = SQL_T3W_CLEAR;
+    f.changes = {FormatText(SQL_T3W_CHANGED_W1_UNIT1, job.constData(), B, WORKING_COPY, tol, tol,
+                            tol, tol, tol),
+                 FormatText(SQL_T3W_CHANGED_W1_UNIT0, sb, sb, sb, sb, job.constData(), B,
+                            WORKING_COPY, m_nJobNumber, sb, tol, sb, tol, sb, tol, sb, tol, tol)};
+    for (const char* w : {"2", "3"}) {
+        f.changes.push_back(FormatText(withTable(SQL_T3W_CHANGED_WK_UNIT1, w).constData(),
+                                       job.constData(), B, WORKING_COPY, tol, tol, tol));
+        f.changes.push_back(FormatText(withTable(SQL_T3W_CHANGED_WK_UNIT0, w).constData(), sb, sb,
+                                       job.constData(), B, WORKING_COPY, m_nJobNumber, sb, tol, sb,
+                                       tol, tol));
+    }
+    f.afterChanges = SQL_T3W_INDEX;
+    f.intoGroup = {copyInto(B, COLS_TRANS_3W, "T3W", group, " group by a.ID_Name"),
+                   FormatText(SQL_T3W_IN_GROUP_W1, B, WORKING_COPY, group.constData())};
+    f.inPlace = {FormatText(SQL_T3W_IN_PLACE_W1, B, WORKING_COPY)};
+    for (const char* w : {"2", "3"}) {
+        f.intoGroup.push_back(FormatText(withTable(SQL_T3W_IN_GROUP_WK, w).constData(), B,
+                                         WORKING_COPY, group.constData()));
+        f.inPlace.push_back(
+            FormatText(withTable(SQL_T3W_IN_PLACE_WK, w).constData(), B, WORKING_COPY));
+    }
+    f.drop = SQL_T3W_DROP;
+    return RunSavePattern(f, Ntrans);
+}
+
+// ---- DC lines, generators, loads ----
+
+int CLFCalDataTransfer::SaveL4DataToBaseDB()
+{
+    const QByteArray job = FormatText("L4_%d", m_nJobNumber);
+    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const char* B = "CDB_DCLINE";
+    const double tol = TOLERANCE;
+    const QByteArray values = prefixed(COLS_DCLINE_VALUES);
+    SavePattern f;
+    f.createOrphans = FormatText("Create temporary Table Tdc select a.EleID, a.ID_Name, a.Valid, "
+                                 "a.I_Name, a.J_Name, a.ID_No, a.Owner, %s from %s a left join "
+                                 "%s%s b on b.id=a.eleid where b.id is null",
+                                 values.constData(), job.constData(), B, WORKING_COPY);
+    f.warning = MSG_DC_ORPHANS;
+    f.orphanInserts = {FormatText(
+        "insert into %s%s(GrpName, ID_Name, Valid, I_Name, J_Name, ID_No, Owner, %s) select '%s', "
+        "a.ID_Name, a.Valid, a.I_Name, a.J_Name, a.ID_No, (a.Owner=b.Zone_no), %s from Tdc a, "
+        "L1_%d b where b.Node_Name=a.I_Name",
+        B, WORKING_COPY, COLS_DCLINE_VALUES, group.constData(), values.constData(), m_nJobNumber)};
+    f.orphanNodes = SQL_DC_NODES;
+    f.clear = SQL_DC_CLEAR;
+    f.changes = {FormatText(SQL_DC_CHANGED, job.constData(), B, WORKING_COPY, tol, tol, tol, tol,
+                            tol, tol, tol, tol, tol, tol, tol, tol, tol, tol, tol)};
+    const QByteArray all = QByteArray("ID_Name, Valid, I_Name, J_Name, ID_No, Owner, ") +
+                           COLS_DCLINE_VALUES + ", " + COLS_DCLINE_STABILITY;
+    f.intoGroup = {copyInto(B, all.constData(), "Tdc", group),
+                   FormatText(SQL_DC_IN_GROUP, B, WORKING_COPY, group.constData())};
+    f.inPlace = {FormatText(SQL_DC_IN_PLACE, B, WORKING_COPY)};
+    f.drop = SQL_DC_DROP;
+    return RunSavePattern(f, Ndcline);
+}
+
+int CLFCalDataTransfer::SaveL5DataToBaseDB()
+{
+    const QByteArray job = FormatText("L5_%d", m_nJobNumber);
+    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const char* B = "CDB_GENERAT";
+    const double sb = m_dBaseMva, tol = TOLERANCE;
+    SavePattern f;
+    f.createOrphans = FormatText(SQL_GEN_ORPHANS, job.constData(), B, WORKING_COPY);
+    f.warning = MSG_GEN_ORPHANS;
+    f.orphanInserts = {FormatText(SQL_GEN_ORPHAN_INSERT, B, WORKING_COPY, group.constData())};
+    f.orphanNodes = SQL_GEN_NODES;
+    f.clear = SQL_GEN_CLEAR;
+    f.changes = {FormatText(SQL_GEN_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol, tol,
+                            tol, tol, tol, tol, tol),
+                 FormatText(SQL_GEN_CHANGED_UNIT0, sb, sb, sb, sb, sb, sb, job.constData(), B,
+                            WORKING_COPY, m_nJobNumber, sb, tol, sb, tol, tol, tol, sb, tol, sb,
+                            tol, sb, tol, sb, tol)};
+    f.intoGroup = {FormatText(SQL_GEN_COPY, B, WORKING_COPY, group.constData(), B, WORKING_COPY),
+                   FormatText(SQL_GEN_IN_GROUP, B, WORKING_COPY, group.constData())};
+    f.inPlace = {FormatText(SQL_GEN_IN_PLACE, B, WORKING_COPY)};
+    f.drop = SQL_GEN_DROP;
+    return RunSavePattern(f, Ngenerat);
+}
+
+int CLFCalDataTransfer::SaveL6DataToBaseDB()
+{
+    const QByteArray job = FormatText("L6_%d", m_nJobNumber);
+    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const char* B = "CDB_LOAD";
+    const double sb = m_dBaseMva, tol = TOLERANCE;
+    SavePattern f;
+    f.createOrphans = FormatText(SQL_LOAD_ORPHANS, job.constData(), B, WORKING_COPY);
+    f.warning = MSG_LOAD_ORPHANS;
+    f.orphanInserts = {FormatText(SQL_LOAD_ORPHAN_INSERT, B, WORKING_COPY, group.constData())};
+    f.orphanNodes = SQL_LOAD_NODES;
+    f.clear = SQL_LOAD_CLEAR;
+    f.changes = {FormatText(SQL_LOAD_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol, tol,
+                            tol, tol, tol, tol, tol),
+                 FormatText(SQL_LOAD_CHANGED_UNIT0, sb, sb, sb, sb, sb, sb, job.constData(), B,
+                            WORKING_COPY, m_nJobNumber, sb, tol, sb, tol, tol, tol, sb, tol, sb,
+                            tol, sb, tol, sb, tol)};
+    f.intoGroup = {FormatText(SQL_LOAD_COPY, B, WORKING_COPY, group.constData(), B, WORKING_COPY),
+                   FormatText(SQL_LOAD_IN_GROUP, B, WORKING_COPY, group.constData())};
+    f.inPlace = {FormatText(SQL_LOAD_IN_PLACE, B, WORKING_COPY)};
+    f.drop = SQL_LOAD_DROP;
+    return RunSavePattern(f, Nload);
+}
+
+// ---- Breakers and switches ----
+
+int CLFCalDataTransfer::SaveLKDataToBreaker()
+{
+    return SaveLKFamily(true);
+}
+
+int CLFCalDataTransfer::SaveLKDataToSwitch()
+{
+    return SaveLKFamily(false);
+}
+
+int CLFCalDataTransfer::SaveLKFamily(bool breaker)
+{
+    const QByteArray job = FormatText("LK_%d", m_nJobNumber);
+    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const char* B = breaker ? "CDB_BREAKER" : "CDB_ISOSWITCH";
+    const char* T = breaker ? "TBrk" : "Tswitch";
+    const int ntype = breaker ? 1 : 2;
+    SavePattern f;
+    f.createOrphans = FormatText(withTable(SQL_SWITCH_ORPHANS, T).constData(), job.constData(), B,
+                                 WORKING_COPY, ntype);
+    f.warning = breaker ? MSG_BRK_ORPHANS : MSG_SW_ORPHANS;
+    const QByteArray fromT = FormatText(withTable(SQL_SWITCH_ORPHAN_INSERT, T).constData(), B,
+                                        WORKING_COPY, group.constData());
+    f.orphanInserts = {fromT};
+    f.orphanNodes = withTable(SQL_SWITCH_NODES, T);
+    f.clear = withTable(SQL_SWITCH_CLEAR, T);
+    f.changes = {FormatText(withTable(SQL_SWITCH_CHANGED, T).constData(), job.constData(), B,
+                            WORKING_COPY, ntype)};
+    f.intoGroup = {fromT}; // the new rows straight from the job, no update after
+    f.inPlace = {FormatText(withTable(SQL_SWITCH_IN_PLACE, T).constData(), B, WORKING_COPY)};
+    f.drop = withTable(SQL_SWITCH_DROP, T);
+    return RunSavePattern(f, Nswitch);
+}

@@ -1,0 +1,153 @@
+// Save-back of a changed job into the working copies and data groups.
+
+#include "DbTest.h"
+#include "SampleNetwork.h"
+#include "loadflow/jobdata/LFCalDataTransfer.h"
+#include "platform/CDatabase.h"
+
+using testsupport::DbTest;
+
+// Runs single families, which the driver on this server never reaches (it stops at the
+// two-winding transformers, whose statement the server refuses).
+struct CLFCalDataTransferFamilies
+{
+    static void Prepare(CLFCalDataTransfer& t, const QString& group, bool newGroup)
+    {
+        t.m_strGroupName = group;
+        t.m_bNewGroup = newGroup;
+    }
+    static int Generators(CLFCalDataTransfer& t) { return t.SaveL5DataToBaseDB(); }
+    static int Breakers(CLFCalDataTransfer& t) { return t.SaveLKDataToBreaker(); }
+    static int ThreeWinding(CLFCalDataTransfer& t) { return t.SaveL3DataToT3W(); }
+    static int NewElements(const CLFCalDataTransfer& t) { return t.m_nNewElements; }
+    static int Nodes(const CLFCalDataTransfer& t) { return t.m_NewNodes.size(); }
+};
+
+namespace {
+char kScheme[] = "SCH";
+}
+
+class SaveBack : public DbTest
+{
+protected:
+    void SetUp() override
+    {
+        DbTest::SetUp();
+        Truncate({"CDB_SBBAK", "CDB_BUSBAK", "CDB_NODEBAK", "CDB_PSTATIONBAK", "CDB_ZONEBAK",
+                  "CDB_ACLINEBAK", "CDB_TRANS_2WBAK", "CDB_TRANS_3WBAK", "CDB_SHIFTBAK",
+                  "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_PCAPREABAK", "CDB_BREAKERBAK",
+                  "CDB_DATAGROUPBAK", "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "LF_CASE"});
+        Exec("DROP TEMPORARY TABLE IF EXISTS T2W"); // left by the last run on this connection
+        samples::Network net;
+        QString error;
+        ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
+        ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error));
+        CLFCalDataTransfer extract(0, kScheme, db(), nullptr);
+        ASSERT_EQ(extract.ImportLDataFromBaseDB(), 0);
+        feedback().clear();
+    }
+    CDatabase m_base;
+};
+
+TEST_F(SaveBack, ChangedLinesAreSavedInPlaceAndTheRunStopsAtTheTransformers)
+{
+    // L1 changed by more than the tolerance, L2 by exactly the tolerance.
+    Exec("UPDATE L2_0 SET R1=R1+0.00011 WHERE ID_Name='L1'");
+    Exec("UPDATE L2_0 SET X1=X1+0.0001 WHERE ID_Name='L2'");
+    Exec("UPDATE L5_0 SET Pg=Pg+0.5 WHERE ID_Name='G2'");
+    const double before = Scalar("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1'").toDouble();
+    StartStatementLog();
+    CLFCalDataTransfer job(0, kScheme, db(), &m_base);
+    EXPECT_EQ(job.SaveLDataToBaseDB("NEW", false), 1);
+
+    EXPECT_NEAR(Scalar("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1'").toDouble(),
+                before + 0.00011, 1e-9);
+    EXPECT_EQ(job.Nacline, 1) << "a difference of exactly the tolerance is no change";
+    EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{102}));
+    EXPECT_EQ(feedback().texts(1), (std::vector<std::string>{"回存交流线数目：1"}));
+    const auto errors = feedback().texts(2);
+    ASSERT_EQ(errors.size(), 1u);
+    EXPECT_EQ(errors[0].rfind("Fail to execute SQL: insert into T2W(eleid,", 0), 0u);
+    EXPECT_NE(errors[0].find("a.Gm*1.0e6*/(c.Base_kV*c.Base_kV/100.000000)"), std::string::npos);
+    // The generator's change, after the failing family, stays in the job only.
+    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 0);
+    const auto sent = SentStatements();
+    EXPECT_NE(std::find(sent.begin(), sent.end(),
+                        "update CDB_ACLINEBAK a, Tac b set a.valid=b.valid, a.I_Break=b.I_Break, "
+                        "a.J_Break=b.J_Break, a.R1=b.R1, a.X1=b.X1, a.B1_Half=b.B1_Half where "
+                        "a.id=b.eleid"),
+              sent.end());
+}
+
+TEST_F(SaveBack, ANewGroupGetsCopiesAndOrphansWhileTheBaseRowsStay)
+{
+    Exec("UPDATE L2_0 SET Valid=0 WHERE ID_Name='L3'");
+    // A job line with no base row: an orphan, saved into the group per unit.
+    Exec("INSERT INTO L2_0(Case_No, EleID, ID_Name, Valid, I_Name, J_Name, ID_No, I_Break, "
+         "J_Break, R1, X1, B1_Half, Owner, Ntype) VALUES (0, 9999, 'LX', 1, 'N1', 'N99', 1, 1, 1, "
+         "0.01, 0.1, 0.02, 1, 1)");
+    CLFCalDataTransfer job(0, kScheme, db(), &m_base);
+    EXPECT_EQ(job.SaveLDataToBaseDB("NEW", true), 1);
+    EXPECT_EQ(Rows("SELECT GrpName, Valid FROM CDB_ACLINEBAK WHERE ID_Name='L3' ORDER BY GrpName"),
+              (std::vector<std::string>{"G1|1", "NEW|0"}));
+    EXPECT_EQ(Rows("SELECT GrpName, Unit, R1, X1, B1_Half, Owner FROM CDB_ACLINEBAK WHERE "
+                   "ID_Name='LX'"),
+              (std::vector<std::string>{"NEW|1|0.01|0.1|0.02|1"}));
+    EXPECT_TRUE(
+        feedback().has("交流线作业数据中有 1 条记录与基础库元件不对应, 被保存至数据组 NEW 。", 2));
+    EXPECT_EQ(CLFCalDataTransferFamilies::NewElements(job), 1);
+    EXPECT_EQ(CLFCalDataTransferFamilies::Nodes(job), 2) << "both ends of the orphan";
+    EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{102}))
+        << "orphans raise no flag; the stop comes before the group's row";
+}
+
+TEST_F(SaveBack, GeneratorsCompareInTheBaseRowsOwnUnit)
+{
+    // G2 stored in MW (Unit 0) on a node of 100 kV; G3 stays per unit.
+    Exec("UPDATE CDB_NODEBAK SET Base_kV=100");
+    Exec("UPDATE L1_0 SET Base_kV=100");
+    Exec("UPDATE CDB_GENERATBAK SET Unit=0, Pg=Pg*100, Qg=Qg*100, V0=V0*100, Qmax=Qmax*100, "
+         "Qmin=Qmin*100, Pmax=Pmax*100, Pmin=Pmin*100 WHERE ID_Name='G2'");
+    Exec("UPDATE L5_0 SET Pg=Pg+0.00005 WHERE ID_Name IN ('G2','G3')");
+    CLFCalDataTransfer job(0, kScheme, db(), &m_base);
+    CLFCalDataTransferFamilies::Prepare(job, "NEW", false);
+    EXPECT_EQ(CLFCalDataTransferFamilies::Generators(job), 0);
+    EXPECT_EQ(job.Ngenerat, 1) << "0.005 MW is above the tolerance, 0.00005 per unit is not";
+    EXPECT_NEAR(Scalar("SELECT Pg FROM CDB_GENERATBAK WHERE ID_Name='G2'").toDouble(), 40.0 + 0.005,
+                1e-6);
+    EXPECT_EQ(Count("CDB_GENERATBAK WHERE Unit=0"), 1);
+}
+
+TEST_F(SaveBack, SwitchesIntoANewGroupAndThreeWindingOrphansCountOnce)
+{
+    Exec("INSERT INTO CDB_BREAKERBAK(GrpName, ID_Name, Valid, Lbreak, I_Name, J_Name, ID_No) "
+         "VALUES ('G1', 'K1', 1, 1, 'N1', 'N2', 1)");
+    const QString id = Scalar("SELECT id FROM CDB_BREAKERBAK WHERE ID_Name='K1'");
+    Exec("INSERT INTO LK_0(Case_No, EleID, ID_Name, Valid, Lbreak, I_Name, J_Name, ID_No, Ntype) "
+         "VALUES (0, " +
+         id + ", 'K1', 1, 0, 'N1', 'N2', 1, 1)");
+    CLFCalDataTransfer job(0, kScheme, db(), &m_base);
+    CLFCalDataTransferFamilies::Prepare(job, "NEW", true);
+    EXPECT_EQ(CLFCalDataTransferFamilies::Breakers(job), 0);
+    EXPECT_EQ(job.Nswitch, 1);
+    EXPECT_EQ(Rows("SELECT GrpName, Lbreak FROM CDB_BREAKERBAK ORDER BY GrpName"),
+              (std::vector<std::string>{"G1|1", "NEW|0"}));
+
+    // Five orphan winding rows count as one element; the warning shows five.
+    for (int k = 0; k < 5; ++k) {
+        Exec(QString("INSERT INTO L3_0(Case_No, EleID, ID_Name, Valid, I_Name, J_Name, ID_No, "
+                     "R1, X1, Tk, Ntype) VALUES (0, 8000, 'T3X', 1, 'NS', 'N%1', 1, 0.01, 0.1, 1, "
+                     "%2)")
+                 .arg(k + 1)
+                 .arg(31 + k % 3));
+    }
+    feedback().clear();
+    EXPECT_EQ(CLFCalDataTransferFamilies::ThreeWinding(job), 1)
+        << "its first-winding change statement is refused like the two-winding one, after the "
+           "orphans were saved";
+    EXPECT_EQ(CLFCalDataTransferFamilies::NewElements(job), 1);
+    EXPECT_TRUE(feedback().has(
+        "两绕组变压器作业数据中有 5 条记录与基础库元件不对应, 被保存至数据组 NEW 。", 2));
+    EXPECT_EQ(Count("CDB_TRANS_3WBAK WHERE GrpName='NEW' AND ID_Name='T3X'"), 2)
+        << "one row per winding-1 job row";
+}
