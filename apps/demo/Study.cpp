@@ -3,6 +3,10 @@
 #include "SampleNetwork.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 #include "loadflow/realtime/LFCalDataToRTDB.h"
+#include "loadflow/results/LFResultDataTransfer.h"
+#include "platform/CDatabase.h"
+#include "records/NetworkRecords.h"
+#include "records/RecordFlags.h"
 #include "rtdb/rtdb.h"
 
 #include <QElapsedTimer>
@@ -69,6 +73,67 @@ bool Study::Solve()
             return false;
         }
         return true;
+    });
+}
+
+bool Study::StoreResults()
+{
+    return timed("ImportRTDBDataToLFResultDB", [&] {
+        // The engine's "tested" mark on switches, which the result step looks for.
+        dbCursor<dtsdb::cb> switches(dbCursorForUpdate);
+        if (switches.select() > 0) {
+            do {
+                switches->q |= dtsdb::CB_TESTED;
+                switches.update();
+            } while (switches.next());
+        }
+        CLFResultDataTransfer results(kJob, m_db, m_rtdb, false, 0);
+        const int rc = results.ImportRTDBDataToLFResultDB();
+        m_rtdb->commit();
+        if (rc != 0) {
+            m_error = "the results could not be stored (see the messages)";
+            return false;
+        }
+        return true;
+    });
+}
+
+bool Study::ChangeAndSaveBack(const QString& group)
+{
+    bool ok = timed("a change in the records, UpdateLDataFromRTDB", [&] {
+        // The second generator gives 10 % more; the last AC line goes out of service.
+        dbCursor<dtsdb::un> gens(dbCursorForUpdate);
+        if (gens.select() > 1) {
+            gens.next();
+            gens->Pg *= 1.1f;
+            m_changedGen = QString::fromLocal8Bit(gens->id);
+            gens.update();
+        }
+        dbCursor<dtsdb::ln> lines(dbCursorForUpdate);
+        dbQuery q;
+        q = "lntype=", 1, "order by id desc";
+        if (lines.select(q) > 0) {
+            lines->q |= dtsdb::LN_OUTSERVICE;
+            m_lineOut = QString::fromLocal8Bit(lines->id);
+            lines.update();
+        }
+        m_rtdb->commit();
+        CLFCalDataToRTDB toJob(kJob, m_db);
+        if (toJob.UpdateLDataFromRTDB() != 0) {
+            m_error = "the job tables could not be updated from the records";
+            return false;
+        }
+        return true;
+    });
+    if (!ok) {
+        return false;
+    }
+    return timed("SaveLDataToBaseDB", [&] {
+        CDatabase base;
+        QByteArray scheme(kScheme);
+        CLFCalDataTransfer transfer(kJob, scheme.data(), m_db, &base);
+        m_saveBack = transfer.SaveLDataToBaseDB(group, true);
+        return true; // its stop at the transformers is the design's, not a failure here
     });
 }
 

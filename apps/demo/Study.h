@@ -37,6 +37,15 @@ public:
     bool Extract();
     bool BuildAndImport();
     bool Solve();
+    // The solution into the LFR result tables, with the flows through switches.
+    bool StoreResults();
+    // A change in the records (a generator's output, a line out of service), back into the
+    // job tables and saved into the data group `group`. The save-back's outcome is kept:
+    // on this server it stops at the transformers, as designed.
+    bool ChangeAndSaveBack(const QString& group);
+    int saveBackResult() const { return m_saveBack; }
+    const QString& changedGenerator() const { return m_changedGen; }
+    const QString& lineTakenOut() const { return m_lineOut; }
 
     const QString& error() const { return m_error; }
     const std::vector<StepTime>& times() const { return m_times; }
@@ -57,6 +66,8 @@ private:
     SolveSummary m_solution;
     RecordCounts m_counts;
     double m_baseMva = 1.0;
+    int m_saveBack = -1;
+    QString m_changedGen, m_lineOut;
 };
 
 } // namespace demo

@@ -50,5 +50,15 @@ TEST_F(Study14, SolvedVoltagesMatchThePublishedSolution)
     ASSERT_EQ(g.select(q), 1);
     EXPECT_NEAR(g->Pg * study.basePower(), 232.4, 1.0);
     rtdb.commit();
+
+    // The results reach the result tables; the save-back stops at the transformers.
+    ASSERT_TRUE(study.StoreResults()) << study.error().toStdString();
+    EXPECT_EQ(Count("LFR_BS_R WHERE Case_No=0"), 14);
+    EXPECT_NEAR(Scalar("SELECT V FROM LFR_BS_R WHERE Bus_Name='B14'").toDouble(), 1.036, 0.002);
+    EXPECT_EQ(Count("LFR_ACLINE_R WHERE Case_No=0"), 17);
+    ASSERT_TRUE(study.ChangeAndSaveBack("NEW")) << study.error().toStdString();
+    EXPECT_EQ(study.saveBackResult(), 1);
+    EXPECT_EQ(Rows("SELECT ID_Name, Valid FROM CDB_ACLINEBAK WHERE GrpName='NEW'"),
+              (std::vector<std::string>{study.lineTakenOut().chopped(3).toStdString() + "|0"}));
     rtdb.close();
 }
