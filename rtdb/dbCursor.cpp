@@ -17,23 +17,15 @@ void dbAnyCursor::reportError(dbErrorClass error, const char* msg) const
 
 int dbAnyCursor::select()
 {
-    m_rows.clear();
-    m_pos = 0;
-    m_selectedIn = m_table.getDatabase();
-    if (!m_selectedIn) {
-        reportError(dbDatabaseOpenError, "select on a table of no database");
-        return 0;
-    }
-    if (!m_selectedIn->selectRows(m_table, nullptr, m_rows)) {
-        return 0;
-    }
-    if (!m_rows.empty()) {
-        fetch();
-    }
-    return static_cast<int>(m_rows.size());
+    return selectWith(nullptr);
 }
 
 int dbAnyCursor::select(dbQuery& query, void*)
+{
+    return selectWith(&query);
+}
+
+int dbAnyCursor::selectWith(dbQuery* query)
 {
     m_rows.clear();
     m_pos = 0;
@@ -42,7 +34,7 @@ int dbAnyCursor::select(dbQuery& query, void*)
         reportError(dbDatabaseOpenError, "select on a table of no database");
         return 0;
     }
-    if (!m_selectedIn->selectRows(m_table, &query, m_rows)) {
+    if (!m_selectedIn->selectRows(m_table, query, m_rows)) {
         return 0;
     }
     if (!m_rows.empty()) {

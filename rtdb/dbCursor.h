@@ -45,6 +45,7 @@ public:
     dbDatabase* getDatabase() const { return m_table.getDatabase(); }
 
 protected:
+    int selectWith(dbQuery* query); // all records when null
     void reportError(dbErrorClass error, const char* msg) const;
 
     dbTableDescriptor& m_table;

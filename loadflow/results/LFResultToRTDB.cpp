@@ -167,103 +167,80 @@ int CLFResultDataTransfer::ImportSCR_RDataToRTDB()
                        [](CLFResultDataTransfer* t, char* n, int b) { t->UpdateNdBsNo(n, b); });
 }
 
-int CLFResultDataTransfer::ImportPCR_RDataToRTDB()
+// Shunts, generators and loads: one node each, and the same topology columns after their
+// two values.
+template <class T, class Values>
+static int importOneEnded(CLFResultDataTransfer* self, QSqlDatabase* db, const QByteArray& sql,
+                          const char* message, bool topology, Values values,
+                          void (*updateNode)(CLFResultDataTransfer*, char*, int))
 {
-    CRunTimeLog frame("ImportPCR_RDataToRTDB");
-    QSqlQuery q(*m_pDB);
-    if (!runSelect(
-            m_pDB, q,
-            FormatText(m_bOptimal ? SQL_PCR_OPFR : SQL_PCR_LFR, table("PCR").constData(), m_caseNo),
-            MSG_Q_PCR)) {
+    QSqlQuery q(*db);
+    if (!runSelect(db, q, sql, message)) {
         return CALC_FAIL;
     }
     char id[kNameSize];
     while (q.next()) {
-        dbCursor<cp> cursor(dbCursorForUpdate);
+        dbCursor<T> cursor(dbCursorForUpdate);
         dbQuery query;
         recordId(id, q.value(0), "");
         query = "id=", static_cast<const char*>(id);
         if (cursor.select(query) < 1) {
             continue;
         }
-        cursor->Pi = real(q, 1);
-        cursor->Qi = real(q, 2);
-        if (topology()) {
+        values(*cursor, q);
+        if (topology) {
             cursor->ibs = q.value(3).toInt();
             cursor->q = q.value(4).toUInt();
             cursor->topflags = q.value(5).toUInt();
             QByteArray node = bytes(q.value(6));
-            UpdateNdBsNo(node.data(), cursor->ibs);
+            updateNode(self, node.data(), cursor->ibs);
         }
         cursor.update();
     }
     return CALC_OK;
+}
+
+int CLFResultDataTransfer::ImportPCR_RDataToRTDB()
+{
+    CRunTimeLog frame("ImportPCR_RDataToRTDB");
+    return importOneEnded<cp>(
+        this, m_pDB,
+        FormatText(m_bOptimal ? SQL_PCR_OPFR : SQL_PCR_LFR, table("PCR").constData(), m_caseNo),
+        MSG_Q_PCR, topology(),
+        [](cp& r, const QSqlQuery& q) {
+            r.Pi = real(q, 1);
+            r.Qi = real(q, 2);
+        },
+        [](CLFResultDataTransfer* t, char* n, int b) { t->UpdateNdBsNo(n, b); });
 }
 
 int CLFResultDataTransfer::ImportGen_RDataToRTDB()
 {
     CRunTimeLog frame("ImportGen_RDataToRTDB");
-    QSqlQuery q(*m_pDB);
-    if (!runSelect(
-            m_pDB, q,
-            FormatText(m_bOptimal ? SQL_GEN_OPFR : SQL_GEN_LFR, table("GEN").constData(), m_caseNo),
-            MSG_Q_GEN)) {
-        return CALC_FAIL;
-    }
-    char id[kNameSize];
-    while (q.next()) {
-        dbCursor<un> cursor(dbCursorForUpdate);
-        dbQuery query;
-        recordId(id, q.value(0), "");
-        query = "id=", static_cast<const char*>(id);
-        if (cursor.select(query) < 1) {
-            continue;
-        }
-        cursor->Pg = real(q, 1);
-        cursor->Qg = real(q, 2);
-        if (topology()) {
-            cursor->ibs = q.value(3).toInt();
-            cursor->q = q.value(4).toUInt();
-            cursor->topflags = q.value(5).toUInt();
-            QByteArray node = bytes(q.value(6));
-            UpdateNdBsNo(node.data(), cursor->ibs);
-        }
-        cursor.update();
-    }
-    return CALC_OK;
+    return importOneEnded<un>(
+        this, m_pDB,
+        FormatText(m_bOptimal ? SQL_GEN_OPFR : SQL_GEN_LFR, table("GEN").constData(), m_caseNo),
+        MSG_Q_GEN, topology(),
+        [](un& r, const QSqlQuery& q) {
+            r.Pg = real(q, 1);
+            r.Qg = real(q, 2);
+        },
+        [](CLFResultDataTransfer* t, char* n, int b) { t->UpdateNdBsNo(n, b); });
 }
 
 int CLFResultDataTransfer::ImportLoad_RDataToRTDB()
 {
     CRunTimeLog frame("ImportLoad_RDataToRTDB");
-    QSqlQuery q(*m_pDB);
-    if (!runSelect(m_pDB, q,
-                   FormatText(m_bOptimal ? SQL_LOAD_OPFR : SQL_LOAD_LFR, table("LOAD").constData(),
-                              m_caseNo),
-                   MSG_Q_LOAD)) {
-        return CALC_FAIL;
-    }
-    char id[kNameSize];
-    while (q.next()) {
-        dbCursor<ld> cursor(dbCursorForUpdate);
-        dbQuery query;
-        recordId(id, q.value(0), "");
-        query = "id=", static_cast<const char*>(id);
-        if (cursor.select(query) < 1) {
-            continue;
-        }
-        cursor->Pl = real(q, 1);
-        cursor->Ql = real(q, 2);
-        if (topology()) {
-            cursor->ibs = q.value(3).toInt();
-            cursor->q = q.value(4).toUInt();
-            cursor->topflags = q.value(5).toUInt();
-            QByteArray node = bytes(q.value(6));
-            UpdateNdBsNo(node.data(), cursor->ibs);
-        }
-        cursor.update();
-    }
-    return CALC_OK;
+    return importOneEnded<ld>(
+        this, m_pDB,
+        FormatText(m_bOptimal ? SQL_LOAD_OPFR : SQL_LOAD_LFR, table("LOAD").constData(),
+                   m_caseNo),
+        MSG_Q_LOAD, topology(),
+        [](ld& r, const QSqlQuery& q) {
+            r.Pl = real(q, 1);
+            r.Ql = real(q, 2);
+        },
+        [](CLFResultDataTransfer* t, char* n, int b) { t->UpdateNdBsNo(n, b); });
 }
 
 // Two-winding transformers and phase shifters: the record is xf, the suffix differs.
