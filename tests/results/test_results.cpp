@@ -336,3 +336,61 @@ TEST(SwitchFlow, KirchhoffOnAChainAndNothingThroughALoopSwitch)
     rtdb.commit();
     rtdb.close();
 }
+
+TEST_F(Results, ThreeWindingRowsFoldTheirWindingsAndSkipDeadTransformers)
+{
+    kv k;
+    k.id = "K";
+    Put(k);
+    const char* nodes[] = {"NS", "N1", "N2", "N3"};
+    for (int i = 0; i < 4; ++i) {
+        nd n;
+        n.id = nodes[i];
+        n.ibs = i + 1;
+        Put(n);
+        bs b;
+        b.id = i + 1;
+        b.name = nodes[i];
+        b.V = 1.0 + 0.01 * i;
+        Put(b);
+    }
+    // T1: the first winding dead, the star bus taken from the second. T2: all dead.
+    auto winding = [](const char* id, const char* j, int no, float pi, float pj, unsigned top,
+                      int ibs) {
+        xf w;
+        w.id = id;
+        w.type = 3;
+        w.I_Name = "NS";
+        w.J_Name = j;
+        w.ID_No = no;
+        w.Pi = pi;
+        w.Pj = pj;
+        w.Tk = 1.0f;
+        w.Rate_MVA = 100.0f * no;
+        w.topflags = top;
+        w.ibs = ibs;
+        w.zbs = no + 1;
+        w.ST = "s";
+        Put(w);
+    };
+    winding("T1_3w1", "N1", 1, 0.5f, 0.25f, XF_TOP_INVALID, 9);
+    winding("T1_3w2", "N2", 2, -0.25f, -0.5f, 0, 1);
+    winding("T1_3w3", "N3", 3, 0.125f, 0.0f, 0, 1);
+    winding("T2_3w1", "N1", 1, 1, 1, XF_TOP_INVALID, 1);
+    winding("T2_3w2", "N2", 2, 1, 1, XF_TOP_INVALID, 1);
+    winding("T2_3w3", "N3", 3, 1, 1, XF_TOP_INVALID, 1);
+    m_rtdb.commit();
+    StartStatementLog();
+    CLFResultDataTransfer out(6, db(), &m_rtdb, false, 0);
+    EXPECT_EQ(out.ImportRTDBDataToLFResultDB(), 0);
+    EXPECT_EQ(Rows("SELECT ID_Name, Name_N, P1, DP1, V1, Rate_MVA1, P2, DP2, V2, Rate_MVA2, P3, "
+                   "V3, z3bs, ibs FROM LFR_T3W_R WHERE Case_No=6"),
+              (std::vector<std::string>{"T1|NS|0|0|0|100|-0.5|0.25|1.02|200|0|1.03|4|1"}));
+    bool row = false;
+    for (const std::string& s : SentStatements()) {
+        row = row || s.find("(6,'T1','NS',0.000000,'s','N1',1,0.000000,0.000000,0.000000,"
+                            "0.000000,1.000000,0.000000,0.000000,0.000000,0.000000,100.000000,"
+                            "2,0,4,'N2',2,") != std::string::npos;
+    }
+    EXPECT_TRUE(row) << "a dead winding writes zeros, its Tk and its rating";
+}
