@@ -110,7 +110,10 @@ int CLFResultDataTransfer::ImportRTDBToBs_R()
     Batch b(m_pDB, t, m_bOptimal ? FLD_BS : FLD_BS_LFR);
     do {
         const bs& r = *cursor;
-        const SKV& k = (*m_pKVList)[r.ikv]; // no bounds test, as designed
+        // The design indexes the list with ikv unchecked; a number outside it gives an
+        // empty level here instead of a read outside the list.
+        static const SKV none = {0, "", 0, 0, 0};
+        const SKV& k = r.ikv >= 0 && r.ikv < m_pKVList->size() ? (*m_pKVList)[r.ikv] : none;
         QByteArray row = FormatText("%d,'%s',%12.9f,%12.6f,'%s',%d,%f,%f,%f ", m_caseNo, r.name,
                                     r.V, r.Angle, k.KV, k.Zone_No, k.Base_kV, k.Vmax_kV, k.Vmin_kV);
         if (!m_bOptimal) {

@@ -7,6 +7,8 @@
 #include "records/NetworkRecords.h"
 #include "records/RecordFlags.h"
 
+#include <limits>
+
 using namespace dtsdb;
 using testsupport::DbTest;
 
@@ -393,4 +395,55 @@ TEST_F(Results, ThreeWindingRowsFoldTheirWindingsAndSkipDeadTransformers)
                             "2,0,4,'N2',2,") != std::string::npos;
     }
     EXPECT_TRUE(row) << "a dead winding writes zeros, its Tk and its rating";
+}
+
+TEST_F(Results, OptimalAndValuesOnlyModesAndRowsTheServerRefuses)
+{
+    SmallNetwork();
+    {
+        // An infinite power on the one live line: its batch is refused, the driver goes on.
+        dbCursor<ln> c(dbCursorForUpdate);
+        dbQuery q;
+        q = "id=", "L1_ac";
+        ASSERT_EQ(c.select(q), 1);
+        c->Pi = std::numeric_limits<float>::infinity();
+        c.update();
+        dbCursor<bs> b(dbCursorForUpdate);
+        q = "id=", 2;
+        ASSERT_EQ(b.select(q), 1);
+        b->ikv = 7; // outside the list of levels
+        b.update();
+    }
+    m_rtdb.commit();
+    CLFResultDataTransfer opt(5, db(), &m_rtdb, true, 0);
+    EXPECT_EQ(opt.ImportRTDBDataToLFResultDB(), 0);
+    EXPECT_TRUE(feedback().has("交流线结果数据回存到结果库发生错误，可能存在正序阻抗为0的线路导致"
+                               "功率无穷大,\n请数据检查后再计算！",
+                               2));
+    EXPECT_EQ(Count("OPFR_ACLINE_R WHERE Case_No=5"), 0);
+    EXPECT_EQ(Rows("SELECT Bus_Name, KV, Base_kV FROM OPFR_BS_R WHERE Case_No=5 ORDER BY "
+                   "Bus_Name"),
+              (std::vector<std::string>{"B0|K220|220", "B1|K220|220", "B2||0"}))
+        << "a level number outside the list gives an empty level";
+    EXPECT_EQ(Rows("SELECT ID_Name, Pg FROM OPFR_GEN_R WHERE Case_No=5"),
+              (std::vector<std::string>{"G1|0.75"}));
+
+    // Mode 2 brings values back and leaves the topology words alone; bs in place by id.
+    Exec("DELETE FROM LFR_GEN_R");
+    Exec("DELETE FROM LFR_BS_R");
+    Exec("INSERT INTO LFR_GEN_R(Case_No, ID_Name, Pg, Qg, ibs, q, topflags, Bus_Name) VALUES "
+         "(8, 'G1', 0.3, 0.2, 5, 99, 99, 'N1')");
+    Exec("INSERT INTO LFR_BS_R(Case_No, Bus_Name, V, Angle, ibs) VALUES (8, 'X', 0.97, -1, 1)");
+    CLFResultDataTransfer values(8, db(), &m_rtdb, false, 2);
+    EXPECT_EQ(values.ImportLFResultDataToRTDB(), 0);
+    const un g = Fetch<un>("G1");
+    EXPECT_FLOAT_EQ(g.Pg, 0.3f);
+    EXPECT_EQ(g.ibs, 1);
+    EXPECT_EQ(g.q, 0u);
+    dbCursor<bs> b;
+    dbQuery q;
+    q = "id=", 1;
+    ASSERT_EQ(b.select(q), 1);
+    EXPECT_DOUBLE_EQ(b->V, 0.97);
+    EXPECT_STREQ(b->name, "B1") << "updated in place, not rebuilt";
 }

@@ -1,0 +1,173 @@
+// Load-flow results of a network of N buses (N nodes, 1.5 N lines, 0.3 N generators,
+// 0.5 N loads in the records) written to the result tables and read back, against the
+// private MariaDB; and, for comparison, the same line rows by plain multi-row inserts.
+
+#include "ServerConnection.h"
+#include "common/SQLMultiInsert.h"
+#include "loadflow/results/LFResultDataTransfer.h"
+#include "records/NetworkRecords.h"
+
+#include <QCoreApplication>
+#include <QSqlQuery>
+#include <benchmark/benchmark.h>
+#include <string>
+#include <vector>
+
+using namespace dtsdb;
+
+namespace {
+
+struct Net {
+    std::vector<std::string> names;
+};
+
+void Fill(dbDatabase& db, int n, Net& net)
+{
+    net.names.clear();
+    for (int i = 0; i < n; ++i) {
+        net.names.push_back("N" + std::to_string(i));
+    }
+    for (int i = 0; i < n; ++i) {
+        nd d;
+        d.id = net.names[i].c_str();
+        d.ibs = i;
+        db.insertRecord(&nd::dbDescriptor, nullptr, &d);
+        bs b;
+        b.id = i;
+        b.name = d.id;
+        b.V = 1.0 - 0.00001 * (i % 100);
+        b.Angle = -0.01 * (i % 500);
+        db.insertRecord(&bs::dbDescriptor, nullptr, &b);
+        bus p;
+        p.id = d.id;
+        p.nd = d.id;
+        p.KV = "K220";
+        p.ibs = i;
+        db.insertRecord(&bus::dbDescriptor, nullptr, &p);
+    }
+    kv k;
+    k.id = "K220";
+    k.Base_kV = 220;
+    db.insertRecord(&kv::dbDescriptor, nullptr, &k);
+    std::string id;
+    for (int i = 0; i < n * 3 / 2; ++i) {
+        ln l;
+        id = "L" + std::to_string(i) + "_ac";
+        l.id = id.c_str();
+        l.lntype = 1;
+        l.I_Name = net.names[i % n].c_str();
+        l.J_Name = net.names[(i * 7 + 1) % n].c_str();
+        l.Zone = "1";
+        l.Pi = 0.1f * (i % 13);
+        l.Pj = -l.Pi;
+        db.insertRecord(&ln::dbDescriptor, nullptr, &l);
+    }
+    for (int i = 0; i < n * 3 / 10; ++i) {
+        un g;
+        id = "G" + std::to_string(i);
+        g.id = id.c_str();
+        g.Bus_Name = net.names[(i * 3) % n].c_str();
+        g.Pg = 1.5f;
+        db.insertRecord(&un::dbDescriptor, nullptr, &g);
+    }
+    for (int i = 0; i < n / 2; ++i) {
+        ld l;
+        id = "D" + std::to_string(i);
+        l.id = id.c_str();
+        l.Bus_Name = net.names[(i * 2) % n].c_str();
+        l.Pl = 0.5f;
+        db.insertRecord(&ld::dbDescriptor, nullptr, &l);
+    }
+    db.commit();
+}
+
+int RowCount(QSqlDatabase* db)
+{
+    QSqlQuery q(*db);
+    int rows = 0;
+    for (const char* t : {"LFR_BS_R", "LFR_BUS_R", "LFR_ACLINE_R", "LFR_GEN_R", "LFR_LOAD_R"}) {
+        q.exec(QString("SELECT COUNT(*) FROM %1").arg(t));
+        rows += q.next() ? q.value(0).toInt() : 0;
+    }
+    return rows;
+}
+
+void BM_WriteResults(benchmark::State& state)
+{
+    fixtures::ScratchDatabase scratch(QStringLiteral("benchres"));
+    dbDatabase rtdb;
+    rtdb.open("bench");
+    Net net;
+    Fill(rtdb, static_cast<int>(state.range(0)), net);
+    int rows = 0;
+    for (auto _ : state) {
+        CLFResultDataTransfer out(1, scratch.db(), &rtdb, false, 0);
+        out.ImportRTDBDataToLFResultDB();
+        rtdb.commit();
+        state.PauseTiming();
+        rows = RowCount(scratch.db());
+        state.ResumeTiming();
+    }
+    state.counters["rows"] = rows;
+    state.counters["rows_per_s"] = benchmark::Counter(rows * double(state.iterations()),
+                                                      benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_WriteResults)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
+
+void BM_ReadResultsBack(benchmark::State& state)
+{
+    fixtures::ScratchDatabase scratch(QStringLiteral("benchres"));
+    dbDatabase rtdb;
+    rtdb.open("bench");
+    Net net;
+    Fill(rtdb, static_cast<int>(state.range(0)), net);
+    CLFResultDataTransfer out(1, scratch.db(), &rtdb, false, 0);
+    out.ImportRTDBDataToLFResultDB();
+    rtdb.commit();
+    const int rows = RowCount(scratch.db());
+    for (auto _ : state) {
+        CLFResultDataTransfer in(1, scratch.db(), &rtdb, false, 0);
+        in.ImportLFResultDataToRTDB();
+        rtdb.commit();
+    }
+    state.counters["records_per_s"] = benchmark::Counter(rows * double(state.iterations()),
+                                                         benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_ReadResultsBack)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
+
+// The best this connection does: line rows of the same width, preformatted, batch 100 or 1,000.
+void BM_PlainMultiInsert(benchmark::State& state)
+{
+    fixtures::ScratchDatabase scratch(QStringLiteral("benchres"));
+    const int n = 150000;
+    std::vector<QByteArray> rows;
+    for (int i = 0; i < n; ++i) {
+        rows.push_back(QByteArray("1,'L") + QByteArray::number(i) +
+                       "','N1','N2',1,0.500000,0.100000,-0.490000,-0.080000,0.010000,0.020000,"
+                       "1.020000,0.980000,0.000000,-3.500000,7,1.500000,100.000000,1,2,16,0");
+    }
+    for (auto _ : state) {
+        QSqlQuery(*scratch.db()).exec("DELETE FROM LFR_ACLINE_R");
+        SQLMultiInsert ins(scratch.db(), static_cast<int>(state.range(0)));
+        ins.SetTableName("LFR_ACLINE_R");
+        ins.SetFldNamelst("Case_No,ID_Name,I_Name,J_Name,ID_No,Pi,Qi,Pj,Qj,Qci,Qcj,Vi,Vj,Anglei,"
+                          "Anglej,Zone_No,Rate_kA,Up_Limit,ibs,zbs,q,topflags");
+        for (const QByteArray& r : rows) {
+            ins.AddRecord(r);
+        }
+        ins.exec();
+    }
+    state.counters["rows_per_s"] =
+        benchmark::Counter(n * double(state.iterations()), benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_PlainMultiInsert)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
