@@ -17,7 +17,8 @@ using namespace dtsdb;
 
 namespace {
 
-struct Net {
+struct Net
+{
     std::vector<std::string> names;
 };
 
@@ -109,10 +110,15 @@ void BM_WriteResults(benchmark::State& state)
         state.ResumeTiming();
     }
     state.counters["rows"] = rows;
-    state.counters["rows_per_s"] = benchmark::Counter(rows * double(state.iterations()),
-                                                      benchmark::Counter::kIsRate);
+    state.counters["rows_per_s"] =
+        benchmark::Counter(rows * double(state.iterations()), benchmark::Counter::kIsRate);
 }
-BENCHMARK(BM_WriteResults)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
+BENCHMARK(BM_WriteResults)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(2)
+    ->UseRealTime();
 
 void BM_ReadResultsBack(benchmark::State& state)
 {
@@ -130,10 +136,15 @@ void BM_ReadResultsBack(benchmark::State& state)
         in.ImportLFResultDataToRTDB();
         rtdb.commit();
     }
-    state.counters["records_per_s"] = benchmark::Counter(rows * double(state.iterations()),
-                                                         benchmark::Counter::kIsRate);
+    state.counters["records_per_s"] =
+        benchmark::Counter(rows * double(state.iterations()), benchmark::Counter::kIsRate);
 }
-BENCHMARK(BM_ReadResultsBack)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
+BENCHMARK(BM_ReadResultsBack)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(2)
+    ->UseRealTime();
 
 // The best this connection does: line rows of the same width, preformatted, batch 100 or 1,000.
 void BM_PlainMultiInsert(benchmark::State& state)
@@ -160,7 +171,12 @@ void BM_PlainMultiInsert(benchmark::State& state)
     state.counters["rows_per_s"] =
         benchmark::Counter(n * double(state.iterations()), benchmark::Counter::kIsRate);
 }
-BENCHMARK(BM_PlainMultiInsert)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
+BENCHMARK(BM_PlainMultiInsert)
+    ->Arg(100)
+    ->Arg(1000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(2)
+    ->UseRealTime();
 
 } // namespace
 

@@ -263,3 +263,30 @@ TEST_F(JobTransfer, InvalidationClearsMarksAndForcesTopologyBitsOnlyWhenAsked)
     EXPECT_EQ(job.UpdateL2DataFromRTDB(), 0);
     EXPECT_EQ(Scalar("SELECT Valid FROM L2_1"), "0");
 }
+
+TEST_F(JobTransfer, OddJobRowsAreReportedOrTakenAsTheyStand)
+{
+    Put<un>("机组一二三四五六"); // 24 bytes
+    Put<un>("O'Neil");
+    Put<ld>("D1");
+    // An empty name, a name of multi-byte text, a quote, a Valid of 2.
+    Exec("INSERT INTO L5_1 (ID_Name, Valid, Pg) VALUES ('', 1, 0.1), ('机组一二三四五六', 2, 0.2), "
+         "('O''Neil', 1, 0.3)");
+    Exec("ALTER TABLE L6_1 DROP COLUMN Par_Group"); // a job table that lacks a column
+    CLFCalDataToRTDB job(1, db());
+    EXPECT_EQ(job.ImportLDataToRTDB(), 1);
+    Exec("ALTER TABLE L6_1 ADD COLUMN Par_Group INT DEFAULT 0 AFTER Pmin");
+    EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{
+                                       "负荷计算数据导入实时数据库发生错误！",
+                                       "实时数据库中没有id为''的发电机数据！",
+                                   }));
+    const un g = Fetch<un>("机组一二三四五六");
+    EXPECT_EQ(g.q, UN_INJOB) << "a Valid of 2 is in service: only 0 is out";
+    EXPECT_FLOAT_EQ(g.Pg, 0.2f);
+    EXPECT_FLOAT_EQ(Fetch<un>("O'Neil").Pg, 0.3f) << "a quote is plain text on the way in";
+    // On the way back the quote breaks the statement: a warning, that family stops.
+    EXPECT_EQ(job.UpdateL5DataFromRTDB(), 1);
+    ASSERT_EQ(boxes().boxes().size(), 1u);
+    EXPECT_EQ(boxes().boxes()[0].text.toStdString(),
+              "实时数据库数据更新发电机计算数据表发生错误！");
+}
