@@ -61,6 +61,8 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         return b && b->baseKV > 0 ? b->baseKV * b->baseKV / sb : 0.0;
     };
     const QByteArray grp = text(group);
+    const QByteArray oldGrp = text(group + "_OLD");
+    const QByteArray altGrp = text(group + "_ALT");
     auto node = [](int k) { return text(QString("N%1").arg(k)); };
 
     if (!exec("DELETE FROM CDB_SBBAK") ||
@@ -105,13 +107,22 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
     }
     Rows gens(db, "CDB_GENERATBAK",
               "GrpName,ID_Name,Valid,Node_Name,Mode_Ctrl,Unit,Pg,Qg,V0,Angle,Qmax,Qmin,Pmax,Pmin");
+    Rows breakers(db, "CDB_BREAKERBAK", "GrpName,ID_Name,Valid,Lbreak,I_Name,J_Name,ID_No");
+    Rows isolators(db, "CDB_ISOSWITCHBAK", "GrpName,ID_Name,Valid,Lbreak,I_Name,J_Name,ID_No");
     int g = 0;
     for (const Gen& gen : net.gens) {
         const Bus* b = busOf.count(gen.bus) ? busOf[gen.bus] : nullptr;
         const bool named = b && b->baseKV > 0;
         const double f = named ? 1.0 : 1.0 / sb;
         const int mode = !b ? 0 : b->type == 3 ? 2 : b->type == 2 ? 1 : 0;
-        gens.add({grp, text(QString("G%1").arg(++g)), QByteArray::number(gen.status), node(gen.bus),
+        ++g;
+        // The generator's own node, on its bus, behind a breaker and a switch in parallel.
+        const QByteArray own = text(QString("N%1G").arg(g));
+        nodes.add({own, text(QString("B%1").arg(gen.bus)), "0", num(b ? b->baseKV : 0),
+                   text(QString("S%1").arg(gen.bus))});
+        breakers.add({grp, text(QString("K%1").arg(g)), "1", "1", node(gen.bus), own, "1"});
+        isolators.add({grp, text(QString("Q%1").arg(g)), "1", "1", node(gen.bus), own, "1"});
+        gens.add({grp, text(QString("G%1").arg(g)), QByteArray::number(gen.status), own,
                   QByteArray::number(mode), named ? "0" : "1", num(gen.pgMW * f),
                   num(gen.qgMVAr * f), num(named ? gen.vg * b->baseKV : gen.vg),
                   num(b && b->type == 3 ? b->vaDeg : 0.0), num(gen.qmax * f), num(gen.qmin * f),
@@ -131,9 +142,22 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         const bool named = z > 0;
         const double f = named ? z : 1.0;
         if (!br.transformer) {
-            lines.add({grp, text(QString("L%1").arg(k)), QByteArray::number(br.status),
-                       node(br.from), node(br.to), "1", "1", "1", named ? "0" : "1", num(br.r * f),
-                       num(br.x * f), num(named ? br.b / 2 / z * 1e6 : br.b / 2), "1"});
+            // Even lines in named units where there is a base voltage, odd ones per unit.
+            const bool inOhms = named && k % 2 == 0;
+            const double g = inOhms ? z : 1.0;
+            auto line = [&](const QByteArray& group, double rFactor) {
+                lines.add({group, text(QString("L%1").arg(k)), QByteArray::number(br.status),
+                           node(br.from), node(br.to), "1", "1", "1", inOhms ? "0" : "1",
+                           num(br.r * g * rFactor), num(br.x * g),
+                           num(inOhms ? br.b / 2 / z * 1e6 : br.b / 2), "1"});
+            };
+            line(grp, 1.0);
+            if (k % 10 == 0) {
+                line(oldGrp, 2.0); // a lower level: overridden by the group's row
+            }
+            if (k % 5 == 0) {
+                line(altGrp, 3.0); // a group outside the scheme
+            }
         } else if (br.angleDeg == 0) {
             t2w.add({grp, text(QString("T%1").arg(k)), QByteArray::number(br.status), node(br.from),
                      node(br.to), "1", named ? "0" : "1", num(br.r * f), num(br.x * f), "0", "0",
@@ -145,19 +169,23 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
                        num(br.angleDeg)});
         }
     }
-    for (Rows* r :
-         {&buses, &nodes, &stations, &zoneRows, &loads, &shunts, &gens, &lines, &t2w, &shift}) {
+    for (Rows* r : {&buses, &nodes, &stations, &zoneRows, &loads, &shunts, &gens, &breakers,
+                    &isolators, &lines, &t2w, &shift}) {
         if (!r->flush()) {
             error = "a batch of rows was refused";
             return false;
         }
     }
+    // The group at level 2 overrides its older copies at level 1; the third group is not
+    // part of the scheme.
     if (!exec("INSERT INTO CDB_DATAGROUPBAK(GrpName) VALUES (" + QString::fromLocal8Bit(grp) +
+              "), (" + QString::fromLocal8Bit(oldGrp) + "), (" + QString::fromLocal8Bit(altGrp) +
               ")") ||
         !exec("INSERT INTO CDB_SCHEMEINFBAK(SchName) VALUES (" +
               QString::fromLocal8Bit(text(scheme)) + ")") ||
         !exec("INSERT INTO CDB_SCHEMECONTBAK(IDSch, GrpName, Nlever) VALUES (LAST_INSERT_ID(), " +
-              QString::fromLocal8Bit(grp) + ", 1)")) {
+              QString::fromLocal8Bit(grp) + ", 2), (LAST_INSERT_ID(), " +
+              QString::fromLocal8Bit(oldGrp) + ", 1)")) {
         return false;
     }
     return true;

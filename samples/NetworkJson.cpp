@@ -5,6 +5,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <algorithm>
 
 namespace samples {
 
@@ -91,6 +92,7 @@ Network MakeSyntheticNetwork(int nodes, unsigned seed)
         state = state * 1664525u + 1013904223u;
         return (state >> 8) / double(1u << 24);
     };
+    auto hasGen = [](int k) { return k % 10 == 1 || k % 10 == 4 || k % 10 == 7; };
     for (int k = 1; k <= nodes; ++k) {
         Bus b;
         b.num = k;
@@ -98,9 +100,9 @@ Network MakeSyntheticNetwork(int nodes, unsigned seed)
         b.zone = 1 + (k - 1) / 1000;
         b.vmax = 1.1;
         b.vmin = 0.9;
-        if (k % 10 != 1) {
-            b.pdMW = 5 + 10 * rnd();
-            b.qdMVAr = 1 + 3 * rnd();
+        if (k % 2 == 0) {
+            b.pdMW = 10 + 20 * rnd();
+            b.qdMVAr = 2 + 6 * rnd();
         }
         if (k % 50 == 0) {
             b.bsMVAr = 5; // a capacitor bank
@@ -111,19 +113,26 @@ Network MakeSyntheticNetwork(int nodes, unsigned seed)
     for (const Bus& b : net.buses) {
         load += b.pdMW;
     }
-    const int gens = (nodes + 9) / 10;
-    for (int g = 0; g < gens; ++g) {
+    int gens = 0;
+    for (int k = 1; k <= nodes; ++k) {
+        gens += hasGen(k) ? 1 : 0;
+    }
+    for (int k = 1; k <= nodes; ++k) {
+        if (!hasGen(k)) {
+            continue;
+        }
         Gen gen;
-        gen.bus = 1 + 10 * g;
+        gen.bus = k;
         gen.pgMW = load / gens;
         gen.vg = 1.02;
         gen.qmax = 300;
         gen.qmin = -100;
         gen.pmax = 2 * load / gens;
-        net.buses[gen.bus - 1].type = g == 0 ? 3 : 2;
+        net.buses[k - 1].type = net.gens.empty() ? 3 : 2;
         net.gens.push_back(gen);
     }
-    // A ring, cross ties every seventh bus, and transformers in the ring every 25 buses.
+    // A ring (every fifth link a transformer), cross ties every third bus, and long ties
+    // across the ring that keep the voltages up.
     for (int k = 1; k <= nodes; ++k) {
         Branch br;
         br.from = k;
@@ -131,14 +140,14 @@ Network MakeSyntheticNetwork(int nodes, unsigned seed)
         br.r = 0.002 + 0.002 * rnd();
         br.x = 0.01 + 0.01 * rnd();
         br.b = 0.02;
-        if (k % 25 == 0) {
+        if (k % 5 == 0) {
             br.transformer = true;
             br.ratio = 1.0;
             br.b = 0;
         }
         net.branches.push_back(br);
     }
-    for (int k = 1; k + 7 <= nodes; k += 7) {
+    for (int k = 1; k + 7 <= nodes; k += 2) {
         Branch br;
         br.from = k;
         br.to = k + 7;
@@ -148,7 +157,7 @@ Network MakeSyntheticNetwork(int nodes, unsigned seed)
         net.branches.push_back(br);
     }
     for (int k = 1; k + nodes / 2 <= nodes; k += std::max(1, nodes / 20)) {
-        Branch br; // long ties across the ring keep the voltages up
+        Branch br;
         br.from = k;
         br.to = k + nodes / 2;
         br.r = 0.003;

@@ -55,15 +55,25 @@ struct Network
 // Reads a network file in the JSON form of the IEEE samples. False with `error` set.
 bool ReadNetworkJson(const QString& path, Network& net, QString& error);
 
-// A connected meshed network of `nodes` buses (at least 3), the same for the same seed:
-// a ring with cross ties, a generator at every tenth bus (the first is the slack), loads
-// at most buses, a transformer every 25 buses, a shunt every 50.
+// A connected meshed network of `nodes` buses (at least 3), the same for the same seed,
+// in the proportions of a real grid per bus: about 1.5 branches (a ring, cross ties and
+// long ties; every fifth ring branch a transformer, so 0.2), 0.3 generators (the first
+// the slack), 0.5 loads, a shunt every 50 buses; each generator brings two switches.
 Network MakeSyntheticNetwork(int nodes, unsigned seed = 1);
 
 // Writes the network into the working copies (the BAK tables) as data group `group`,
-// selected by scheme `scheme` at level 1, with the base power. Rows are stored per unit
-// (Unit 1) when a bus has no base voltage, else in named units (Unit 0). False with
-// `error` set when a statement fails.
+// selected by scheme `scheme` at level 2, with the base power, so that extracting the
+// scheme gives back exactly this network. To exercise what a real base database holds,
+// the rows are spread as follows:
+//  - every tenth line also stands, with its resistance doubled, in a group "<group>_OLD"
+//    of level 1 of the scheme under a lower id, and its right values win by the tie of
+//    ids; and every fifth line also stands, spoiled, in "<group>_ALT", which the scheme
+//    does not name;
+//  - every generator stands on a node of its own ("N<k>G"), joined to its bus's node by
+//    a closed breaker "K<k>" and a closed isolating switch "Q<k>" in parallel;
+//  - rows are stored per unit (Unit 1) when a bus has no base voltage, else in named units
+//    (Unit 0) for even-numbered lines and per unit for odd ones.
+// False with `error` set when a statement fails.
 bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& group,
                           const QString& scheme, QString& error);
 

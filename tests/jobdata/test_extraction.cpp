@@ -70,11 +70,17 @@ TEST_F(Extraction, PerUnitSampleArrivesUnchangedWithCountsAndMessages)
     EXPECT_DOUBLE_EQ(job.BasePower(), 100.0);
     EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
 
-    // 20 branches: 17 lines and 3 transformers; bus 9's capacitor is a shunt row of L2.
+    // 20 branches: 17 lines and 3 transformers; bus 9's capacitor is a shunt row of L2;
+    // 14 bus nodes and 5 generator nodes; 10 switches, two for each generator.
     EXPECT_EQ(Rows("SELECT Nbus, Ngenerat, Nload, Nacline, Ndcline, Ntrans FROM LF_CASE WHERE "
                    "Case_No=0"),
-              (std::vector<std::string>{"14|5|11|18|0|3"}));
-    EXPECT_EQ(Count("L1_0"), 14);
+              (std::vector<std::string>{"19|5|11|18|0|3"}));
+    EXPECT_EQ(Count("L1_0"), 19);
+    EXPECT_EQ(Rows("SELECT Ntype, COUNT(*) FROM LK_0 GROUP BY Ntype"),
+              (std::vector<std::string>{"1|5", "2|5"}));
+    // Line 20 also stands, spoiled, in a lower group and in a group outside the scheme.
+    EXPECT_EQ(Count("CDB_ACLINEBAK WHERE ID_Name='L20'"), 3);
+    EXPECT_EQ(Count("L2_0 WHERE ID_Name='L20'"), 1);
     EXPECT_EQ(Count("L2_0 WHERE Ntype=3"), 1);
     for (std::size_t k = 0; k < net.branches.size(); ++k) {
         const samples::Branch& br = net.branches[k];
@@ -95,7 +101,7 @@ TEST_F(Extraction, PerUnitSampleArrivesUnchangedWithCountsAndMessages)
     // Powers per unit on the base; the slack's generator marked by its control mode.
     EXPECT_NEAR(Value("SELECT Pg FROM L5_0 WHERE ID_Name='G1'"), 2.324, 1e-12);
     EXPECT_NEAR(Value("SELECT Pl FROM L6_0 WHERE Node_Name='N2'"), 0.217, 1e-12);
-    EXPECT_EQ(Scalar("SELECT Mode_Ctrl FROM L5_0 WHERE Node_Name='N1'"), "2");
+    EXPECT_EQ(Scalar("SELECT Mode_Ctrl FROM L5_0 WHERE ID_Name='G1'"), "2");
     EXPECT_EQ(feedback().texts(1),
               (std::vector<std::string>{"基础库数据抽取开始...", "基础库数据抽取完成。"}));
     EXPECT_TRUE(feedback().texts(2).empty());
@@ -106,16 +112,27 @@ TEST_F(Extraction, NamedUnitsAreConvertedByTheBusBaseVoltage)
     // The 30-bus case at 135 kV, stored in ohms, microsiemens, MW and kV.
     const samples::Network net = Load("ieee30.json");
     Write(net);
-    EXPECT_EQ(Count("CDB_ACLINEBAK WHERE Unit=0"), Count("CDB_ACLINEBAK"));
+    // Even lines in ohms, odd ones per unit; the right copy of line 10 is in ohms.
     const double zb = 135.0 * 135.0 / 100.0;
-    const double r1 = Value("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1'");
-    EXPECT_NEAR(r1, net.branches[0].r * zb, 1e-9);
+    EXPECT_NEAR(Value("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L2' AND Unit=0"),
+                net.branches[1].r * zb, 1e-9);
+    EXPECT_NEAR(Value("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1' AND Unit=1"),
+                net.branches[0].r, 1e-12);
 
     StartStatementLog();
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
     EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
-    EXPECT_NEAR(Value("SELECT R1 FROM L2_0 WHERE ID_Name='L1'"), net.branches[0].r, 1e-9);
-    EXPECT_NEAR(Value("SELECT B1_Half FROM L2_0 WHERE ID_Name='L1'"), net.branches[0].b / 2, 1e-9);
+    // Every line per unit as the published data, whichever unit and group it came from.
+    for (std::size_t k = 0; k < net.branches.size(); ++k) {
+        const QString id = QString("L%1").arg(k + 1);
+        EXPECT_NEAR(Value("SELECT R1 FROM L2_0 WHERE ID_Name='" + id + "'"), net.branches[k].r,
+                    1e-6)
+            << id.toStdString();
+        EXPECT_NEAR(Value("SELECT X1 FROM L2_0 WHERE ID_Name='" + id + "'"), net.branches[k].x,
+                    1e-6);
+        EXPECT_NEAR(Value("SELECT B1_Half FROM L2_0 WHERE ID_Name='" + id + "'"),
+                    net.branches[k].b / 2, 1e-6);
+    }
     EXPECT_NEAR(Value("SELECT Pg FROM L5_0 WHERE ID_Name='G2'"), net.gens[1].pgMW / 100, 1e-9);
     EXPECT_NEAR(Value("SELECT V0 FROM L5_0 WHERE ID_Name='G2'"), net.gens[1].vg, 1e-9);
     EXPECT_EQ(Scalar("SELECT Owner FROM L2_0 WHERE ID_Name='L1'"), "1") << "zone of the owner";
@@ -128,7 +145,7 @@ TEST_F(Extraction, NamedUnitsAreConvertedByTheBusBaseVoltage)
                     "FROM CDB_GENERATBAK b,CDB_SCHEMEINFBAK c,CDB_SCHEMECONTBAK a where "
                     "c.SchName='SCH' AND a.IDSch=c.ID AND b.GrpName=a.GrpName GROUP BY "
                     "b.ID_Name"));
-    EXPECT_TRUE(has("UPDATE LF_CASE SET Nbus=30,Ngenerat=6,Nload=20,Nacline=43,Ndcline=0,"
+    EXPECT_TRUE(has("UPDATE LF_CASE SET Nbus=36,Ngenerat=6,Nload=20,Nacline=43,Ndcline=0,"
                     "Ntrans=0 WHERE\tCase_No=0"))
         << "the counts, with the tab before Case_No";
 }
@@ -180,7 +197,7 @@ TEST_F(Extraction, AMissingJobTableIsReportedAndFailsTheRunWithoutStoppingIt)
     EXPECT_EQ(Count("L6_0 WHERE ID_Name='stale'"), 1)
         << "emptying stopped at the missing table, so the tables after it kept their rows";
     EXPECT_EQ(Count("L6_0"), 12);
-    EXPECT_EQ(Count("L1_0"), 14);
+    EXPECT_EQ(Count("L1_0"), 19);
     // A job other than 0 has its LF_CASE row made elsewhere: no row, no update, no word.
     feedback().clear();
     CLFCalDataTransfer other(5, kScheme, db(), nullptr);

@@ -121,17 +121,18 @@ TEST_F(SaveBack, GeneratorsCompareInTheBaseRowsOwnUnit)
 TEST_F(SaveBack, SwitchesIntoANewGroupAndThreeWindingOrphansCountOnce)
 {
     Exec("INSERT INTO CDB_BREAKERBAK(GrpName, ID_Name, Valid, Lbreak, I_Name, J_Name, ID_No) "
-         "VALUES ('G1', 'K1', 1, 1, 'N1', 'N2', 1)");
-    const QString id = Scalar("SELECT id FROM CDB_BREAKERBAK WHERE ID_Name='K1'");
+         "VALUES ('G1', 'KX', 1, 1, 'N1', 'N2', 1)");
+    const QString id = Scalar("SELECT id FROM CDB_BREAKERBAK WHERE ID_Name='KX'");
     Exec("INSERT INTO LK_0(Case_No, EleID, ID_Name, Valid, Lbreak, I_Name, J_Name, ID_No, Ntype) "
          "VALUES (0, " +
-         id + ", 'K1', 1, 0, 'N1', 'N2', 1, 1)");
+         id + ", 'KX', 1, 0, 'N1', 'N2', 1, 1)");
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
     CLFCalDataTransferFamilies::Prepare(job, "NEW", true);
     EXPECT_EQ(CLFCalDataTransferFamilies::Breakers(job), 0);
     EXPECT_EQ(job.Nswitch, 1);
-    EXPECT_EQ(Rows("SELECT GrpName, Lbreak FROM CDB_BREAKERBAK ORDER BY GrpName"),
-              (std::vector<std::string>{"G1|1", "NEW|0"}));
+    EXPECT_EQ(
+        Rows("SELECT GrpName, Lbreak FROM CDB_BREAKERBAK WHERE ID_Name='KX' ORDER BY GrpName"),
+        (std::vector<std::string>{"G1|1", "NEW|0"}));
 
     // Five orphan winding rows count as one element; the warning shows five.
     for (int k = 0; k < 5; ++k) {
