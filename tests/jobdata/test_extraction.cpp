@@ -236,3 +236,59 @@ TEST_F(Extraction, AThreeWindingTransformerGivesThreeRowsWithItsControlOnOneWind
     EXPECT_NEAR(Value("SELECT Tk FROM L3_0 WHERE Ntype=33"), 0.95, 1e-12);
     EXPECT_EQ(Scalar("SELECT Ntrans FROM LF_CASE WHERE Case_No=0"), "3");
 }
+
+TEST_F(Extraction, BadInputEndsWithTheDesignsMessagesAndLeavesTheBaseTablesAlone)
+{
+    Write(Load("ieee14.json"));
+    auto baseRows = [&] {
+        return Rows("SELECT COUNT(*), SUM(R1) FROM CDB_ACLINEBAK")[0] +
+               Rows("SELECT COUNT(*), SUM(Pg) FROM CDB_GENERATBAK")[0];
+    };
+    const std::string before = baseRows();
+
+    // A scheme name with a quote breaks the scheme statement of every family.
+    char quoted[] = "O'SCH";
+    CLFCalDataTransfer q(0, quoted, db(), nullptr);
+    EXPECT_EQ(q.ImportLDataFromBaseDB(), 1);
+    EXPECT_EQ(feedback().texts(2), std::vector<std::string>(6, "按计算方案抽取数据发生错误！"));
+    // A name of 40 characters is cut to 32 and matches nothing: empty job tables, no error.
+    feedback().clear();
+    char longName[] = "SCHxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx";
+    CLFCalDataTransfer l(0, longName, db(), nullptr);
+    EXPECT_EQ(l.ImportLDataFromBaseDB(), 0);
+    EXPECT_EQ(Count("L2_0"), 0);
+    EXPECT_TRUE(feedback().texts(2).empty());
+    // A job number without job tables: every family reports and fails, nothing crashes.
+    feedback().clear();
+    CLFCalDataTransfer none(99, kScheme, db(), nullptr);
+    EXPECT_EQ(none.ImportLDataFromBaseDB(), 1);
+    EXPECT_TRUE(feedback().has("L1_99表可能不存在, 导入计算数据发生错误！", 2));
+    EXPECT_TRUE(feedback().has("ImportL1DataFromBaseDB: 无法执行SQL语句 insert into L1_99(Case_No, "
+                               "EleID, Node_Name, Bus_Name, Zone_No, PS_Name, Base_kV, Vmax_kV, "
+                               "Vmin_kV, SC1_MVA, SC3_MVA, ISBus) select 99, a.id, a.Node_Name, "
+                               "a.Bus_Name, b.Zone_No, b.PS_Name, b.Base_kV, b.Vmax_kV, "
+                               "b.Vmin_kV, b.SC1_MVA, b.SC3_MVA, a.ISPhyBus from CDB_NODEBAK a, "
+                               "CDB_BUSBAK b, Tnode c where a.Bus_Name=b.Bus_Name and "
+                               "a.Node_Name=c.Node_Name",
+                               2));
+    // The failed node table leaves Tnode on the library's connection, as designed.
+    QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS Tnode");
+    // A bus with a NULL base voltage: its named-unit rows divide by NULL and arrive as NULL.
+    Exec("UPDATE CDB_BUSBAK SET Base_kV=NULL WHERE Bus_Name='B2'");
+    Exec("UPDATE CDB_ACLINEBAK SET Unit=0 WHERE ID_Name='L3'"); // owned by N2
+    feedback().clear();
+    CLFCalDataTransfer job(0, kScheme, db(), nullptr);
+    EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
+    EXPECT_EQ(Scalar("SELECT R1 IS NULL FROM L2_0 WHERE ID_Name='L3'"), "1");
+    EXPECT_TRUE(feedback().texts(2).empty());
+    Exec("UPDATE CDB_BUSBAK SET Base_kV=0 WHERE Bus_Name='B2'");
+    Exec("UPDATE CDB_ACLINEBAK SET Unit=1 WHERE ID_Name='L3'");
+    EXPECT_EQ(baseRows(), before) << "extraction never writes the base tables";
+
+    // An empty base database: empty job tables and zero counts.
+    Truncate({"CDB_ACLINEBAK", "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_PCAPREABAK", "CDB_TRANS_2WBAK",
+              "CDB_BREAKERBAK", "CDB_ISOSWITCHBAK", "CDB_NODEBAK", "CDB_BUSBAK"});
+    EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
+    EXPECT_EQ(Rows("SELECT Nbus, Ngenerat, Nacline FROM LF_CASE WHERE Case_No=0"),
+              (std::vector<std::string>{"0|0|0"}));
+}

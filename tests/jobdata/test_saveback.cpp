@@ -37,7 +37,8 @@ protected:
                   "CDB_ACLINEBAK", "CDB_TRANS_2WBAK", "CDB_TRANS_3WBAK", "CDB_SHIFTBAK",
                   "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_PCAPREABAK", "CDB_BREAKERBAK",
                   "CDB_DATAGROUPBAK", "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "LF_CASE"});
-        Exec("DROP TEMPORARY TABLE IF EXISTS T2W"); // left by the last run on this connection
+        // The run before stopped at the transformers and left T2W on the library's connection.
+        QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS T2W");
         samples::Network net;
         QString error;
         ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
