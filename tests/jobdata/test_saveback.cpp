@@ -20,6 +20,7 @@ struct CLFCalDataTransferFamilies
     static int Breakers(CLFCalDataTransfer& t) { return t.SaveLKDataToBreaker(); }
     static int ThreeWinding(CLFCalDataTransfer& t) { return t.SaveL3DataToT3W(); }
     static int NewElements(const CLFCalDataTransfer& t) { return t.m_nNewElements; }
+    static int AddNodes(CLFCalDataTransfer& t) { return t.SaveL1DataToBaseDB(); }
     static int Nodes(const CLFCalDataTransfer& t) { return t.m_NewNodes.size(); }
 };
 
@@ -152,4 +153,108 @@ TEST_F(SaveBack, SwitchesIntoANewGroupAndThreeWindingOrphansCountOnce)
         "两绕组变压器作业数据中有 5 条记录与基础库元件不对应, 被保存至数据组 NEW 。", 2));
     EXPECT_EQ(Count("CDB_TRANS_3WBAK WHERE GrpName='NEW' AND ID_Name='T3X'"), 2)
         << "one row per winding-1 job row";
+}
+
+struct CLFCalDataTransferNodes
+{
+    static int Orphans(CLFCalDataTransfer& t, const QString& group)
+    {
+        CLFCalDataTransferFamilies::Prepare(t, group, false);
+        return CLFCalDataTransferFamilies::Generators(t);
+    }
+};
+
+class SaveBackUnits : public DbTest
+{};
+
+TEST_F(SaveBackUnits, ANamedLineIsJudgedInOhmsAndANullBaseObjectHearsNothing)
+{
+    Truncate({"CDB_ACLINEBAK", "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_NODEBAK", "CDB_BUSBAK",
+              "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "CDB_DATAGROUPBAK", "CDB_SBBAK",
+              "CDB_BREAKERBAK", "CDB_ISOSWITCHBAK", "CDB_PCAPREABAK", "CDB_TRANS_2WBAK"});
+    samples::Network net;
+    QString error;
+    ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee30.json", net, error));
+    ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error));
+    CLFCalDataTransfer job(0, kScheme, db(), nullptr);
+    ASSERT_EQ(job.ImportLDataFromBaseDB(), 0);
+    // Zb = 135^2/100 = 182.25 ohm: 4e-7 pu is 0.000073 ohm (kept), 7e-7 pu 0.000128 ohm.
+    Exec("UPDATE L2_0 SET R1=R1+4e-7 WHERE ID_Name='L2'");
+    Exec("UPDATE L2_0 SET R1=R1+7e-7 WHERE ID_Name='L4'");
+    const double l4 = Scalar("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L4'").toDouble();
+    feedback().clear();
+    EXPECT_EQ(job.SaveLDataToBaseDB("NEW", false), 1);
+    EXPECT_EQ(job.Nacline, 1);
+    EXPECT_NEAR(Scalar("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L4'").toDouble(),
+                l4 + 7e-7 * 182.25, 1e-9);
+    EXPECT_EQ(Scalar("SELECT Unit FROM CDB_ACLINEBAK WHERE ID_Name='L4'"), "0");
+    EXPECT_TRUE(feedback().has("回存交流线数目：1", 1));
+    // A second run on the same object finds nothing new to save for the lines.
+    QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS T2W");
+    feedback().clear();
+    EXPECT_EQ(job.SaveLDataToBaseDB("NEW", false), 1);
+    EXPECT_EQ(job.Nacline, 0);
+    EXPECT_TRUE(feedback().texts(1).empty());
+    QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS T2W");
+
+    // An orphan generator on a node the base lacks: the node, its bus, station and zone
+    // are added from the job's node table.
+    Exec("INSERT INTO L1_0(Case_No, Node_Name, Bus_Name, Zone_No, PS_Name, Base_kV, ISBus) "
+         "VALUES (0, 'NEWN', 'NEWB', 9, 'NEWS', 135, 1)");
+    Exec("INSERT INTO L5_0(Case_No, EleID, ID_Name, Valid, Node_Name, Pg) VALUES "
+         "(0, 99999, 'GNEW', 1, 'NEWN', 0.5)");
+    CLFCalDataTransfer fresh(0, kScheme, db(), nullptr);
+    EXPECT_EQ(CLFCalDataTransferNodes::Orphans(fresh, "NEW"), 0);
+    EXPECT_EQ(CLFCalDataTransferFamilies::NewElements(fresh), 1);
+    EXPECT_EQ(Rows("SELECT GrpName, Unit, Pg FROM CDB_GENERATBAK WHERE ID_Name='GNEW'"),
+              (std::vector<std::string>{"NEW|1|0.5"}));
+    // The node goes in. The bus statement's join names the node table in its ON clause
+    // across a comma, which this server refuses: buses, stations and zones stay out.
+    feedback().clear();
+    EXPECT_EQ(CLFCalDataTransferFamilies::AddNodes(fresh), 1);
+    EXPECT_EQ(Count("CDB_NODEBAK WHERE Node_Name='NEWN' AND Bus_Name='NEWB'"), 1);
+    EXPECT_EQ(Count("CDB_BUSBAK WHERE Bus_Name='NEWB'"), 0);
+    const auto errors = feedback().texts(2);
+    ASSERT_EQ(errors.size(), 1u);
+    EXPECT_EQ(errors[0].rfind("Fail to execute SQL: INSERT INTO CDB_BUSBAK(Bus_Name, PS_Name,", 0),
+              0u);
+}
+
+class SaveBackFaults : public DbTest
+{};
+
+TEST_F(SaveBackFaults, AQuotedGroupNameADeletedBaseRowAndALostConnection)
+{
+    Truncate({"CDB_ACLINEBAK", "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_NODEBAK", "CDB_BUSBAK",
+              "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "CDB_DATAGROUPBAK", "CDB_SBBAK"});
+    samples::Network net;
+    QString error;
+    ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
+    ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error));
+    CLFCalDataTransfer job(0, kScheme, db(), nullptr);
+    ASSERT_EQ(job.ImportLDataFromBaseDB(), 0);
+    // A base row deleted after extraction makes its job row an orphan; the quote in the
+    // group's name then breaks the orphan insert: the family reports and the run ends.
+    Exec("DELETE FROM CDB_ACLINEBAK WHERE ID_Name='L1'");
+    const int before = Count("CDB_ACLINEBAK");
+    feedback().clear();
+    EXPECT_EQ(job.SaveLDataToBaseDB("O'NEW", false), 1);
+    const auto errors = feedback().texts(2);
+    ASSERT_EQ(errors.size(), 2u);
+    EXPECT_EQ(errors[0], "交流线作业数据中有 1 条记录与基础库元件不对应, 被保存至数据组 O'NEW 。");
+    EXPECT_EQ(errors[1].rfind("Fail to execute SQL: insert into CDB_ACLINEBAK(GrpName,", 0), 0u);
+    EXPECT_EQ(Count("CDB_ACLINEBAK"), before) << "nothing written by the failed family";
+
+    // The connection lost before a run: the first statement fails, nothing crashes.
+    QSqlQuery id(*db());
+    ASSERT_TRUE(id.exec("SELECT CONNECTION_ID()") && id.next());
+    const QString thread = id.value(0).toString();
+    QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS Tac");
+    ASSERT_FALSE(thread.isEmpty());
+    Exec("KILL CONNECTION " + thread);
+    feedback().clear();
+    EXPECT_EQ(job.SaveLDataToBaseDB("NEW", false), 1);
+    ASSERT_FALSE(feedback().texts(2).empty());
+    EXPECT_EQ(feedback().texts(2)[0].rfind("Fail to execute SQL: Create temporary Table Tac", 0),
+              0u);
 }
