@@ -9,6 +9,7 @@
 // shunt is stored by its impedance: G + jB = 1 / (R1 + jX1). A transformer's Tk is the
 // off-nominal ratio at its I end. A line's B1_Half is half the total charging.
 
+#include <QByteArray>
 #include <QString>
 #include <vector>
 
@@ -76,5 +77,10 @@ Network MakeSyntheticNetwork(int nodes, unsigned seed = 1);
 // False with `error` set when a statement fails.
 bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& group,
                           const QString& scheme, QString& error);
+
+// Appends to `sql` the rows of every working copy that the writer above fills, as SQL
+// that first empties each of those tables and then inserts its rows, so that loading the
+// text gives back the same base database. False with `error` set when a read fails.
+bool DumpBaseTablesAsSql(QSqlDatabase* db, QByteArray& sql, QString& error);
 
 } // namespace samples

@@ -4,6 +4,7 @@
 #include "SampleNetwork.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 
+#include <QFile>
 #include <cmath>
 
 using testsupport::DbTest;
@@ -148,6 +149,52 @@ TEST_F(Extraction, NamedUnitsAreConvertedByTheBusBaseVoltage)
     EXPECT_TRUE(has("UPDATE LF_CASE SET Nbus=36,Ngenerat=6,Nload=20,Nacline=43,Ndcline=0,"
                     "Ntrans=0 WHERE\tCase_No=0"))
         << "the counts, with the tab before Case_No";
+}
+
+TEST_F(Extraction, TheSampleSqlFilesAreCurrentAndExtractToThePublishedPerUnitData)
+{
+    for (const char* name : {"ieee14", "ieee30"}) {
+        SCOPED_TRACE(name);
+        const samples::Network net = Load((std::string(name) + ".json").c_str());
+        const QString path = QString(CALCDATA_SAMPLES_DIR "/%1.sql").arg(name);
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray saved = file.readAll();
+
+        // The file holds what the writer makes of the JSON today.
+        fixtures::ScratchDatabase fresh(QStringLiteral("samplesql"));
+        ASSERT_TRUE(fresh.ok()) << fresh.error().toStdString();
+        QString error;
+        QByteArray again;
+        ASSERT_TRUE(samples::WriteNetworkToBaseDb(fresh.db(), net, "G1", kScheme, error))
+            << error.toStdString();
+        ASSERT_TRUE(samples::DumpBaseTablesAsSql(fresh.db(), again, error)) << error.toStdString();
+        EXPECT_TRUE(saved.endsWith(again))
+            << "samples/" << name << ".sql is out of date: make it again with network2sql";
+
+        // Loaded over whatever stood before, it is extracted to the published per-unit data.
+        Write(Load("ieee14.json"));
+        ASSERT_TRUE(scratch().runFile(path)) << scratch().error().toStdString();
+        CLFCalDataTransfer job(0, kScheme, db(), nullptr);
+        EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
+        EXPECT_EQ(Count("L1_0"), static_cast<int>(net.buses.size() + net.gens.size()));
+        for (std::size_t k = 0; k < net.branches.size(); ++k) {
+            const samples::Branch& br = net.branches[k];
+            const QString table = br.transformer ? "L3_0" : "L2_0";
+            const QString where = QString(" FROM %1 WHERE ID_Name='%2%3'")
+                                      .arg(table)
+                                      .arg(br.transformer ? 'T' : 'L')
+                                      .arg(k + 1);
+            ASSERT_EQ(Count(where.mid(6)), 1) << where.toStdString();
+            EXPECT_NEAR(Value("SELECT R1" + where), br.r, 1e-6) << where.toStdString();
+            EXPECT_NEAR(Value("SELECT X1" + where), br.x, 1e-6) << where.toStdString();
+            if (br.transformer) {
+                EXPECT_NEAR(Value("SELECT Tk" + where), br.ratio, 1e-6) << where.toStdString();
+            } else {
+                EXPECT_NEAR(Value("SELECT B1_Half" + where), br.b / 2, 1e-6) << where.toStdString();
+            }
+        }
+    }
 }
 
 TEST_F(Extraction, TheSchemePicksTheHighestLevelThenTheIdTextThatSortsHighest)
