@@ -5,6 +5,10 @@
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 #include "platform/CDatabase.h"
 
+#include <atomic>
+#include <chrono>
+#include <thread>
+
 using testsupport::DbTest;
 
 // Runs single families, which the driver on this server never reaches (it stops at the
@@ -257,4 +261,97 @@ TEST_F(SaveBackFaults, AQuotedGroupNameADeletedBaseRowAndALostConnection)
     ASSERT_FALSE(feedback().texts(2).empty());
     EXPECT_EQ(feedback().texts(2)[0].rfind("Fail to execute SQL: Create temporary Table Tac", 0),
               0u);
+}
+
+// A group name is held in 20 bytes; the lenient server cuts a longer one without a word.
+TEST_F(SaveBack, AGroupNameOver20BytesIsCutByTheServerAndTheCopiesKeepTheBaseValues)
+{
+    const QString longName = "GROUP_NAME_OF_25_BYTES_X";
+    ASSERT_EQ(longName.toLocal8Bit().size(), 24);
+    Exec("UPDATE L2_0 SET R1=R1+0.01 WHERE ID_Name='L1'");
+    Exec("INSERT INTO L2_0(Case_No, EleID, ID_Name, Valid, I_Name, J_Name, ID_No, I_Break, "
+         "J_Break, R1, X1, B1_Half, Owner, Ntype) VALUES (0, 9999, 'LX', 1, 'N1', 'N2', 1, 1, 1, "
+         "0.01, 0.1, 0.02, 1, 1)");
+    const QString baseR1 = Scalar("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1'");
+    CLFCalDataTransfer job(0, kScheme, db(), &m_base);
+    EXPECT_EQ(job.SaveLDataToBaseDB(longName, true), 1);
+    // The messages name the group in full; the rows carry its first 20 bytes.
+    EXPECT_TRUE(feedback().has("交流线作业数据中有 1 条记录与基础库元件不对应, 被保存至数据组 " +
+                                   longName.toStdString() + " 。",
+                               2));
+    EXPECT_TRUE(feedback().has("回存交流线数目：1", 1));
+    EXPECT_EQ(Rows("SELECT ID_Name, R1 FROM CDB_ACLINEBAK WHERE GrpName='GROUP_NAME_OF_25_BYT' "
+                   "ORDER BY ID_Name"),
+              (std::vector<std::string>{"L1|" + baseR1.toStdString(), "LX|0.01"}))
+        << "the in-group update looks for the full name, so the copy keeps the base values";
+    EXPECT_EQ(Count("CDB_ACLINEBAK WHERE GrpName='" + longName + "'"), 0);
+}
+
+class SaveBackKilled : public DbTest
+{};
+
+// The library's connection killed by a second session while a family waits on a row lock.
+TEST_F(SaveBackKilled, AConnectionKilledInTheMiddleOfAFamilyLeavesTheFamiliesBeforeItSaved)
+{
+    samples::Network net;
+    QString error;
+    ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
+    ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error));
+    CLFCalDataTransfer job(0, kScheme, db(), nullptr);
+    ASSERT_EQ(job.ImportLDataFromBaseDB(), 0);
+    Exec("UPDATE L2_0 SET R1=R1+0.01 WHERE ID_Name='L1'");
+    Exec("UPDATE L2_0 SET X1=X1*2 WHERE Ntype=3"); // the shunt of bus 9
+    const QString lineBefore = Scalar("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1'");
+    const QString shuntBefore = Scalar("SELECT X1 FROM CDB_PCAPREABAK");
+    QSqlQuery id(*db());
+    ASSERT_TRUE(id.exec("SELECT CONNECTION_ID()") && id.next());
+    const qlonglong victim = id.value(0).toLongLong();
+
+    // A second session holds a shared lock on the shunt rows: the family reads them (its
+    // orphans and its changes), then waits at its update, where the second session kills
+    // the library's connection and lets go.
+    std::atomic<bool> locked{false}, killed{false};
+    const QString database = scratch().name();
+    std::thread killer([&] {
+        {
+            QSqlDatabase other = fixtures::OpenConnection("killer", database);
+            QSqlQuery q(other);
+            q.exec("START TRANSACTION");
+            q.exec("SELECT * FROM CDB_PCAPREABAK LOCK IN SHARE MODE");
+            locked = true;
+            for (int k = 0; k < 500 && !killed; ++k) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(20));
+                q.exec(QString("SELECT STATE FROM information_schema.PROCESSLIST WHERE ID=%1 AND "
+                               "COMMAND='Query' AND TIME_MS>100")
+                           .arg(victim));
+                if (q.next()) {
+                    killed = q.exec(QString("KILL CONNECTION %1").arg(victim));
+                }
+            }
+            q.exec("ROLLBACK");
+        }
+        QSqlDatabase::removeDatabase("killer");
+    });
+    while (!locked) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    CDatabase base;
+    CLFCalDataTransfer saver(0, kScheme, db(), &base);
+    const int result = saver.SaveLDataToBaseDB("NEW", false);
+    killer.join();
+    ASSERT_TRUE(killed) << "the family never waited on the lock";
+    EXPECT_EQ(result, 1);
+    EXPECT_EQ(feedback().texts(1).back(), "回存交流线数目：1") << "the last count shown";
+    ASSERT_FALSE(feedback().texts(2).empty());
+    EXPECT_EQ(feedback().texts(2).back().rfind("Fail to execute SQL: ", 0), 0u);
+    EXPECT_EQ(feedback().texts(2).back().rfind("Fail to execute SQL: update CDB_PCAPREABAK a, "
+                                               "TPCR b set",
+                                               0),
+              0u)
+        << "the shunt family failed at its update: " << feedback().texts(2).back();
+    EXPECT_EQ(base.ModifiedTableTypes(), (std::vector<int>{102}));
+    // Seen from another connection: the line saved, the shunt as it was.
+    EXPECT_NEAR(Scalar("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1'").toDouble(),
+                lineBefore.toDouble() + 0.01, 1e-9);
+    EXPECT_EQ(Scalar("SELECT X1 FROM CDB_PCAPREABAK"), shuntBefore);
 }
