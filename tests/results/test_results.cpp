@@ -447,3 +447,56 @@ TEST_F(Results, OptimalAndValuesOnlyModesAndRowsTheServerRefuses)
     EXPECT_DOUBLE_EQ(b->V, 0.97);
     EXPECT_STREQ(b->name, "B1") << "updated in place, not rebuilt";
 }
+
+TEST_F(Results, NamesOfTwentyBytesTravelWhileAQuotedNameOrANaNLosesOnlyItsOwnTable)
+{
+    SmallNetwork();
+    const std::string twenty = "G2发电机一号组"; // 2 + 6 x 3 bytes of UTF-8
+    ASSERT_EQ(twenty.size(), 20u);
+    un g;
+    g.id = twenty.c_str();
+    g.Bus_Name = "N2";
+    g.Pg = 0.5f;
+    g.Qg = 0.05f;
+    g.ibs = 2;
+    Put(g);
+    {
+        dbCursor<ld> d(dbCursorForUpdate);
+        dbQuery q;
+        q = "id=", "D1";
+        ASSERT_EQ(d.select(q), 1);
+        d->id = "D'1";
+        d.update();
+        dbCursor<cp> c(dbCursorForUpdate);
+        q = "id=", "C1";
+        ASSERT_EQ(c.select(q), 1);
+        c->Qi = std::numeric_limits<float>::quiet_NaN();
+        c.update();
+    }
+    m_rtdb.commit();
+    CLFResultDataTransfer out(6, db(), &m_rtdb, false, 0);
+    EXPECT_EQ(out.ImportRTDBDataToLFResultDB(), 0) << "the driver goes on past refused tables";
+    EXPECT_TRUE(feedback().has("负荷结果数据回存到结果库发生错误，\n请数据检查后再计算！", 2));
+    EXPECT_TRUE(feedback().has("并联电容电抗器结果数据回存到结果库发生错误，可能存在正序阻抗为0的"
+                               "并联电容电抗器导致功率无穷大,\n请数据检查后再计算！",
+                               2));
+    EXPECT_EQ(Count("LFR_LOAD_R WHERE Case_No=6"), 0);
+    EXPECT_EQ(Count("LFR_PCR_R WHERE Case_No=6"), 0);
+    EXPECT_EQ(Rows("SELECT ID_Name, Pg FROM LFR_GEN_R WHERE Case_No=6 ORDER BY Pg"),
+              (std::vector<std::string>{twenty + "|0.5", "G1|0.75"}));
+    EXPECT_EQ(Count("LFR_ACLINE_R WHERE Case_No=6"), 1) << "the tables after them were written";
+
+    // Back again, the twenty-byte name finds its record whole.
+    {
+        dbCursor<un> c(dbCursorForUpdate);
+        c.select();
+        do {
+            c->Pg = 0;
+            c.update();
+        } while (c.next());
+    }
+    CLFResultDataTransfer in(6, db(), &m_rtdb, false, 0);
+    EXPECT_EQ(in.ImportLFResultDataToRTDB(), 0);
+    EXPECT_FLOAT_EQ(Fetch<un>(twenty.c_str()).Pg, 0.5f);
+    EXPECT_FLOAT_EQ(Fetch<un>("G1").Pg, 0.75f);
+}
