@@ -107,6 +107,22 @@ TEST_F(SaveBack, ANewGroupGetsCopiesAndOrphansWhileTheBaseRowsStay)
         << "orphans raise no flag; the stop comes before the group's row";
 }
 
+TEST_F(SaveBack, AnOrphanLineOnANodeTheJobLacksIsAnnouncedButNotSaved)
+{
+    // The orphan insert takes the owner's zone from the job's node table by the line's
+    // first node; a line whose node is not there finds no row to join and is not written.
+    Exec("INSERT INTO L2_0(Case_No, EleID, ID_Name, Valid, I_Name, J_Name, ID_No, I_Break, "
+         "J_Break, R1, X1, B1_Half, Owner, Ntype) VALUES (0, 9998, 'LY', 1, 'NOWHERE', 'N2', 1, "
+         "1, 1, 0.01, 0.1, 0.02, 1, 1)");
+    CLFCalDataTransfer job(0, kScheme, db(), &m_base);
+    EXPECT_EQ(job.SaveLDataToBaseDB("NEW", false), 1);
+    EXPECT_TRUE(
+        feedback().has("交流线作业数据中有 1 条记录与基础库元件不对应, 被保存至数据组 NEW 。", 2));
+    EXPECT_EQ(Count("CDB_ACLINEBAK WHERE ID_Name='LY'"), 0);
+    EXPECT_EQ(CLFCalDataTransferFamilies::NewElements(job), 1) << "counted all the same";
+    EXPECT_EQ(CLFCalDataTransferFamilies::Nodes(job), 2) << "both its nodes wait to be added";
+}
+
 TEST_F(SaveBack, GeneratorsCompareInTheBaseRowsOwnUnit)
 {
     // G2 stored in MW (Unit 0) on a node of 100 kV; G3 stays per unit.
