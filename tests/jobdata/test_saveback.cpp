@@ -30,7 +30,20 @@ struct CLFCalDataTransferFamilies
 
 namespace {
 char kScheme[] = "SCH";
+
+// Writes a sample network into the base tables as group G1 of the scheme and extracts it
+// into job 0.
+void WriteAndExtract(QSqlDatabase* db, const char* file)
+{
+    samples::Network net;
+    QString error;
+    ASSERT_TRUE(samples::ReadNetworkJson(QString(CALCDATA_SAMPLES_DIR "/") + file, net, error));
+    ASSERT_TRUE(samples::WriteNetworkToBaseDb(db, net, "G1", kScheme, error))
+        << error.toStdString();
+    CLFCalDataTransfer extract(0, kScheme, db, nullptr);
+    ASSERT_EQ(extract.ImportLDataFromBaseDB(), 0);
 }
+} // namespace
 
 class SaveBack : public DbTest
 {
@@ -44,12 +57,10 @@ protected:
                   "CDB_DATAGROUPBAK", "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "LF_CASE"});
         // The run before stopped at the transformers and left T2W on the library's connection.
         QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS T2W");
-        samples::Network net;
-        QString error;
-        ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
-        ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error));
-        CLFCalDataTransfer extract(0, kScheme, db(), nullptr);
-        ASSERT_EQ(extract.ImportLDataFromBaseDB(), 0);
+        WriteAndExtract(db(), "ieee14.json");
+        if (HasFatalFailure()) {
+            return;
+        }
         feedback().clear();
     }
     CDatabase m_base;
@@ -192,12 +203,8 @@ TEST_F(SaveBackUnits, ANamedLineIsJudgedInOhmsAndANullBaseObjectHearsNothing)
     Truncate({"CDB_ACLINEBAK", "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_NODEBAK", "CDB_BUSBAK",
               "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "CDB_DATAGROUPBAK", "CDB_SBBAK",
               "CDB_BREAKERBAK", "CDB_ISOSWITCHBAK", "CDB_PCAPREABAK", "CDB_TRANS_2WBAK"});
-    samples::Network net;
-    QString error;
-    ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee30.json", net, error));
-    ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error));
+    ASSERT_NO_FATAL_FAILURE(WriteAndExtract(db(), "ieee30.json"));
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
-    ASSERT_EQ(job.ImportLDataFromBaseDB(), 0);
     // Zb = 135^2/100 = 182.25 ohm: 4e-7 pu is 0.000073 ohm (kept), 7e-7 pu 0.000128 ohm.
     Exec("UPDATE L2_0 SET R1=R1+4e-7 WHERE ID_Name='L2'");
     Exec("UPDATE L2_0 SET R1=R1+7e-7 WHERE ID_Name='L4'");
@@ -247,12 +254,8 @@ TEST_F(SaveBackFaults, AQuotedGroupNameADeletedBaseRowAndALostConnection)
 {
     Truncate({"CDB_ACLINEBAK", "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_NODEBAK", "CDB_BUSBAK",
               "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "CDB_DATAGROUPBAK", "CDB_SBBAK"});
-    samples::Network net;
-    QString error;
-    ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
-    ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error));
+    ASSERT_NO_FATAL_FAILURE(WriteAndExtract(db(), "ieee14.json"));
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
-    ASSERT_EQ(job.ImportLDataFromBaseDB(), 0);
     // A base row deleted after extraction makes its job row an orphan; the quote in the
     // group's name then breaks the orphan insert: the family reports and the run ends.
     Exec("DELETE FROM CDB_ACLINEBAK WHERE ID_Name='L1'");
@@ -309,12 +312,8 @@ class SaveBackKilled : public DbTest
 // The library's connection killed by a second session while a family waits on a row lock.
 TEST_F(SaveBackKilled, AConnectionKilledInTheMiddleOfAFamilyLeavesTheFamiliesBeforeItSaved)
 {
-    samples::Network net;
-    QString error;
-    ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
-    ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error));
+    ASSERT_NO_FATAL_FAILURE(WriteAndExtract(db(), "ieee14.json"));
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
-    ASSERT_EQ(job.ImportLDataFromBaseDB(), 0);
     Exec("UPDATE L2_0 SET R1=R1+0.01 WHERE ID_Name='L1'");
     Exec("UPDATE L2_0 SET X1=X1*2 WHERE Ntype=3"); // the shunt of bus 9
     const QString lineBefore = Scalar("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1'");
