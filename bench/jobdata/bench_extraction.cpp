@@ -12,53 +12,6 @@
 
 namespace {
 
-// The server's own execution time of the statements one connection sends, from the slow
-// query log kept in its table with a threshold of zero. Everything else of a run's wall
-// time (the library, Qt's driver, the client protocol) is the library's share.
-class ServerStatementTime
-{
-public:
-    explicit ServerStatementTime(fixtures::ScratchDatabase& scratch)
-        : m_reader(scratch.openSecondConnection(QStringLiteral("slowlog")))
-    {
-        QSqlQuery q(*scratch.db());
-        q.exec("SELECT CONNECTION_ID()");
-        m_thread = q.next() ? q.value(0).toLongLong() : -1;
-        QSqlQuery r(m_reader);
-        r.exec("SELECT @@log_output, @@slow_query_log");
-        if (r.next()) {
-            m_oldOutput = r.value(0).toString();
-            m_oldSlowLog = r.value(1).toString();
-        }
-        r.exec("SET GLOBAL log_output='FILE,TABLE'");
-        r.exec("SET GLOBAL slow_query_log=1");
-        q.exec("SET SESSION long_query_time=0");
-        q.exec("SET SESSION log_slow_filter=''"); // every kind of statement, not only scans
-    }
-    ~ServerStatementTime()
-    {
-        QSqlQuery r(m_reader);
-        r.exec("SET GLOBAL slow_query_log=" + m_oldSlowLog);
-        r.exec("SET GLOBAL log_output='" + m_oldOutput + "'");
-    }
-    void reset() { QSqlQuery(m_reader).exec("TRUNCATE TABLE mysql.slow_log"); }
-    // Seconds the server spent in this connection's statements since the last reset.
-    double seconds()
-    {
-        QSqlQuery r(m_reader);
-        r.exec(QString("SELECT SUM(TIME_TO_SEC(query_time)) FROM mysql.slow_log WHERE "
-                       "thread_id=%1")
-                   .arg(m_thread));
-        return r.next() ? r.value(0).toDouble() : 0.0;
-    }
-
-private:
-    QSqlDatabase m_reader;
-    long long m_thread = -1;
-    QString m_oldOutput = "FILE";
-    QString m_oldSlowLog = "0";
-};
-
 void BM_ExtractSynthetic(benchmark::State& state)
 {
     fixtures::ScratchDatabase scratch(QStringLiteral("bench"));
@@ -73,7 +26,7 @@ void BM_ExtractSynthetic(benchmark::State& state)
         return;
     }
     char scheme[] = "SCH";
-    ServerStatementTime server(scratch);
+    fixtures::ServerStatementTime server(scratch);
     double wall = 0, inServer = 0;
     for (auto _ : state) {
         state.PauseTiming();
