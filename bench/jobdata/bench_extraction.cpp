@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 #include <QSqlQuery>
 #include <benchmark/benchmark.h>
+#include <cstdio>
 
 namespace {
 
@@ -100,6 +101,10 @@ int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
+    QString error;
+    if (!fixtures::TurnGeneralLogOff(&error)) {
+        std::fprintf(stderr, "the server's general log stays as it is: %s\n", qPrintable(error));
+    }
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }

@@ -15,6 +15,7 @@
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <benchmark/benchmark.h>
+#include <cstdio>
 
 namespace {
 
@@ -147,6 +148,10 @@ int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
+    QString error;
+    if (!fixtures::TurnGeneralLogOff(&error)) {
+        std::fprintf(stderr, "the server's general log stays as it is: %s\n", qPrintable(error));
+    }
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }

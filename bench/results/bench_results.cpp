@@ -10,6 +10,7 @@
 #include <QCoreApplication>
 #include <QSqlQuery>
 #include <benchmark/benchmark.h>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -184,6 +185,10 @@ int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
+    QString error;
+    if (!fixtures::TurnGeneralLogOff(&error)) {
+        std::fprintf(stderr, "the server's general log stays as it is: %s\n", qPrintable(error));
+    }
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }
