@@ -38,16 +38,34 @@ void run(QSqlDatabase* db, const QByteArray& sql)
     q.exec(QString::fromLocal8Bit(sql));
 }
 
-// A batched insert of one family's rows into `table`.
-struct Batch
+// The frame the batched families share: the case's old rows deleted, the records that
+// `query` selects (all when null) turned into rows by `rowOf` (an empty row leaves the
+// record out), the rows inserted in batches of 100. A refused batch shows `message` and
+// fails the family; without a message it is not looked at.
+template <class T, class RowOf>
+int writeFamily(QSqlDatabase* db, const QByteArray& table, int caseNo, const char* fields,
+                dbQuery* query, const char* message, RowOf rowOf)
 {
-    SQLMultiInsert ins;
-    Batch(QSqlDatabase* db, const QByteArray& table, const char* fields) : ins(db, kBatch)
-    {
-        ins.SetTableName(table);
-        ins.SetFldNamelst(fields);
+    run(db, FormatText(SQL_DELETE_CASE, table.constData(), caseNo));
+    dbCursor<T> cursor(dbCursorViewOnly);
+    if ((query ? cursor.select(*query) : cursor.select()) < 1) {
+        return CALC_OK;
     }
-};
+    SQLMultiInsert ins(db, kBatch);
+    ins.SetTableName(table);
+    ins.SetFldNamelst(fields);
+    do {
+        const QByteArray row = rowOf(*cursor);
+        if (!row.isEmpty()) {
+            ins.AddRecord(row);
+        }
+    } while (cursor.next());
+    if (!ins.exec() && message) {
+        ShowMessage(message, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    return CALC_OK;
+}
 
 } // namespace
 
@@ -99,77 +117,56 @@ int CLFResultDataTransfer::PrepareLFDataList()
 
 int CLFResultDataTransfer::ImportRTDBToBs_R()
 {
-    const QByteArray t = table("BS");
-    run(m_pDB, FormatText(SQL_DELETE_CASE, t.constData(), m_caseNo));
-    dbCursor<bs> cursor(dbCursorViewOnly);
     dbQuery q;
     q = "iisland >=", 0; // placeholders stay out
-    if (cursor.select(q) < 1) {
-        return CALC_OK;
-    }
-    Batch b(m_pDB, t, m_bOptimal ? FLD_BS : FLD_BS_LFR);
-    do {
-        const bs& r = *cursor;
-        // The design indexes the list with ikv unchecked; a number outside it gives an
-        // empty level here instead of a read outside the list.
-        static const SKV none = {0, "", 0, 0, 0};
-        const SKV& k = r.ikv >= 0 && r.ikv < m_pKVList->size() ? (*m_pKVList)[r.ikv] : none;
-        QByteArray row = FormatText("%d,'%s',%12.9f,%12.6f,'%s',%d,%f,%f,%f ", m_caseNo, r.name,
-                                    r.V, r.Angle, k.KV, k.Zone_No, k.Base_kV, k.Vmax_kV, k.Vmin_kV);
-        if (!m_bOptimal) {
-            row += FormatText(",%d,%d,%d,%d,%d", r.id, r.ikv, r.iisland, r.q, r.qq);
-        }
-        b.ins.AddRecord(row);
-    } while (cursor.next());
-    b.ins.exec(); // not looked at
-    return CALC_OK;
+    return writeFamily<bs>(
+        m_pDB, table("BS"), m_caseNo, m_bOptimal ? FLD_BS : FLD_BS_LFR, &q, nullptr,
+        [&](const bs& r) {
+            // The design indexes the list with ikv unchecked; a number outside it gives an
+            // empty level here instead of a read outside the list.
+            static const SKV none = {0, "", 0, 0, 0};
+            const SKV& k = r.ikv >= 0 && r.ikv < m_pKVList->size() ? (*m_pKVList)[r.ikv] : none;
+            QByteArray row =
+                FormatText("%d,'%s',%12.9f,%12.6f,'%s',%d,%f,%f,%f ", m_caseNo, r.name, r.V,
+                           r.Angle, k.KV, k.Zone_No, k.Base_kV, k.Vmax_kV, k.Vmin_kV);
+            if (!m_bOptimal) {
+                row += FormatText(",%d,%d,%d,%d,%d", r.id, r.ikv, r.iisland, r.q, r.qq);
+            }
+            return row;
+        });
 }
 
 int CLFResultDataTransfer::ImportRTDBToBus_R()
 {
-    const QByteArray t = table("BUS");
-    run(m_pDB, FormatText(SQL_DELETE_CASE, t.constData(), m_caseNo));
-    dbCursor<bus> cursor(dbCursorViewOnly);
     dbQuery q;
     q = "ibs >", 0;
-    if (cursor.select(q) < 1) {
-        return CALC_OK;
-    }
-    Batch b(m_pDB, t, m_bOptimal ? FLD_BUS : FLD_BUS_LFR);
-    do {
-        const dtsdb::bus& r = *cursor;
-        if (r.topflags & BUS_TOP_DEAD) {
-            continue;
-        }
-        QByteArray row =
-            FormatText("%d,'%s',%12.9f,%12.6f,'%s'", m_caseNo, r.nd, r.V, r.Angle, r.KV);
-        if (!m_bOptimal) {
-            row += FormatText(",%d,%d", r.ibs, r.topflags);
-        }
-        b.ins.AddRecord(row);
-    } while (cursor.next());
-    b.ins.exec(); // not looked at
-    return CALC_OK;
+    return writeFamily<dtsdb::bus>(
+        m_pDB, table("BUS"), m_caseNo, m_bOptimal ? FLD_BUS : FLD_BUS_LFR, &q, nullptr,
+        [&](const dtsdb::bus& r) {
+            if (r.topflags & BUS_TOP_DEAD) {
+                return QByteArray();
+            }
+            QByteArray row =
+                FormatText("%d,'%s',%12.9f,%12.6f,'%s'", m_caseNo, r.nd, r.V, r.Angle, r.KV);
+            if (!m_bOptimal) {
+                row += FormatText(",%d,%d", r.ibs, r.topflags);
+            }
+            return row;
+        });
 }
 
 // Lines and series elements: the record is ln, selected by lntype.
 static int linesToTable(QSqlDatabase* db, const QByteArray& t, int caseNo, bool optimal, int lntype,
                         const char* message)
 {
-    run(db, FormatText(SQL_DELETE_CASE, t.constData(), caseNo));
-    dbCursor<ln> cursor(dbCursorViewOnly);
     dbQuery q;
     q = "lntype=", lntype;
-    if (cursor.select(q) < 1) {
-        return CALC_OK;
-    }
     const bool ac = lntype == 1;
-    Batch b(db, t,
-            ac ? (optimal ? FLD_ACLINE : FLD_ACLINE_LFR) : (optimal ? FLD_SCR : FLD_SCR_LFR));
-    do {
-        const ln& r = *cursor;
+    const char* fields =
+        ac ? (optimal ? FLD_ACLINE : FLD_ACLINE_LFR) : (optimal ? FLD_SCR : FLD_SCR_LFR);
+    return writeFamily<ln>(db, t, caseNo, fields, &q, message, [&](const ln& r) {
         if (r.topflags & LN_TOP_INVALID) {
-            continue;
+            return QByteArray();
         }
         QByteArray row = FormatText("%d,'%s','%s','%s',%d,%f,%f,%f,%f,%f,%f,%f,%f,", caseNo,
                                     cut(r.id, 3).constData(), r.I_Name, r.J_Name, r.ID_No, r.Pi,
@@ -185,13 +182,8 @@ static int linesToTable(QSqlDatabase* db, const QByteArray& t, int caseNo, bool 
         if (!optimal) {
             row += FormatText(",%d,%d,%d,%d", r.ibs, r.zbs, r.q, r.topflags);
         }
-        b.ins.AddRecord(row);
-    } while (cursor.next());
-    if (!b.ins.exec()) {
-        ShowMessage(message, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    return CALC_OK;
+        return row;
+    });
 }
 
 int CLFResultDataTransfer::ImportRTDBToACLine_R()
@@ -206,108 +198,70 @@ int CLFResultDataTransfer::ImportRTDBToSCR_R()
 
 int CLFResultDataTransfer::ImportRTDBToPCR_R()
 {
-    const QByteArray t = table("PCR");
-    run(m_pDB, FormatText(SQL_DELETE_CASE, t.constData(), m_caseNo));
-    dbCursor<cp> cursor(dbCursorViewOnly);
-    if (cursor.select() < 1) {
-        return CALC_OK;
-    }
-    Batch b(m_pDB, t, m_bOptimal ? FLD_PCR : FLD_PCR_LFR);
-    do {
-        const cp& r = *cursor;
-        if (r.topflags & CP_TOP_INVALID) {
-            continue;
-        }
-        QByteArray row = FormatText("%d,'%s','%s',%d,%f,%f,%f,'%s'", m_caseNo, r.id, r.Bus_Name,
-                                    r.ID_No, r.Pi, r.Qi, GetNodeVol_FromRTDB(r.Bus_Name), r.KV);
-        if (!m_bOptimal) {
-            row += FormatText(",%d,%d,%d", r.ibs, r.q, r.topflags);
-        }
-        b.ins.AddRecord(row);
-    } while (cursor.next());
-    if (!b.ins.exec()) {
-        ShowMessage(MSG_X_PCR, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    return CALC_OK;
+    return writeFamily<cp>(m_pDB, table("PCR"), m_caseNo, m_bOptimal ? FLD_PCR : FLD_PCR_LFR,
+                           nullptr, MSG_X_PCR, [&](const cp& r) {
+                               if (r.topflags & CP_TOP_INVALID) {
+                                   return QByteArray();
+                               }
+                               QByteArray row = FormatText(
+                                   "%d,'%s','%s',%d,%f,%f,%f,'%s'", m_caseNo, r.id, r.Bus_Name,
+                                   r.ID_No, r.Pi, r.Qi, GetNodeVol_FromRTDB(r.Bus_Name), r.KV);
+                               if (!m_bOptimal) {
+                                   row += FormatText(",%d,%d,%d", r.ibs, r.q, r.topflags);
+                               }
+                               return row;
+                           });
 }
 
 int CLFResultDataTransfer::ImportRTDBToGen_R()
 {
-    const QByteArray t = table("GEN");
-    run(m_pDB, FormatText(SQL_DELETE_CASE, t.constData(), m_caseNo));
-    dbCursor<un> cursor(dbCursorViewOnly);
-    if (cursor.select() < 1) {
-        return CALC_OK;
-    }
-    Batch b(m_pDB, t, m_bOptimal ? FLD_GEN : FLD_GEN_LFR);
-    do {
-        const un& r = *cursor;
-        if (r.topflags & UN_TOP_INVALID) {
-            continue;
-        }
-        QByteArray row = FormatText("%d,'%s','%s',%15.9f,%15.9f,%12.9f,%f,%d ", m_caseNo, r.id,
-                                    r.Bus_Name, r.Pg, r.Qg, GetNodeVol_FromRTDB(r.Bus_Name),
-                                    GetNodeAngle_FromRTDB(r.Bus_Name), r.Mode_Ctrl);
-        if (!m_bOptimal) {
-            row += FormatText(",%d,%d,%d", r.ibs, r.q, r.topflags);
-        }
-        b.ins.AddRecord(row);
-    } while (cursor.next());
-    if (!b.ins.exec()) {
-        ShowMessage(MSG_X_GEN, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    return CALC_OK;
+    return writeFamily<un>(m_pDB, table("GEN"), m_caseNo, m_bOptimal ? FLD_GEN : FLD_GEN_LFR,
+                           nullptr, MSG_X_GEN, [&](const un& r) {
+                               if (r.topflags & UN_TOP_INVALID) {
+                                   return QByteArray();
+                               }
+                               QByteArray row = FormatText(
+                                   "%d,'%s','%s',%15.9f,%15.9f,%12.9f,%f,%d ", m_caseNo, r.id,
+                                   r.Bus_Name, r.Pg, r.Qg, GetNodeVol_FromRTDB(r.Bus_Name),
+                                   GetNodeAngle_FromRTDB(r.Bus_Name), r.Mode_Ctrl);
+                               if (!m_bOptimal) {
+                                   row += FormatText(",%d,%d,%d", r.ibs, r.q, r.topflags);
+                               }
+                               return row;
+                           });
 }
 
 int CLFResultDataTransfer::ImportRTDBToLoad_R()
 {
-    const QByteArray t = table("LOAD");
-    run(m_pDB, FormatText(SQL_DELETE_CASE, t.constData(), m_caseNo));
-    dbCursor<ld> cursor(dbCursorViewOnly);
-    if (cursor.select() < 1) {
-        return CALC_OK;
-    }
-    Batch b(m_pDB, t, m_bOptimal ? FLD_LOAD : FLD_LOAD_LFR);
-    do {
-        const ld& r = *cursor;
-        if (r.topflags & LD_TOP_INVALID) {
-            continue;
-        }
-        QByteArray row =
-            FormatText("%d,'%s','%s',%d,%15.9f,%15.9f,%12.9f,%f,%d ", m_caseNo, r.id, r.Bus_Name,
-                       r.No_Load, r.Pl, r.Ql, GetNodeVol_FromRTDB(r.Bus_Name),
-                       GetNodeAngle_FromRTDB(r.Bus_Name), r.Mode_Ctrl);
-        if (!m_bOptimal) {
-            row += FormatText(",%d,%d,%d", r.ibs, r.q, r.topflags);
-        }
-        b.ins.AddRecord(row);
-    } while (cursor.next());
-    if (!b.ins.exec()) {
-        ShowMessage(MSG_X_LOAD, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    return CALC_OK;
+    return writeFamily<ld>(m_pDB, table("LOAD"), m_caseNo, m_bOptimal ? FLD_LOAD : FLD_LOAD_LFR,
+                           nullptr, MSG_X_LOAD, [&](const ld& r) {
+                               if (r.topflags & LD_TOP_INVALID) {
+                                   return QByteArray();
+                               }
+                               QByteArray row =
+                                   FormatText("%d,'%s','%s',%d,%15.9f,%15.9f,%12.9f,%f,%d ",
+                                              m_caseNo, r.id, r.Bus_Name, r.No_Load, r.Pl, r.Ql,
+                                              GetNodeVol_FromRTDB(r.Bus_Name),
+                                              GetNodeAngle_FromRTDB(r.Bus_Name), r.Mode_Ctrl);
+                               if (!m_bOptimal) {
+                                   row += FormatText(",%d,%d,%d", r.ibs, r.q, r.topflags);
+                               }
+                               return row;
+                           });
 }
 
 // Two-winding transformers (type 1, with angles) and phase shifters (type 2, without).
 static int transformersToTable(QSqlDatabase* db, const QByteArray& t, int caseNo, bool optimal,
                                int type, const char* message)
 {
-    run(db, FormatText(SQL_DELETE_CASE, t.constData(), caseNo));
-    dbCursor<xf> cursor(dbCursorViewOnly);
     dbQuery q;
     q = "type=", type;
-    if (cursor.select(q) < 1) {
-        return CALC_OK;
-    }
     const bool t2w = type == 1;
-    Batch b(db, t, t2w ? (optimal ? FLD_T2W : FLD_T2W_LFR) : (optimal ? FLD_SHIFT : FLD_SHIFT_LFR));
-    do {
-        const xf& r = *cursor;
+    const char* fields =
+        t2w ? (optimal ? FLD_T2W : FLD_T2W_LFR) : (optimal ? FLD_SHIFT : FLD_SHIFT_LFR);
+    return writeFamily<xf>(db, t, caseNo, fields, &q, message, [&](const xf& r) {
         if (r.topflags & XF_TOP_INVALID) {
-            continue;
+            return QByteArray();
         }
         QByteArray row = FormatText("%d,'%s','%s','%s',%d,%f,%f,%f,%f,%f,%f,%f,%f,%f,", caseNo,
                                     cut(r.id, 3).constData(), r.I_Name, r.J_Name, r.ID_No, r.Pi,
@@ -321,13 +275,8 @@ static int transformersToTable(QSqlDatabase* db, const QByteArray& t, int caseNo
         if (!optimal) {
             row += FormatText(",%d,%d,%d,%d", r.ibs, r.zbs, r.q, r.topflags);
         }
-        b.ins.AddRecord(row);
-    } while (cursor.next());
-    if (!b.ins.exec()) {
-        ShowMessage(message, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    return CALC_OK;
+        return row;
+    });
 }
 
 int CLFResultDataTransfer::ImportRTDBToT2W_R()
@@ -340,79 +289,70 @@ int CLFResultDataTransfer::ImportRTDBToShift_R()
     return transformersToTable(m_pDB, table("SHIFT"), m_caseNo, m_bOptimal, 2, MSG_X_SHIFT);
 }
 
+// Three-winding transformers: the windings of one transformer (ids "<name>_3w1".."_3w3", in
+// id order) fold into one row, written at the third winding; a transformer without a live
+// winding writes none.
 int CLFResultDataTransfer::ImportRTDBToT3W_R()
 {
-    const QByteArray t = table("T3W");
-    run(m_pDB, FormatText(SQL_DELETE_CASE, t.constData(), m_caseNo));
-    dbCursor<xf> cursor(dbCursorViewOnly);
     dbQuery q;
     q = "type=", 3, "order by id asc ";
-    if (cursor.select(q) < 1) {
-        return CALC_OK;
-    }
-    Batch b(m_pDB, t, m_bOptimal ? FLD_T3W : FLD_T3W_LFR);
     QByteArray previous;
     bool alive = true;
     int starIbs = -1;
     QByteArray row;
-    do {
-        const xf& r = *cursor;
-        const QByteArray name = cut(r.id, 4);
-        if (!alive && name == previous) {
-            continue;
-        }
-        if (name != previous) {
-            alive = false;
-            previous = name;
-            dbCursor<xf> windings(dbCursorViewOnly);
-            for (int w = 1; w <= 3; ++w) {
-                const QByteArray wid = FormatText("%s_3w%d", name.constData(), w);
-                dbQuery wq;
-                wq = "type=", 3, " and id=", wid.constData();
-                if (windings.select(wq) > 0 && !(windings->topflags & XF_TOP_INVALID)) {
-                    alive = true;
-                    starIbs = windings->ibs;
-                    break;
+    return writeFamily<xf>(
+        m_pDB, table("T3W"), m_caseNo, m_bOptimal ? FLD_T3W : FLD_T3W_LFR, &q, MSG_X_T3W,
+        [&](const xf& r) {
+            const QByteArray name = cut(r.id, 4);
+            if (!alive && name == previous) {
+                return QByteArray();
+            }
+            if (name != previous) {
+                alive = false;
+                previous = name;
+                dbCursor<xf> windings(dbCursorViewOnly);
+                for (int w = 1; w <= 3; ++w) {
+                    const QByteArray wid = FormatText("%s_3w%d", name.constData(), w);
+                    dbQuery wq;
+                    wq = "type=", 3, " and id=", wid.constData();
+                    if (windings.select(wq) > 0 && !(windings->topflags & XF_TOP_INVALID)) {
+                        alive = true;
+                        starIbs = windings->ibs;
+                        break;
+                    }
+                }
+                if (!alive) {
+                    return QByteArray(); // no live winding: no row
+                }
+                row = FormatText("%d,'%s','%s',%f,'%s',", m_caseNo, name.constData(), r.I_Name,
+                                 r.Up_Limit, r.ST);
+            }
+            const QByteArray idText(r.id);
+            const int k = idText.isEmpty() ? 0 : idText.back() - '0';
+            row += FormatText("'%s',%d,", r.J_Name, r.ID_No);
+            if (r.topflags & XF_TOP_INVALID) {
+                row += FormatText("%f,%f,%f,%f,%f,%f,%f,", 0.0, 0.0, 0.0, 0.0, r.Tk, 0.0, 0.0);
+                if (k == 1) {
+                    row += FormatText("%f,%f,", 0.0, 0.0);
+                }
+            } else {
+                row +=
+                    FormatText("%f,%f,%f,%f,%f,%f,%f,", r.Pj, r.Qj, r.Pi - r.Pj, r.Qi - r.Qj, r.Tk,
+                               GetNodeVol_FromRTDB(r.J_Name), GetNodeAngle_FromRTDB(r.J_Name));
+                if (k == 1) {
+                    row += FormatText("%f,%f,", r.Pm, r.Qm);
                 }
             }
-            if (!alive) {
-                continue; // no live winding: no row
+            row += FormatText(k == 1 ? "%f," : (k == 2 ? "%f, " : "%f "), r.Rate_MVA);
+            if (!m_bOptimal) {
+                if (k == 3) {
+                    row += FormatText(",%d,%d,%d,%d", r.zbs, r.q, r.topflags, starIbs);
+                } else {
+                    row += FormatText("%d,%d,%d,", r.zbs, r.q, r.topflags);
+                }
             }
-            row = FormatText("%d,'%s','%s',%f,'%s',", m_caseNo, name.constData(), r.I_Name,
-                             r.Up_Limit, r.ST);
-        }
-        const QByteArray idText(r.id);
-        const int k = idText.isEmpty() ? 0 : idText.back() - '0';
-        row += FormatText("'%s',%d,", r.J_Name, r.ID_No);
-        if (r.topflags & XF_TOP_INVALID) {
-            row += FormatText("%f,%f,%f,%f,%f,%f,%f,", 0.0, 0.0, 0.0, 0.0, r.Tk, 0.0, 0.0);
-            if (k == 1) {
-                row += FormatText("%f,%f,", 0.0, 0.0);
-            }
-        } else {
-            row += FormatText("%f,%f,%f,%f,%f,%f,%f,", r.Pj, r.Qj, r.Pi - r.Pj, r.Qi - r.Qj, r.Tk,
-                              GetNodeVol_FromRTDB(r.J_Name), GetNodeAngle_FromRTDB(r.J_Name));
-            if (k == 1) {
-                row += FormatText("%f,%f,", r.Pm, r.Qm);
-            }
-        }
-        row += FormatText(k == 1 ? "%f," : (k == 2 ? "%f, " : "%f "), r.Rate_MVA);
-        if (!m_bOptimal) {
-            if (k == 3) {
-                row += FormatText(",%d,%d,%d,%d", r.zbs, r.q, r.topflags, starIbs);
-            } else {
-                row += FormatText("%d,%d,%d,", r.zbs, r.q, r.topflags);
-            }
-        }
-        if (k == 3) {
-            b.ins.AddRecord(row);
-        }
-    } while (cursor.next());
-    if (!b.ins.exec()) {
-        ShowMessage(MSG_X_T3W, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    return CALC_OK;
+            return k == 3 ? row : QByteArray();
+        });
 }
 
 int CLFResultDataTransfer::ImportRTDBToBreaker_R()
