@@ -8,6 +8,7 @@
 #include <QList>
 
 class QSqlDatabase;
+class QSqlQuery;
 class dbDatabase;
 
 // A voltage level, in the order "order by id" of the kv records; its position is the
@@ -49,6 +50,12 @@ private:
     int ImportT3W_RDataToRTDB();
     int ImportBreaker_RDataToRTDB();
     void UpdateNdBsNo(char* name, int ibs);
+    // The shared halves of the families above: lines and series elements, two-winding
+    // transformers and phase shifters, and the topology columns of one- and two-ended rows.
+    int importLines(const char* family, const char* suffix);
+    int importTransformers(const char* family, const char* suffix, const char* message);
+    template <class T> void oneEndedTopology(T& r, const QSqlQuery& q);
+    template <class T> void twoEndedTopology(T& r, const QSqlQuery& q, int first);
 
     int PrepareLFDataList();
     int ImportRTDBToBs_R();

@@ -98,207 +98,173 @@ void CLFResultDataTransfer::UpdateNdBsNo(char* name, int ibs)
 namespace {
 
 // Runs a result SELECT; shows `message` when the server refuses it.
-bool runSelect(QSqlDatabase* db, QSqlQuery& q, const QByteArray& sql, const char* message)
+bool runSelect(QSqlQuery& q, const QByteArray& sql, const char* message)
 {
     q.setForwardOnly(true);
     if (!q.exec(QString::fromLocal8Bit(sql))) {
         ShowMessage(message, MSG_ERROR);
         return false;
     }
-    (void)db;
     return true;
 }
 
-} // namespace
-
-// Lines and series elements share one routine: the record is ln, the suffix differs.
-static int importLines(CLFResultDataTransfer* self, QSqlDatabase* db, const QByteArray& table,
-                       int caseNo, bool optimal, bool topology, const char* suffix,
-                       void (*updateNode)(CLFResultDataTransfer*, char*, int))
+// The frame of the families that meet their records by name: the SELECT, then for each row
+// the record of class T whose id is the row's first column plus `suffix`, given the row's
+// values by `apply` and updated. A row without a record is passed over silently.
+template <class T, class Apply>
+int updateRecords(QSqlDatabase* db, const QByteArray& sql, const char* message, const char* suffix,
+                  Apply apply)
 {
     QSqlQuery q(*db);
-    if (!runSelect(
-            db, q,
-            FormatText(optimal ? SQL_ACLINE_OPFR : SQL_ACLINE_LFR, table.constData(), caseNo),
-            MSG_Q_ACLINE)) {
-        return CALC_FAIL;
-    }
-    char id[kNameSize];
-    while (q.next()) {
-        dbCursor<ln> cursor(dbCursorForUpdate);
-        dbQuery query;
-        recordId(id, q.value(0), suffix);
-        query = "id=", static_cast<const char*>(id);
-        if (cursor.select(query) < 1) {
-            continue;
-        }
-        ln& r = *cursor;
-        r.Pi = real(q, 1);
-        r.Qi = real(q, 2);
-        r.Pj = real(q, 3);
-        r.Qj = real(q, 4);
-        r.Qci = real(q, 5);
-        r.Qcj = real(q, 6);
-        if (topology) {
-            r.ibs = q.value(7).toInt();
-            r.zbs = q.value(8).toInt();
-            r.q = q.value(9).toUInt();
-            r.topflags = q.value(10).toUInt();
-            QByteArray iName = bytes(q.value(11)), jName = bytes(q.value(12));
-            updateNode(self, iName.data(), r.ibs);
-            updateNode(self, jName.data(), r.zbs);
-        }
-        cursor.update();
-    }
-    return CALC_OK;
-}
-
-int CLFResultDataTransfer::ImportACLine_RDataToRTDB()
-{
-    CRunTimeLog frame("ImportACLine_RDataToRTDB");
-    return importLines(this, m_pDB, table("ACLINE"), m_caseNo, m_bOptimal, topology(), "_ac",
-                       [](CLFResultDataTransfer* t, char* n, int b) { t->UpdateNdBsNo(n, b); });
-}
-
-int CLFResultDataTransfer::ImportSCR_RDataToRTDB()
-{
-    CRunTimeLog frame("ImportSCR_RDataToRTDB");
-    return importLines(this, m_pDB, table("SCR"), m_caseNo, m_bOptimal, topology(), "_sc",
-                       [](CLFResultDataTransfer* t, char* n, int b) { t->UpdateNdBsNo(n, b); });
-}
-
-// Shunts, generators and loads: one node each, and the same topology columns after their
-// two values.
-template <class T, class Values>
-static int importOneEnded(CLFResultDataTransfer* self, QSqlDatabase* db, const QByteArray& sql,
-                          const char* message, bool topology, Values values,
-                          void (*updateNode)(CLFResultDataTransfer*, char*, int))
-{
-    QSqlQuery q(*db);
-    if (!runSelect(db, q, sql, message)) {
+    if (!runSelect(q, sql, message)) {
         return CALC_FAIL;
     }
     char id[kNameSize];
     while (q.next()) {
         dbCursor<T> cursor(dbCursorForUpdate);
         dbQuery query;
-        recordId(id, q.value(0), "");
-        query = "id=", static_cast<const char*>(id);
-        if (cursor.select(query) < 1) {
-            continue;
-        }
-        values(*cursor, q);
-        if (topology) {
-            cursor->ibs = q.value(3).toInt();
-            cursor->q = q.value(4).toUInt();
-            cursor->topflags = q.value(5).toUInt();
-            QByteArray node = bytes(q.value(6));
-            updateNode(self, node.data(), cursor->ibs);
-        }
-        cursor.update();
-    }
-    return CALC_OK;
-}
-
-int CLFResultDataTransfer::ImportPCR_RDataToRTDB()
-{
-    CRunTimeLog frame("ImportPCR_RDataToRTDB");
-    return importOneEnded<cp>(
-        this, m_pDB,
-        FormatText(m_bOptimal ? SQL_PCR_OPFR : SQL_PCR_LFR, table("PCR").constData(), m_caseNo),
-        MSG_Q_PCR, topology(),
-        [](cp& r, const QSqlQuery& q) {
-            r.Pi = real(q, 1);
-            r.Qi = real(q, 2);
-        },
-        [](CLFResultDataTransfer* t, char* n, int b) { t->UpdateNdBsNo(n, b); });
-}
-
-int CLFResultDataTransfer::ImportGen_RDataToRTDB()
-{
-    CRunTimeLog frame("ImportGen_RDataToRTDB");
-    return importOneEnded<un>(
-        this, m_pDB,
-        FormatText(m_bOptimal ? SQL_GEN_OPFR : SQL_GEN_LFR, table("GEN").constData(), m_caseNo),
-        MSG_Q_GEN, topology(),
-        [](un& r, const QSqlQuery& q) {
-            r.Pg = real(q, 1);
-            r.Qg = real(q, 2);
-        },
-        [](CLFResultDataTransfer* t, char* n, int b) { t->UpdateNdBsNo(n, b); });
-}
-
-int CLFResultDataTransfer::ImportLoad_RDataToRTDB()
-{
-    CRunTimeLog frame("ImportLoad_RDataToRTDB");
-    return importOneEnded<ld>(
-        this, m_pDB,
-        FormatText(m_bOptimal ? SQL_LOAD_OPFR : SQL_LOAD_LFR, table("LOAD").constData(),
-                   m_caseNo),
-        MSG_Q_LOAD, topology(),
-        [](ld& r, const QSqlQuery& q) {
-            r.Pl = real(q, 1);
-            r.Ql = real(q, 2);
-        },
-        [](CLFResultDataTransfer* t, char* n, int b) { t->UpdateNdBsNo(n, b); });
-}
-
-// Two-winding transformers and phase shifters: the record is xf, the suffix differs.
-static int importTransformers(CLFResultDataTransfer* self, QSqlDatabase* db,
-                              const QByteArray& table, int caseNo, bool optimal, bool topology,
-                              const char* suffix, const char* message,
-                              void (*updateNode)(CLFResultDataTransfer*, char*, int))
-{
-    QSqlQuery q(*db);
-    if (!runSelect(db, q,
-                   FormatText(optimal ? SQL_T2W_OPFR : SQL_T2W_LFR, table.constData(), caseNo),
-                   message)) {
-        return CALC_FAIL;
-    }
-    char id[kNameSize];
-    while (q.next()) {
-        dbCursor<xf> cursor(dbCursorForUpdate);
-        dbQuery query;
         recordId(id, q.value(0), suffix);
         query = "id=", static_cast<const char*>(id);
         if (cursor.select(query) < 1) {
             continue;
         }
-        xf& r = *cursor;
-        r.Pi = real(q, 1);
-        r.Qi = real(q, 2);
-        r.Pj = real(q, 3);
-        r.Qj = real(q, 4);
-        r.Pm = real(q, 5);
-        r.Qm = real(q, 6);
-        if (topology) {
-            r.ibs = q.value(7).toInt();
-            r.zbs = q.value(8).toInt();
-            r.q = q.value(9).toUInt();
-            r.topflags = q.value(10).toUInt();
-            QByteArray iName = bytes(q.value(11)), jName = bytes(q.value(12));
-            updateNode(self, iName.data(), r.ibs);
-            updateNode(self, jName.data(), r.zbs);
-        }
+        apply(*cursor, q);
         cursor.update();
     }
     return CALC_OK;
 }
 
+} // namespace
+
+// Bus number, flag words and node after a one-ended element's two values (columns 3 to 6).
+template <class T> void CLFResultDataTransfer::oneEndedTopology(T& r, const QSqlQuery& q)
+{
+    r.ibs = q.value(3).toInt();
+    r.q = q.value(4).toUInt();
+    r.topflags = q.value(5).toUInt();
+    QByteArray node = bytes(q.value(6));
+    UpdateNdBsNo(node.data(), r.ibs);
+}
+
+// Both ends' bus numbers, the flag words and the end nodes, from column `first` on.
+template <class T> void CLFResultDataTransfer::twoEndedTopology(T& r, const QSqlQuery& q, int first)
+{
+    r.ibs = q.value(first).toInt();
+    r.zbs = q.value(first + 1).toInt();
+    r.q = q.value(first + 2).toUInt();
+    r.topflags = q.value(first + 3).toUInt();
+    QByteArray iName = bytes(q.value(first + 4)), jName = bytes(q.value(first + 5));
+    UpdateNdBsNo(iName.data(), r.ibs);
+    UpdateNdBsNo(jName.data(), r.zbs);
+}
+
+// Lines and series elements: the record is ln, the suffix differs.
+int CLFResultDataTransfer::importLines(const char* family, const char* suffix)
+{
+    return updateRecords<ln>(m_pDB,
+                             FormatText(m_bOptimal ? SQL_ACLINE_OPFR : SQL_ACLINE_LFR,
+                                        table(family).constData(), m_caseNo),
+                             MSG_Q_ACLINE, suffix, [&](ln& r, const QSqlQuery& q) {
+                                 r.Pi = real(q, 1);
+                                 r.Qi = real(q, 2);
+                                 r.Pj = real(q, 3);
+                                 r.Qj = real(q, 4);
+                                 r.Qci = real(q, 5);
+                                 r.Qcj = real(q, 6);
+                                 if (topology()) {
+                                     twoEndedTopology(r, q, 7);
+                                 }
+                             });
+}
+
+int CLFResultDataTransfer::ImportACLine_RDataToRTDB()
+{
+    CRunTimeLog frame("ImportACLine_RDataToRTDB");
+    return importLines("ACLINE", "_ac");
+}
+
+int CLFResultDataTransfer::ImportSCR_RDataToRTDB()
+{
+    CRunTimeLog frame("ImportSCR_RDataToRTDB");
+    return importLines("SCR", "_sc");
+}
+
+// Shunts, generators and loads: one node each, the same topology columns after two values.
+int CLFResultDataTransfer::ImportPCR_RDataToRTDB()
+{
+    CRunTimeLog frame("ImportPCR_RDataToRTDB");
+    return updateRecords<cp>(
+        m_pDB,
+        FormatText(m_bOptimal ? SQL_PCR_OPFR : SQL_PCR_LFR, table("PCR").constData(), m_caseNo),
+        MSG_Q_PCR, "", [&](cp& r, const QSqlQuery& q) {
+            r.Pi = real(q, 1);
+            r.Qi = real(q, 2);
+            if (topology()) {
+                oneEndedTopology(r, q);
+            }
+        });
+}
+
+int CLFResultDataTransfer::ImportGen_RDataToRTDB()
+{
+    CRunTimeLog frame("ImportGen_RDataToRTDB");
+    return updateRecords<un>(
+        m_pDB,
+        FormatText(m_bOptimal ? SQL_GEN_OPFR : SQL_GEN_LFR, table("GEN").constData(), m_caseNo),
+        MSG_Q_GEN, "", [&](un& r, const QSqlQuery& q) {
+            r.Pg = real(q, 1);
+            r.Qg = real(q, 2);
+            if (topology()) {
+                oneEndedTopology(r, q);
+            }
+        });
+}
+
+int CLFResultDataTransfer::ImportLoad_RDataToRTDB()
+{
+    CRunTimeLog frame("ImportLoad_RDataToRTDB");
+    return updateRecords<ld>(
+        m_pDB,
+        FormatText(m_bOptimal ? SQL_LOAD_OPFR : SQL_LOAD_LFR, table("LOAD").constData(), m_caseNo),
+        MSG_Q_LOAD, "", [&](ld& r, const QSqlQuery& q) {
+            r.Pl = real(q, 1);
+            r.Ql = real(q, 2);
+            if (topology()) {
+                oneEndedTopology(r, q);
+            }
+        });
+}
+
+// Two-winding transformers and phase shifters: the record is xf, the suffix differs.
+int CLFResultDataTransfer::importTransformers(const char* family, const char* suffix,
+                                              const char* message)
+{
+    return updateRecords<xf>(
+        m_pDB,
+        FormatText(m_bOptimal ? SQL_T2W_OPFR : SQL_T2W_LFR, table(family).constData(), m_caseNo),
+        message, suffix, [&](xf& r, const QSqlQuery& q) {
+            r.Pi = real(q, 1);
+            r.Qi = real(q, 2);
+            r.Pj = real(q, 3);
+            r.Qj = real(q, 4);
+            r.Pm = real(q, 5);
+            r.Qm = real(q, 6);
+            if (topology()) {
+                twoEndedTopology(r, q, 7);
+            }
+        });
+}
+
 int CLFResultDataTransfer::ImportT2W_RDataToRTDB()
 {
     CRunTimeLog frame("ImportT2W_RDataToRTDB");
-    return importTransformers(
-        this, m_pDB, table("T2W"), m_caseNo, m_bOptimal, topology(), "_2w", MSG_Q_T2W,
-        [](CLFResultDataTransfer* t, char* n, int b) { t->UpdateNdBsNo(n, b); });
+    return importTransformers("T2W", "_2w", MSG_Q_T2W);
 }
 
 int CLFResultDataTransfer::ImportShift_RDataToRTDB()
 {
     CRunTimeLog frame("ImportShift_RDataToRTDB");
-    return importTransformers(
-        this, m_pDB, table("SHIFT"), m_caseNo, m_bOptimal, topology(), "_sf", MSG_Q_SHIFT,
-        [](CLFResultDataTransfer* t, char* n, int b) { t->UpdateNdBsNo(n, b); });
+    return importTransformers("SHIFT", "_sf", MSG_Q_SHIFT);
 }
 
 int CLFResultDataTransfer::ImportT3W_RDataToRTDB()
@@ -306,7 +272,7 @@ int CLFResultDataTransfer::ImportT3W_RDataToRTDB()
     CRunTimeLog frame("ImportT3w_RDataToRTDB");
     QSqlQuery q(*m_pDB);
     if (!runSelect(
-            m_pDB, q,
+            q,
             FormatText(m_bOptimal ? SQL_T3W_OPFR : SQL_T3W_LFR, table("T3W").constData(), m_caseNo),
             MSG_Q_T3W)) {
         return CALC_FAIL;
@@ -349,25 +315,12 @@ int CLFResultDataTransfer::ImportT3W_RDataToRTDB()
 int CLFResultDataTransfer::ImportBreaker_RDataToRTDB()
 {
     CRunTimeLog frame("ImportBreaker_RDataToRTDB");
-    QSqlQuery q(*m_pDB);
-    if (!runSelect(m_pDB, q, FormatText(SQL_BREAKER, table("BREAKER").constData(), m_caseNo),
-                   MSG_Q_BREAKER)) {
-        return CALC_FAIL;
-    }
-    char id[kNameSize];
-    while (q.next()) {
-        dbCursor<cb> cursor(dbCursorForUpdate);
-        dbQuery query;
-        recordId(id, q.value(0), "_brk"); // a switch's row meets no record
-        query = "id=", static_cast<const char*>(id);
-        if (cursor.select(query) < 1) {
-            continue;
-        }
-        cursor->P = real(q, 1);
-        cursor->Q = real(q, 2);
-        cursor.update();
-    }
-    return CALC_OK;
+    // A switch's row meets no record: its id takes the breaker's suffix too.
+    return updateRecords<cb>(m_pDB, FormatText(SQL_BREAKER, table("BREAKER").constData(), m_caseNo),
+                             MSG_Q_BREAKER, "_brk", [](cb& r, const QSqlQuery& q) {
+                                 r.P = real(q, 1);
+                                 r.Q = real(q, 2);
+                             });
 }
 
 int CLFResultDataTransfer::ImportBus_RDataToRTDB()
@@ -375,7 +328,7 @@ int CLFResultDataTransfer::ImportBus_RDataToRTDB()
     CRunTimeLog frame("ImportBus_RDataToRTDB");
     QSqlQuery q(*m_pDB);
     if (!runSelect(
-            m_pDB, q,
+            q,
             FormatText(m_bOptimal ? SQL_BUS_OPFR : SQL_BUS_LFR, table("BUS").constData(), m_caseNo),
             MSG_Q_BUS)) {
         return CALC_FAIL;
@@ -407,7 +360,7 @@ int CLFResultDataTransfer::ImportBs_RDataToRTDB()
     if (m_mode == 2 || m_bOptimal) {
         // In place: by name after an optimal flow, else by number.
         QSqlQuery q(*m_pDB);
-        if (!runSelect(m_pDB, q,
+        if (!runSelect(q,
                        FormatText(m_bOptimal ? SQL_BS_OPFR : SQL_BS_LFR, table("BS").constData(),
                                   m_caseNo),
                        MSG_Q_BUS)) {
@@ -441,8 +394,7 @@ int CLFResultDataTransfer::ImportBs_RDataToRTDB()
         m_pRTDB->commit();
     }
     QSqlQuery q(*m_pDB);
-    if (!runSelect(m_pDB, q, FormatText(SQL_BS_REBUILD, table("BS").constData(), m_caseNo),
-                   MSG_Q_BUS)) {
+    if (!runSelect(q, FormatText(SQL_BS_REBUILD, table("BS").constData(), m_caseNo), MSG_Q_BUS)) {
         return CALC_FAIL;
     }
     dbDatabase* db = bs::dbDescriptor.getDatabase();
@@ -479,54 +431,34 @@ int CLFResultDataTransfer::ImportBs_RDataToRTDB()
 int CLFResultDataTransfer::ImportDCLine_RDataToRTDB()
 {
     CRunTimeLog frame("ImportDCLine_RDataToRTDB");
-    QSqlQuery q(*m_pDB);
-    if (!runSelect(m_pDB, q,
-                   FormatText(m_bOptimal ? SQL_DCLINE_OPFR : SQL_DCLINE_LFR,
-                              table("DCLINE").constData(), m_caseNo),
-                   MSG_Q_DCLINE)) {
-        return CALC_FAIL;
-    }
     const auto& fields = dln::dbDescriptor.fields();
     std::size_t first = 0;
     while (first < fields.size() && std::strcmp(fields[first].name, "Id10") != 0) {
         ++first;
     }
     char owner[32];
-    char id[kNameSize];
-    while (q.next()) {
-        dbCursor<dln> cursor(dbCursorForUpdate);
-        dbQuery query;
-        recordId(id, q.value(0), "");
-        query = "id=", static_cast<const char*>(id);
-        if (cursor.select(query) < 1) {
-            continue;
-        }
-        dln& r = *cursor;
-        std::snprintf(owner, sizeof owner, "%d", q.value(1).toInt());
-        r.Owner = owner;
-        r.OP_Mode = q.value(2).toInt();
-        char* base = reinterpret_cast<char*>(&r);
-        for (int k = 0; k < 52; ++k) {
-            const double v = q.value(3 + k).toDouble();
-            std::memcpy(base + fields[first + k].offset, &v, sizeof v);
-        }
-        // The end sums as designed: Pi is written twice and ends with the J-end power.
-        r.Pi = static_cast<float>(-(r.Pd1i + r.Pd2i));
-        r.Qi = static_cast<float>(-(r.Qd1i + r.Qd2i));
-        r.Ii = static_cast<float>(r.Id10 + r.Id20);
-        r.Pi = static_cast<float>(r.Pd1j + r.Pd2j);
-        r.Qj = static_cast<float>(r.Qd1j + r.Qd2j);
-        r.Ij = static_cast<float>(r.Id10 + r.Id20);
-        if (topology()) {
-            r.ibs = q.value(55).toInt();
-            r.zbs = q.value(56).toInt();
-            r.q = q.value(57).toUInt();
-            r.topflags = q.value(58).toUInt();
-            QByteArray iName = bytes(q.value(59)), jName = bytes(q.value(60));
-            UpdateNdBsNo(iName.data(), r.ibs);
-            UpdateNdBsNo(jName.data(), r.zbs);
-        }
-        cursor.update();
-    }
-    return CALC_OK;
+    return updateRecords<dln>(m_pDB,
+                              FormatText(m_bOptimal ? SQL_DCLINE_OPFR : SQL_DCLINE_LFR,
+                                         table("DCLINE").constData(), m_caseNo),
+                              MSG_Q_DCLINE, "", [&](dln& r, const QSqlQuery& q) {
+                                  std::snprintf(owner, sizeof owner, "%d", q.value(1).toInt());
+                                  r.Owner = owner;
+                                  r.OP_Mode = q.value(2).toInt();
+                                  char* base = reinterpret_cast<char*>(&r);
+                                  for (int k = 0; k < 52; ++k) {
+                                      const double v = q.value(3 + k).toDouble();
+                                      std::memcpy(base + fields[first + k].offset, &v, sizeof v);
+                                  }
+                                  // The end sums as designed: Pi is written twice and ends with the
+                                  // J-end power.
+                                  r.Pi = static_cast<float>(-(r.Pd1i + r.Pd2i));
+                                  r.Qi = static_cast<float>(-(r.Qd1i + r.Qd2i));
+                                  r.Ii = static_cast<float>(r.Id10 + r.Id20);
+                                  r.Pi = static_cast<float>(r.Pd1j + r.Pd2j);
+                                  r.Qj = static_cast<float>(r.Qd1j + r.Qd2j);
+                                  r.Ij = static_cast<float>(r.Id10 + r.Id20);
+                                  if (topology()) {
+                                      twoEndedTopology(r, q, 55);
+                                  }
+                              });
 }
