@@ -5,11 +5,9 @@
 #include "ServerConnection.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 
-#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QSqlQuery>
 #include <benchmark/benchmark.h>
-#include <cstdio>
 
 namespace {
 
@@ -96,15 +94,3 @@ BENCHMARK(BM_SaveBack)
     ->UseRealTime();
 
 } // namespace
-
-int main(int argc, char** argv)
-{
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    QString error;
-    if (!fixtures::TurnGeneralLogOff(&error)) {
-        std::fprintf(stderr, "the server's general log stays as it is: %s\n", qPrintable(error));
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-}

@@ -10,12 +10,10 @@
 #include "loadflow/realtime/LFRealtimeStatements.h"
 #include "rtdb/rtdb.h"
 
-#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <benchmark/benchmark.h>
-#include <cstdio>
 
 namespace {
 
@@ -143,15 +141,3 @@ BENCHMARK(BM_UpdateJobTables)
     ->UseRealTime();
 
 } // namespace
-
-int main(int argc, char** argv)
-{
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    QString error;
-    if (!fixtures::TurnGeneralLogOff(&error)) {
-        std::fprintf(stderr, "the server's general log stays as it is: %s\n", qPrintable(error));
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-}

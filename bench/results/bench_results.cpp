@@ -7,10 +7,8 @@
 #include "loadflow/results/LFResultDataTransfer.h"
 #include "records/NetworkRecords.h"
 
-#include <QCoreApplication>
 #include <QSqlQuery>
 #include <benchmark/benchmark.h>
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -180,15 +178,3 @@ BENCHMARK(BM_PlainMultiInsert)
     ->UseRealTime();
 
 } // namespace
-
-int main(int argc, char** argv)
-{
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    QString error;
-    if (!fixtures::TurnGeneralLogOff(&error)) {
-        std::fprintf(stderr, "the server's general log stays as it is: %s\n", qPrintable(error));
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-}
