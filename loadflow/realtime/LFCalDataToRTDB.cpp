@@ -79,6 +79,46 @@ bool endsWith(const QByteArray& id, const char* suffix)
     return id.size() >= n && id.right(n).toLower() == suffix;
 }
 
+// A row's Bus_Ctrl into its buffer, cut to 20 bytes and terminated.
+void copyBusCtrl(char (&buf)[kBusCtrlSize], const QVariant& value)
+{
+    std::memset(buf, 0, sizeof buf);
+    Strncopy(buf, value.toString().toLocal8Bit().constData(), kBusCtrlSize - 1);
+}
+
+// The frame of the import families with one record class: the job table's SELECT (a
+// refusal shows `queryMessage` and fails the family), then for each row the record of
+// class T whose id `nameRow` writes into the id buffer (which keeps the id of the row
+// before when it writes nothing), given the row by `apply` and updated. A row without its
+// record shows `missing` and the rest goes on.
+template <class T, class NameRow, class Apply>
+int importRows(QSqlDatabase* db, const QByteArray& sql, const char* queryMessage,
+               const char* missing, NameRow nameRow, Apply apply)
+{
+    dbCursor<T> cursor(dbCursorForUpdate);
+    QSqlQuery q(*db);
+    if (!runSelect(q, sql)) {
+        ShowMessage(queryMessage, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    char id[kIdSize] = "";
+    while (q.next()) {
+        nameRow(id, q);
+        if (!findRecord(cursor, id, missing)) {
+            continue;
+        }
+        apply(*cursor, q);
+        cursor.update();
+    }
+    return CALC_OK;
+}
+
+// The row's first column with a fixed suffix.
+auto plainName(const char* format)
+{
+    return [format](char* id, const QSqlQuery& q) { formId(id, q.value(0), format); };
+}
+
 } // namespace
 
 CLFCalDataToRTDB::CLFCalDataToRTDB(int jobNumber, QSqlDatabase* db)
@@ -101,23 +141,11 @@ int CLFCalDataToRTDB::ImportLDataToRTDB()
 int CLFCalDataToRTDB::ImportL1DataToRTDB()
 {
     const QByteArray table = FormatText(L1_TABLE, m_nJobNumber);
-    dbCursor<nd> cursor(dbCursorForUpdate);
-    QSqlQuery q(*m_pDB);
-    if (!runSelect(q, FormatText(SQL_L1_SELECT, table.constData()))) {
-        ShowMessage(MSG_L1_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    char id[kIdSize] = "";
-    while (q.next()) {
-        formId(id, q.value(0), ID_PLAIN);
-        if (!findRecord(cursor, id, MSG_ND_MISSING)) {
-            continue;
-        }
-        setBit(cursor->q, ND_INJOB, true);
-        setBit(cursor->q, ND_OUTSERVICE, false);
-        cursor.update();
-    }
-    return CALC_OK;
+    return importRows<nd>(m_pDB, FormatText(SQL_L1_SELECT, table.constData()), MSG_L1_QUERY,
+                          MSG_ND_MISSING, plainName(ID_PLAIN), [](nd& r, const QSqlQuery&) {
+                              setBit(r.q, ND_INJOB, true);
+                              setBit(r.q, ND_OUTSERVICE, false);
+                          });
 }
 
 int CLFCalDataToRTDB::ImportL2DataToRTDB()
@@ -135,10 +163,8 @@ int CLFCalDataToRTDB::ImportL2DataToRTDB()
     char type[kIdSize];
     while (q.next()) {
         const int ntype = q.value(19).toInt();
-        const QByteArray busCtrlText = q.value(14).toString().toLocal8Bit();
         const QByteArray typeText = q.value(18).toString().toLocal8Bit().left(kIdSize - 1);
-        std::memset(busCtrl, 0, sizeof busCtrl);
-        Strncopy(busCtrl, busCtrlText.constData(), kBusCtrlSize - 1);
+        copyBusCtrl(busCtrl, q.value(14));
         Strcopy(type, typeText.constData());
         if (ntype == 1 || ntype == 2) {
             formId(id, q.value(0), ntype == 1 ? ID_AC : ID_SC);
@@ -193,17 +219,10 @@ int CLFCalDataToRTDB::ImportL2DataToRTDB()
 int CLFCalDataToRTDB::ImportL3DataToRTDB()
 {
     const QByteArray table = FormatText(L3_TABLE, m_nJobNumber);
-    dbCursor<xf> cursor(dbCursorForUpdate);
-    QSqlQuery q(*m_pDB);
-    if (!runSelect(q, FormatText(SQL_L3_SELECT, table.constData()))) {
-        ShowMessage(MSG_L3_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    // Cleared once: a row of an unknown NType keeps the id of the row before it, and so
-    // overwrites that record again.
-    char id[kIdSize] = "";
     char busCtrl[kBusCtrlSize];
-    while (q.next()) {
+    // A row of an unknown NType names no id: it keeps the id of the row before it, and so
+    // overwrites that record again.
+    auto nameRow = [](char* id, const QSqlQuery& q) {
         switch (q.value(18).toInt()) {
         case 1:
             formId(id, q.value(0), ID_2W);
@@ -223,63 +242,53 @@ int CLFCalDataToRTDB::ImportL3DataToRTDB()
         default:
             break;
         }
-        if (!findRecord(cursor, id, MSG_XF_MISSING)) {
-            continue;
-        }
-        xf& r = *cursor;
-        setBit(r.q, XF_INJOB, true);
-        setBit(r.q, XF_OUTSERVICE, q.value(1).toInt() == 0);
-        r.ID_No = q.value(4).toInt();
-        r.R1 = real(q, 5);
-        r.X1 = real(q, 6);
-        const double gm = q.value(7).toDouble();
-        const double bm = q.value(8).toDouble();
-        if (gm > -1e-08 && gm < 1e-08 && bm > -1e-08 && bm < 1e-08) {
-            r.Rm = 0;
-            r.Xm = 0;
-        } else {
-            const double d = gm * gm + bm * bm;
-            r.Rm = static_cast<float>(gm / d);
-            r.Xm = static_cast<float>(bm / d);
-        }
-        r.Tk = real(q, 9);
-        r.Ang_Shift = real(q, 10);
-        r.Rate_MVA = real(q, 11);
-        r.Up_Limit = real(q, 12);
-        r.Mode_Ctrl = q.value(13).toInt();
-        r.Par_No = q.value(14).toInt();
-        std::memset(busCtrl, 0, sizeof busCtrl);
-        Strncopy(busCtrl, q.value(15).toString().toLocal8Bit().constData(), kBusCtrlSize - 1);
-        r.Bus_Ctrl = busCtrl;
-        r.Line_Ctrl = q.value(16).toInt();
-        r.Value_Ctrl = real(q, 17);
-        r.TapMax1 = q.value(19).toInt();
-        r.TapMin1 = q.value(20).toInt();
-        r.Vstep_Tap1 = real(q, 21);
-        r.V0_Tap1 = real(q, 22);
-        r.P0_Tap1 = q.value(23).toInt();
-        r.Vpos_Tap1 = q.value(24).toInt();
-        r.TapMax2 = q.value(25).toInt();
-        r.TapMin2 = q.value(26).toInt();
-        r.Vstep_Tap2 = real(q, 27);
-        r.V0_Tap2 = real(q, 28);
-        r.P0_Tap2 = q.value(29).toInt();
-        r.Vpos_Tap2 = q.value(30).toInt();
-        cursor.update();
-    }
-    return CALC_OK;
+    };
+    return importRows<xf>(m_pDB, FormatText(SQL_L3_SELECT, table.constData()), MSG_L3_QUERY,
+                          MSG_XF_MISSING, nameRow, [&](xf& r, const QSqlQuery& q) {
+                              setBit(r.q, XF_INJOB, true);
+                              setBit(r.q, XF_OUTSERVICE, q.value(1).toInt() == 0);
+                              r.ID_No = q.value(4).toInt();
+                              r.R1 = real(q, 5);
+                              r.X1 = real(q, 6);
+                              const double gm = q.value(7).toDouble();
+                              const double bm = q.value(8).toDouble();
+                              if (gm > -1e-08 && gm < 1e-08 && bm > -1e-08 && bm < 1e-08) {
+                                  r.Rm = 0;
+                                  r.Xm = 0;
+                              } else {
+                                  const double d = gm * gm + bm * bm;
+                                  r.Rm = static_cast<float>(gm / d);
+                                  r.Xm = static_cast<float>(bm / d);
+                              }
+                              r.Tk = real(q, 9);
+                              r.Ang_Shift = real(q, 10);
+                              r.Rate_MVA = real(q, 11);
+                              r.Up_Limit = real(q, 12);
+                              r.Mode_Ctrl = q.value(13).toInt();
+                              r.Par_No = q.value(14).toInt();
+                              copyBusCtrl(busCtrl, q.value(15));
+                              r.Bus_Ctrl = busCtrl;
+                              r.Line_Ctrl = q.value(16).toInt();
+                              r.Value_Ctrl = real(q, 17);
+                              r.TapMax1 = q.value(19).toInt();
+                              r.TapMin1 = q.value(20).toInt();
+                              r.Vstep_Tap1 = real(q, 21);
+                              r.V0_Tap1 = real(q, 22);
+                              r.P0_Tap1 = q.value(23).toInt();
+                              r.Vpos_Tap1 = q.value(24).toInt();
+                              r.TapMax2 = q.value(25).toInt();
+                              r.TapMin2 = q.value(26).toInt();
+                              r.Vstep_Tap2 = real(q, 27);
+                              r.V0_Tap2 = real(q, 28);
+                              r.P0_Tap2 = q.value(29).toInt();
+                              r.Vpos_Tap2 = q.value(30).toInt();
+                          });
 }
 
 int CLFCalDataToRTDB::ImportL4DataToRTDB()
 {
     const QByteArray table = FormatText(L4_TABLE, m_nJobNumber);
-    dbCursor<dln> cursor(dbCursorForUpdate);
-    QSqlQuery q(*m_pDB);
     const QByteArray sql = QByteArray(SQL_L4_SELECT) + FormatText(SQL_L4_FROM, table.constData());
-    if (!runSelect(q, sql)) {
-        ShowMessage(MSG_L4_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
     // Columns Rpi_Ohm (3) to J_Tap (46) fill the dln fields of the same names, which
     // stand in the same order: integers where the record has an int, else reals.
     const auto& fields = dln::dbDescriptor.fields();
@@ -288,133 +297,89 @@ int CLFCalDataToRTDB::ImportL4DataToRTDB()
         ++first;
     }
     constexpr int kFirstColumn = 3, kLastColumn = 46;
-    char id[kIdSize] = "";
-    while (q.next()) {
-        formId(id, q.value(0), ID_PLAIN);
-        if (!findRecord(cursor, id, MSG_DLN_MISSING)) {
-            continue;
-        }
-        dln& r = *cursor;
-        setBit(r.q, DLN_INJOB, true);
-        setBit(r.q, DLN_OUTSERVICE, q.value(1).toInt() == 0);
-        char* base = reinterpret_cast<char*>(&r);
-        for (int c = kFirstColumn; c <= kLastColumn; ++c) {
-            const dbFieldDescriptor& f = fields[first + (c - kFirstColumn)];
-            if (f.type == dbFieldInt) {
-                const int v = q.value(c).toInt();
-                std::memcpy(base + f.offset, &v, sizeof v);
-            } else {
-                const float v = real(q, c);
-                std::memcpy(base + f.offset, &v, sizeof v);
-            }
-        }
-        cursor.update();
-    }
-    return CALC_OK;
+    return importRows<dln>(m_pDB, sql, MSG_L4_QUERY, MSG_DLN_MISSING, plainName(ID_PLAIN),
+                           [&](dln& r, const QSqlQuery& q) {
+                               setBit(r.q, DLN_INJOB, true);
+                               setBit(r.q, DLN_OUTSERVICE, q.value(1).toInt() == 0);
+                               char* base = reinterpret_cast<char*>(&r);
+                               for (int c = kFirstColumn; c <= kLastColumn; ++c) {
+                                   const dbFieldDescriptor& f = fields[first + (c - kFirstColumn)];
+                                   if (f.type == dbFieldInt) {
+                                       const int v = q.value(c).toInt();
+                                       std::memcpy(base + f.offset, &v, sizeof v);
+                                   } else {
+                                       const float v = real(q, c);
+                                       std::memcpy(base + f.offset, &v, sizeof v);
+                                   }
+                               }
+                           });
 }
 
 int CLFCalDataToRTDB::ImportL5DataToRTDB()
 {
     const QByteArray table = FormatText(L5_TABLE, m_nJobNumber);
-    dbCursor<un> cursor(dbCursorForUpdate);
-    QSqlQuery q(*m_pDB);
-    if (!runSelect(q, FormatText(SQL_L5_SELECT, table.constData()))) {
-        ShowMessage(MSG_L5_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    char id[kIdSize] = "";
     char busCtrl[kBusCtrlSize];
-    while (q.next()) {
-        formId(id, q.value(0), ID_PLAIN);
-        if (!findRecord(cursor, id, MSG_UN_MISSING)) {
-            continue;
-        }
-        un& r = *cursor;
-        setBit(r.q, UN_INJOB, true);
-        setBit(r.q, UN_OUTSERVICE, q.value(1).toInt() == 0);
-        r.Mode_Ctrl = q.value(3).toInt();
-        r.Pg = real(q, 4);
-        r.Qg = real(q, 5);
-        r.V0 = real(q, 6);
-        r.Angle = real(q, 7);
-        r.Qmax = real(q, 8);
-        r.Qmin = real(q, 9);
-        r.Pmax = real(q, 10);
-        r.Pmin = real(q, 11);
-        r.Par_Group = q.value(12).toInt();
-        std::memset(busCtrl, 0, sizeof busCtrl);
-        Strncopy(busCtrl, q.value(13).toString().toLocal8Bit().constData(), kBusCtrlSize - 1);
-        r.Bus_Ctrl = busCtrl;
-        r.Line_Ctrl = q.value(14).toInt();
-        r.Value_Ctrl = real(q, 15);
-        cursor.update();
-    }
-    return CALC_OK;
+    return importRows<un>(m_pDB, FormatText(SQL_L5_SELECT, table.constData()), MSG_L5_QUERY,
+                          MSG_UN_MISSING, plainName(ID_PLAIN), [&](un& r, const QSqlQuery& q) {
+                              setBit(r.q, UN_INJOB, true);
+                              setBit(r.q, UN_OUTSERVICE, q.value(1).toInt() == 0);
+                              r.Mode_Ctrl = q.value(3).toInt();
+                              r.Pg = real(q, 4);
+                              r.Qg = real(q, 5);
+                              r.V0 = real(q, 6);
+                              r.Angle = real(q, 7);
+                              r.Qmax = real(q, 8);
+                              r.Qmin = real(q, 9);
+                              r.Pmax = real(q, 10);
+                              r.Pmin = real(q, 11);
+                              r.Par_Group = q.value(12).toInt();
+                              copyBusCtrl(busCtrl, q.value(13));
+                              r.Bus_Ctrl = busCtrl;
+                              r.Line_Ctrl = q.value(14).toInt();
+                              r.Value_Ctrl = real(q, 15);
+                          });
 }
 
 int CLFCalDataToRTDB::ImportL6DataToRTDB()
 {
     const QByteArray table = FormatText(L6_TABLE, m_nJobNumber);
-    dbCursor<ld> cursor(dbCursorForUpdate);
-    QSqlQuery q(*m_pDB);
-    if (!runSelect(q, FormatText(SQL_L6_SELECT, table.constData()))) {
-        ShowMessage(MSG_L6_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    char id[kIdSize] = "";
     char busCtrl[kBusCtrlSize];
-    while (q.next()) {
-        formId(id, q.value(0), ID_PLAIN);
-        if (!findRecord(cursor, id, MSG_LD_MISSING)) {
-            continue;
-        }
-        ld& r = *cursor;
-        setBit(r.q, LD_INJOB, true);
-        setBit(r.q, LD_OUTSERVICE, q.value(1).toInt() == 0);
-        r.No_Load = q.value(3).toInt();
-        r.Mode_Ctrl = q.value(4).toInt();
-        r.Pl = real(q, 5);
-        r.Ql = real(q, 6);
-        r.V0 = real(q, 7);
-        r.Angle = real(q, 8);
-        r.Qmax = real(q, 9);
-        r.Qmin = real(q, 10);
-        r.Pmax = real(q, 11);
-        r.Pmin = real(q, 12);
-        r.Par_Group = q.value(13).toInt();
-        std::memset(busCtrl, 0, sizeof busCtrl);
-        Strncopy(busCtrl, q.value(14).toString().toLocal8Bit().constData(), kBusCtrlSize - 1);
-        r.Bus_Ctrl = busCtrl;
-        r.Line_Ctrl = q.value(15).toInt();
-        r.Value_Ctrl = real(q, 16);
-        cursor.update();
-    }
-    return CALC_OK;
+    return importRows<ld>(m_pDB, FormatText(SQL_L6_SELECT, table.constData()), MSG_L6_QUERY,
+                          MSG_LD_MISSING, plainName(ID_PLAIN), [&](ld& r, const QSqlQuery& q) {
+                              setBit(r.q, LD_INJOB, true);
+                              setBit(r.q, LD_OUTSERVICE, q.value(1).toInt() == 0);
+                              r.No_Load = q.value(3).toInt();
+                              r.Mode_Ctrl = q.value(4).toInt();
+                              r.Pl = real(q, 5);
+                              r.Ql = real(q, 6);
+                              r.V0 = real(q, 7);
+                              r.Angle = real(q, 8);
+                              r.Qmax = real(q, 9);
+                              r.Qmin = real(q, 10);
+                              r.Pmax = real(q, 11);
+                              r.Pmin = real(q, 12);
+                              r.Par_Group = q.value(13).toInt();
+                              copyBusCtrl(busCtrl, q.value(14));
+                              r.Bus_Ctrl = busCtrl;
+                              r.Line_Ctrl = q.value(15).toInt();
+                              r.Value_Ctrl = real(q, 16);
+                          });
 }
 
 int CLFCalDataToRTDB::ImportLKDataToRTDB()
 {
     const QByteArray table = FormatText(LK_TABLE, m_nJobNumber);
-    dbCursor<cb> cursor(dbCursorForUpdate);
-    QSqlQuery q(*m_pDB);
-    if (!runSelect(q, FormatText(SQL_LK_SELECT, table.constData()))) {
-        ShowMessage(MSG_LK_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    char id[kIdSize] = "";
-    while (q.next()) {
-        formId(id, q.value(0), q.value(6).toInt() == 1 ? ID_BRK : ID_SW);
-        if (!findRecord(cursor, id, MSG_CB_MISSING)) {
-            continue;
-        }
-        cb& r = *cursor;
-        setBit(r.q, CB_INJOB, true);
-        setBit(r.q, CB_OUTSERVICE, q.value(1).toInt() == 0);
-        setBit(r.q, CB_OPEN, q.value(2).toInt() == 0);
-        r.ID_No = q.value(5).toInt();
-        cursor.update();
-    }
-    return CALC_OK;
+    return importRows<cb>(
+        m_pDB, FormatText(SQL_LK_SELECT, table.constData()), MSG_LK_QUERY, MSG_CB_MISSING,
+        [](char* id, const QSqlQuery& q) {
+            formId(id, q.value(0), q.value(6).toInt() == 1 ? ID_BRK : ID_SW);
+        },
+        [](cb& r, const QSqlQuery& q) {
+            setBit(r.q, CB_INJOB, true);
+            setBit(r.q, CB_OUTSERVICE, q.value(1).toInt() == 0);
+            setBit(r.q, CB_OPEN, q.value(2).toInt() == 0);
+            r.ID_No = q.value(5).toInt();
+        });
 }
 
 // ---- The way back ----
