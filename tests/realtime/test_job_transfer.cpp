@@ -1,30 +1,23 @@
 // A load-flow job into the real-time records and back, and invalidation.
 
 #include "DbTest.h"
+#include "RecordAccess.h"
 #include "loadflow/realtime/LFCalDataToRTDB.h"
 #include "records/NetworkRecords.h"
 #include "records/RecordFlags.h"
 
 using namespace dtsdb;
 using testsupport::DbTest;
+using testsupport::Fetch;
 
 namespace {
-
-template <class T> T Fetch(const char* id)
-{
-    dbCursor<T> c;
-    dbQuery q;
-    q = "id=", id;
-    EXPECT_EQ(c.select(q), 1) << id;
-    return *c;
-}
 
 template <class T> void Put(const char* id, unsigned int q = 0)
 {
     T r;
     r.id = id;
     r.q = q;
-    ASSERT_TRUE(T::dbDescriptor.getDatabase()->insertRecord(&T::dbDescriptor, nullptr, &r));
+    testsupport::Put(r);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // through breakers and switches.
 
 #include "DbTest.h"
+#include "RecordAccess.h"
 #include "loadflow/results/LFResultDataTransfer.h"
 #include "platform/NetModel.h"
 #include "records/NetworkRecords.h"
@@ -11,22 +12,10 @@
 
 using namespace dtsdb;
 using testsupport::DbTest;
+using testsupport::Fetch;
+using testsupport::Put;
 
 namespace {
-
-template <class T> void Put(const T& r)
-{
-    ASSERT_TRUE(T::dbDescriptor.getDatabase()->insertRecord(&T::dbDescriptor, nullptr, &r));
-}
-
-template <class T> T Fetch(const char* id)
-{
-    dbCursor<T> c;
-    dbQuery q;
-    q = "id=", id;
-    EXPECT_EQ(c.select(q), 1) << id;
-    return *c;
-}
 
 // Two nodes on calculation buses 1 and 2 of level "K220": a line, a transformer, a
 // shunt, a generator and a load between them, with an engine's answer in place.
