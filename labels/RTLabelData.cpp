@@ -57,6 +57,19 @@ template <class T, class Each> void walk(dbQuery* query, Each each)
     } while (cursor.next());
 }
 
+// Slot[0] of a level or a physical bus: the voltage `v`, after `v` and `angle` were set
+// to 0 when the bus is dead.
+void voltageSlot(LabelSlot& s, double& v, double& angle, bool dead)
+{
+    s.Changed = 1;
+    s.Kind = SLOT_VOLTAGE;
+    if (dead) {
+        v = 0;
+        angle = 0;
+    }
+    s.Value1 = v;
+}
+
 // Voltage levels first: each shows the voltage of its calculation bus, read through a
 // view-only cursor, so a bus marked dead shows 0 while the bs record keeps its values. A
 // level without its bus is passed over. Then the physical buses of a bus number above 0:
@@ -71,32 +84,18 @@ void voltageLabels(int nMode)
         if (calc.select(q) < 1) {
             return;
         }
-        LabelSlot& s = level->Slot[0];
-        s.Changed = 1;
-        s.Kind = SLOT_VOLTAGE;
-        if (calc->q & BS_SHOWN_DEAD) {
-            calc->V = 0;
-            calc->Angle = 0;
-        }
-        s.Value1 = calc->V;
+        voltageSlot(level->Slot[0], calc->V, calc->Angle, calc->q & BS_SHOWN_DEAD);
         if (named) {
-            s.Value1 = level->Base_kV * calc->V;
+            level->Slot[0].Value1 = level->Base_kV * calc->V;
         }
         level.update();
     });
     dbQuery q;
     q = "ibs >", 0;
     walk<bus>(&q, [&](dbCursor<bus>& b) {
-        LabelSlot& s = b->Slot[0];
-        s.Changed = 1;
-        s.Kind = SLOT_VOLTAGE;
-        if (b->topflags & BUS_TOP_DEAD) {
-            b->V = 0;
-            b->Angle = 0;
-        }
-        s.Value1 = b->V;
+        voltageSlot(b->Slot[0], b->V, b->Angle, b->topflags & BUS_TOP_DEAD);
         if (named) {
-            s.Value1 = GetBasekV_FromRTDB(b->id, false) * b->V;
+            b->Slot[0].Value1 = GetBasekV_FromRTDB(b->id, false) * b->V;
         }
         b.update();
     });
