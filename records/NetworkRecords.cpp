@@ -16,10 +16,6 @@ void initRecord(void* record, std::size_t size, const dbTableDescriptor& descrip
     }
 }
 
-#define DTSDB_DESCRIBE(type, name, kind) RTDB_##kind(RECORD, name),
-#define DTSDB_DESCRIPTOR(T, LIST)                                                                  \
-    dbTableDescriptor T::dbDescriptor(#T, sizeof(T), {LIST(DTSDB_DESCRIBE)});
-
 #define RECORD nd
 DTSDB_DESCRIPTOR(nd, DTSDB_ND)
 #undef RECORD

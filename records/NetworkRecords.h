@@ -30,6 +30,11 @@ struct LabelSlot
 void initRecord(void* record, std::size_t size, const dbTableDescriptor& descriptor);
 
 #define DTSDB_MEMBER(type, name, kind) type name;
+// The descriptor of record class T from its field list, in the one source file that
+// defines it, with RECORD defined as T around it.
+#define DTSDB_DESCRIBE(type, name, kind) RTDB_##kind(RECORD, name),
+#define DTSDB_DESCRIPTOR(T, LIST)                                                                  \
+    dbTableDescriptor T::dbDescriptor(#T, sizeof(T), {LIST(DTSDB_DESCRIBE)});
 #define DTSDB_RECORD_CLASS(T, SLOTS, LIST)                                                         \
     struct T                                                                                       \
     {                                                                                              \

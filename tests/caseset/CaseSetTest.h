@@ -1,0 +1,74 @@
+#pragma once
+// Fixture of the stability case tests: the IEEE 14-bus network extracted into load-flow
+// job 0 once per suite (its generator, transformer and load tables copied to job 5, the
+// load-flow case the stability case rests on), and per test a fresh real-time database
+// with the network records built from job 0 and filled by ImportLDataToRTDB, and empty
+// case tables.
+//
+// IEEE 14 names: nodes N1 to N14 with buses B1 to B14 (one voltage level each, so the
+// levels in id order are B1, B10, ..., B14, B2, ...), generators G1, G2, G3, G6, G8 on
+// nodes N<k>G joined to N<k> by closed switches, loads D<k> on N<k>.
+
+#include "DbTest.h"
+#include "records/StabilityCaseRecords.h"
+#include "stability/caseset/STCaseDataTransfer.h"
+
+#include <string>
+#include <vector>
+
+// The single families of the transfer, for tests that look at one step alone.
+struct CaseSetProbe
+{
+    static int Case(CSTCaseDataTransfer& t) { return t.ImportCase_STDataToRTDB(); }
+    static int Faults(CSTCaseDataTransfer& t) { return t.ImportFAULTDataToRTDB(); }
+    static int UserModels(CSTCaseDataTransfer& t) { return t.ImportUDCAL_STDataToRTDB(); }
+    static int UserPrograms(CSTCaseDataTransfer& t) { return t.ImportUPCAL_STDataToRTDB(); }
+    static int Disturbances(CSTCaseDataTransfer& t) { return t.ImportDISTDataToRTDB(); }
+    static int BusNo(CSTCaseDataTransfer& t, const char* name) { return t.GetNodeBusNo(name); }
+};
+
+namespace casetest {
+
+constexpr int kCase = 3;
+constexpr int kCaseLF = 5;
+
+class CaseSetTest : public testsupport::DbTest
+{
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    dbDatabase& rtdb() { return m_rtdb; }
+    // The case row of kCase with the given extra columns, e.g. "Ctrl_Fault=1,T_Total=5".
+    static void CaseRow(const QString& assignments);
+    // The bus number of a node, as the network records have it.
+    static int BusOf(const char* node);
+    // The number of records of class T.
+    template <class T> static int Records()
+    {
+        dbCursor<T> c;
+        return c.select();
+    }
+    // All records of class T, in the order they stand.
+    template <class T> static std::vector<T> All()
+    {
+        std::vector<T> out;
+        dbCursor<T> c;
+        if (c.select() > 0) {
+            do {
+                out.push_back(*c);
+            } while (c.next());
+        }
+        return out;
+    }
+    // Names of the bs records from `firstId` on, "id:name", in id order.
+    static std::vector<std::string> BusesFrom(int firstId);
+    // The largest bs id of the network as built.
+    int lastBus() const { return m_lastBus; }
+
+private:
+    dbDatabase m_rtdb;
+    int m_lastBus = -1;
+};
+
+} // namespace casetest
