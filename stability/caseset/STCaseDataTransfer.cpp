@@ -61,6 +61,37 @@ int integer(const QSqlQuery& q, int column)
     return v.toInt();
 }
 
+// The switch of a family in the case tables: the first column of `sql` (a flag select
+// on `table` for the case). Gives -1 when the family goes on (the flag is `on`, or no row
+// came), else what the family returns at once: 0 when a row turns it off, 1 after
+// `message` when the select fails.
+int switchedOff(QSqlDatabase* db, const char* sql, const char* table, int caseNo, int on,
+                const char* message)
+{
+    QSqlQuery q(*db);
+    if (!run(q, FormatText(sql, table, caseNo))) {
+        ShowMessage(message, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    return q.next() && integer(q, 0) != on ? CALC_OK : -1;
+}
+
+// Runs the select of a disturbance's detail table; false after `queryMessage` when it
+// fails and after `noneMessage` when it gives no row (as its size says).
+bool selectDetail(QSqlQuery& q, const QByteArray& sql, const char* queryMessage,
+                  const char* noneMessage)
+{
+    if (!run(q, sql)) {
+        ShowMessage(queryMessage, MSG_ERROR);
+        return false;
+    }
+    if (q.size() < 1) {
+        ShowMessage(noneMessage, MSG_ERROR);
+        return false;
+    }
+    return true;
+}
+
 float real(const QSqlQuery& q, int column)
 {
     return static_cast<float>(q.value(column).toDouble());
@@ -326,14 +357,11 @@ int CSTCaseDataTransfer::ImportFAULTDataToRTDB()
     removeAllRecords<stfault>();
     m_pRTDB->commit();
 
+    const int off = switchedOff(m_pDB, SQL_CTRL_FAULT, ST_CASE, m_nCaseNo, 1, MSG_FLAG_QUERY);
+    if (off >= 0) {
+        return off; // no row counts as faults on
+    }
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_CTRL_FAULT, ST_CASE, m_nCaseNo))) {
-        ShowMessage(MSG_FLAG_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    if (q.next() && integer(q, 0) != 1) {
-        return CALC_OK; // no row counts as faults on
-    }
     if (!run(q, FormatText(SQL_FAULT_SELECT, ST_FAULT, m_nCaseNo))) {
         ShowMessage(MSG_FAULT_QUERY, MSG_ERROR);
         return CALC_FAIL;
@@ -416,14 +444,11 @@ int CSTCaseDataTransfer::ImportUDCAL_STDataToRTDB()
     removeAllRecords<udcal_st>();
     m_pRTDB->commit();
 
+    const int off = switchedOff(m_pDB, SQL_CTRL_UD, ST_CASE, m_nCaseNo, 1, MSG_FLAG_QUERY);
+    if (off >= 0) {
+        return off;
+    }
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_CTRL_UD, ST_CASE, m_nCaseNo))) {
-        ShowMessage(MSG_FLAG_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    if (q.next() && integer(q, 0) != 1) {
-        return CALC_OK;
-    }
     if (!run(q, FormatText(SQL_UDCAL_SELECT, ST_UDCAL, m_nCaseNo))) {
         ShowMessage(MSG_UDCAL_QUERY, MSG_ERROR);
         return CALC_FAIL;
@@ -436,8 +461,8 @@ int CSTCaseDataTransfer::ImportUDCAL_STDataToRTDB()
         r.Model_No = integer(q, 1);
         r.Par_No = integer(q, 2);
         fillModelBuses(r, q, 3, buses);
-        const ModelBranch branches[4] = {MODEL_BRANCH(r, 1), MODEL_BRANCH(r, 2),
-                                         MODEL_BRANCH(r, 3), MODEL_BRANCH(r, 4)};
+        const ModelBranch branches[4] = {MODEL_BRANCH(r, 1), MODEL_BRANCH(r, 2), MODEL_BRANCH(r, 3),
+                                         MODEL_BRANCH(r, 4)};
         const UdBranchPlace places[4] = {UD_BRANCH_PLACE(r, 1), UD_BRANCH_PLACE(r, 2),
                                          UD_BRANCH_PLACE(r, 3), UD_BRANCH_PLACE(r, 4)};
         for (int k = 0; k < 4; ++k) { // seven columns a branch from column 7
@@ -469,14 +494,11 @@ int CSTCaseDataTransfer::ImportUPCAL_STDataToRTDB()
     removeAllRecords<udcal_st>();
     m_pRTDB->commit();
 
+    const int off = switchedOff(m_pDB, SQL_UP_CAL, ST_CASE, m_nCaseNo, 1, MSG_CASE_QUERY);
+    if (off >= 0) {
+        return off;
+    }
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_UP_CAL, ST_CASE, m_nCaseNo))) {
-        ShowMessage(MSG_CASE_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    if (q.next() && integer(q, 0) != 1) {
-        return CALC_OK;
-    }
     const char* select = m_bIntended ? SQL_UPCAL_SELECT_INTENDED : SQL_UPCAL_SELECT;
     if (!run(q, FormatText(select, ST_UPCAL, m_nCaseNo))) {
         ShowMessage(MSG_UPCAL_QUERY, MSG_ERROR);
@@ -491,8 +513,8 @@ int CSTCaseDataTransfer::ImportUPCAL_STDataToRTDB()
         r.UP_Name = upName.constData();
         r.Par_No = integer(q, 2);
         fillModelBuses(r, q, 3, buses);
-        const ModelBranch branches[4] = {MODEL_BRANCH(r, 1), MODEL_BRANCH(r, 2),
-                                         MODEL_BRANCH(r, 3), MODEL_BRANCH(r, 4)};
+        const ModelBranch branches[4] = {MODEL_BRANCH(r, 1), MODEL_BRANCH(r, 2), MODEL_BRANCH(r, 3),
+                                         MODEL_BRANCH(r, 4)};
         for (int k = 0; k < 4; ++k) { // four columns a branch from column 7
             fillModelBranch(branches[k], q, 7 + 4 * k, texts[k]);
         }
@@ -527,8 +549,8 @@ struct DistRecord
         r.I_No = nodeBusNo(r.I_Name);
         r.J_No = nodeBusNo(r.J_Name);
     }
-    void set(int idNo, int type, int subType, double p1, double p2, double p3, double p4,
-             double p5, double p6)
+    void set(int idNo, int type, int subType, double p1, double p2, double p3, double p4, double p5,
+             double p6)
     {
         r.ID_No = idNo;
         r.Type = type;
@@ -593,11 +615,21 @@ int CSTCaseDataTransfer::ImportDISTDataToRTDB()
         copyName(inf.J_Name, q, 5);
         int rc = 0;
         switch (inf.Type) {
-        case 1: rc = ImportDist_T1DataToRTDB(inf); break;
-        case 2: rc = ImportDist_T2DataToRTDB(inf); break;
-        case 3: rc = ImportDist_T3DataToRTDB(inf); break;
-        case 4: rc = ImportDist_T4DataToRTDB(inf); break;
-        case 5: rc = ImportDist_T5DataToRTDB(inf); break;
+        case 1:
+            rc = ImportDist_T1DataToRTDB(inf);
+            break;
+        case 2:
+            rc = ImportDist_T2DataToRTDB(inf);
+            break;
+        case 3:
+            rc = ImportDist_T3DataToRTDB(inf);
+            break;
+        case 4:
+            rc = ImportDist_T4DataToRTDB(inf);
+            break;
+        case 5:
+            rc = ImportDist_T5DataToRTDB(inf);
+            break;
         case 6:
             // DT6 lives for this one row: dropped, made, used, dropped.
             run(work, SQL_DT6_DROP_BEFORE);
@@ -611,11 +643,20 @@ int CSTCaseDataTransfer::ImportDISTDataToRTDB()
                 failed = 1;
             }
             break;
-        case 7: rc = ImportDist_T7DataToRTDB(inf); break;
-        case 8: rc = ImportDist_T8DataToRTDB(inf); break;
-        case 9: rc = ImportDist_T9DataToRTDB(inf); break;
-        case 10: rc = ImportDist_T10DataToRTDB(inf); break;
-        default: break; // no such kind: passed over without a word
+        case 7:
+            rc = ImportDist_T7DataToRTDB(inf);
+            break;
+        case 8:
+            rc = ImportDist_T8DataToRTDB(inf);
+            break;
+        case 9:
+            rc = ImportDist_T9DataToRTDB(inf);
+            break;
+        case 10:
+            rc = ImportDist_T10DataToRTDB(inf);
+            break;
+        default:
+            break; // no such kind: passed over without a word
         }
         if (rc != 0) {
             failed = 1;
@@ -624,18 +665,13 @@ int CSTCaseDataTransfer::ImportDISTDataToRTDB()
     return failed ? CALC_FAIL : CALC_OK;
 }
 
-int CSTCaseDataTransfer::ImportCurve(const SDist_Inf& inf, const char* table, bool power,
-                                     int type, int subType, const char* queryMessage,
-                                     const char* noneMessage)
+int CSTCaseDataTransfer::ImportCurve(const SDist_Inf& inf, const char* table, bool power, int type,
+                                     int subType, const char* queryMessage, const char* noneMessage)
 {
     QSqlQuery q(*m_pDB);
     const char* select = power ? SQL_DIST_T1_SELECT : SQL_DIST_VCURVE_SELECT;
-    if (!run(q, FormatText(select, table, m_nCaseNo, inf.Bus_Name))) {
-        ShowMessage(queryMessage, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    if (q.size() < 1) {
-        ShowMessage(noneMessage, MSG_ERROR);
+    if (!selectDetail(q, FormatText(select, table, m_nCaseNo, inf.Bus_Name), queryMessage,
+                      noneMessage)) {
         return CALC_FAIL;
     }
     // Each point counts; each point after the first closes a segment from the point before.
@@ -683,13 +719,9 @@ int CSTCaseDataTransfer::ImportDist_T10DataToRTDB(SDist_Inf& inf)
 int CSTCaseDataTransfer::ImportDist_T4DataToRTDB(SDist_Inf& inf)
 {
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_DIST_T4_SELECT, ST_DIST_T4, m_nCaseNo, inf.Bus_Name,
-                           inf.ID_Name))) {
-        ShowMessage(MSG_DIST_T4_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    if (q.size() < 1) {
-        ShowMessage(MSG_DIST_T4_NONE, MSG_ERROR);
+    if (!selectDetail(
+            q, FormatText(SQL_DIST_T4_SELECT, ST_DIST_T4, m_nCaseNo, inf.Bus_Name, inf.ID_Name),
+            MSG_DIST_T4_QUERY, MSG_DIST_T4_NONE)) {
         return CALC_FAIL;
     }
     while (q.next()) {
@@ -707,13 +739,9 @@ int CSTCaseDataTransfer::ImportDist_T4DataToRTDB(SDist_Inf& inf)
 int CSTCaseDataTransfer::ImportDist_T5DataToRTDB(SDist_Inf& inf)
 {
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_DIST_T5_SELECT, ST_DIST_T5, m_nCaseNo, inf.Bus_Name,
-                           inf.ID_Name))) {
-        ShowMessage(MSG_DIST_T5_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    if (q.size() < 1) {
-        ShowMessage(MSG_DIST_T5_NONE, MSG_ERROR);
+    if (!selectDetail(
+            q, FormatText(SQL_DIST_T5_SELECT, ST_DIST_T5, m_nCaseNo, inf.Bus_Name, inf.ID_Name),
+            MSG_DIST_T5_QUERY, MSG_DIST_T5_NONE)) {
         return CALC_FAIL;
     }
     while (q.next()) {
@@ -759,7 +787,9 @@ int CSTCaseDataTransfer::ImportDist_T6DataToRTDB(SDist_Inf& inf)
         // percent of the base voltage in Load_Name (-3); any other range none.
         QByteArray loads;
         switch (row->Nrange) {
-        case -1: loads = FormatText(SQL_RANGE_ALL_LOADS, m_nCaseLF); break;
+        case -1:
+            loads = FormatText(SQL_RANGE_ALL_LOADS, m_nCaseLF);
+            break;
         case -2:
             loads = FormatText(SQL_RANGE_ZONE, std::atoi(row->Load_Name.constData()));
             break;
@@ -767,7 +797,8 @@ int CSTCaseDataTransfer::ImportDist_T6DataToRTDB(SDist_Inf& inf)
             loads = FormatText(SQL_RANGE_VOLTAGE, row->Load_Name.constData(),
                                row->Load_Name.constData());
             break;
-        default: break;
+        default:
+            break;
         }
         if (row->Nrange == 0) {
             const int rc = InsertDT6(row->Load_Name.constData(), row.get());
@@ -846,13 +877,10 @@ int CSTCaseDataTransfer::DumpDT6()
 int CSTCaseDataTransfer::ImportDist_T7DataToRTDB(SDist_Inf& inf)
 {
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_DIST_T7_SELECT, ST_DIST_T7, m_nCaseNo, inf.ID_No, inf.I_Name,
-                           inf.J_Name, inf.ID_Name))) {
-        ShowMessage(MSG_DIST_T7_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    if (q.size() < 1) {
-        ShowMessage(MSG_DIST_T7_NONE, MSG_ERROR);
+    if (!selectDetail(q,
+                      FormatText(SQL_DIST_T7_SELECT, ST_DIST_T7, m_nCaseNo, inf.ID_No, inf.I_Name,
+                                 inf.J_Name, inf.ID_Name),
+                      MSG_DIST_T7_QUERY, MSG_DIST_T7_NONE)) {
         return CALC_FAIL;
     }
     while (q.next()) {
@@ -869,24 +897,20 @@ int CSTCaseDataTransfer::ImportDist_T7DataToRTDB(SDist_Inf& inf)
 int CSTCaseDataTransfer::ImportDist_T8DataToRTDB(SDist_Inf& inf)
 {
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_DIST_T8_SELECT, ST_DIST_T8, m_nCaseNo, inf.Bus_Name,
-                           inf.ID_Name))) {
-        ShowMessage(MSG_DIST_T8_QUERY, MSG_ERROR);
+    if (!selectDetail(
+            q, FormatText(SQL_DIST_T8_SELECT, ST_DIST_T8, m_nCaseNo, inf.Bus_Name, inf.ID_Name),
+            MSG_DIST_T8_QUERY, MSG_DIST_T8_NONE)) {
         return CALC_FAIL;
     }
     const int rows = q.size();
-    if (rows < 1) {
-        ShowMessage(MSG_DIST_T8_NONE, MSG_ERROR);
-        return CALC_FAIL;
-    }
     bool first = true;
     while (q.next()) {
         ++m_nDist;
         const QByteArray load = text(q, 1, kNameBytes);
         DistRecord d(text(q, 0, kNameBytes), load, load);
         // Both times read column 6 (T_Start), as designed: T_End is never read.
-        d.set(inf.ID_No, 6, rows, number(q, 6), EndTime(number(q, 6)), number(q, 3),
-              number(q, 4), number(q, 5), first ? number(q, 2) : 0.0);
+        d.set(inf.ID_No, 6, rows, number(q, 6), EndTime(number(q, 6)), number(q, 3), number(q, 4),
+              number(q, 5), first ? number(q, 2) : 0.0);
         insert(d.r);
         m_pRTDB->precommit();
         first = false;
@@ -897,24 +921,20 @@ int CSTCaseDataTransfer::ImportDist_T8DataToRTDB(SDist_Inf& inf)
 int CSTCaseDataTransfer::ImportDist_T9DataToRTDB(SDist_Inf& inf)
 {
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_DIST_T9_SELECT, ST_DIST_T9, m_nCaseNo, inf.Bus_Name,
-                           inf.ID_Name))) {
-        ShowMessage(MSG_DIST_T9_QUERY, MSG_ERROR);
+    if (!selectDetail(
+            q, FormatText(SQL_DIST_T9_SELECT, ST_DIST_T9, m_nCaseNo, inf.Bus_Name, inf.ID_Name),
+            MSG_DIST_T9_QUERY, MSG_DIST_T9_NONE)) {
         return CALC_FAIL;
     }
     const int rows = q.size();
-    if (rows < 1) {
-        ShowMessage(MSG_DIST_T9_NONE, MSG_ERROR);
-        return CALC_FAIL;
-    }
     bool first = true;
     while (q.next()) {
         ++m_nDist;
         // Name, ends and circuit come from the disturbance row; the table's ID_Name,
         // Gen_Name and PG0 are not read.
         DistRecord d(inf.ID_Name, inf.I_Name, inf.I_Name);
-        d.set(inf.ID_No, 7, rows, number(q, 7), EndTime(number(q, 8)), number(q, 4),
-              number(q, 5), number(q, 6), first ? number(q, 2) : 0.0);
+        d.set(inf.ID_No, 7, rows, number(q, 7), EndTime(number(q, 8)), number(q, 4), number(q, 5),
+              number(q, 6), first ? number(q, 2) : 0.0);
         insert(d.r);
         m_pRTDB->precommit();
         first = false;
@@ -962,10 +982,14 @@ QByteArray CSTCaseDataTransfer::BranchOutputId(const QByteArray& name, const QBy
                                                const QByteArray& jName, int kind)
 {
     switch (kind) {
-    case 6: return FormatText(ID_AC, name.constData());
-    case 8: return FormatText(ID_SC, name.constData());
-    case 10: return FormatText(ID_2W, name.constData());
-    case 11: return FormatText(ID_SF, name.constData());
+    case 6:
+        return FormatText(ID_AC, name.constData());
+    case 8:
+        return FormatText(ID_SC, name.constData());
+    case 10:
+        return FormatText(ID_2W, name.constData());
+    case 11:
+        return FormatText(ID_SF, name.constData());
     case 12: {
         // The output does not say which winding: the load-flow case's transformer table does.
         QSqlQuery q(*m_pDB);
@@ -978,13 +1002,18 @@ QByteArray CSTCaseDataTransfer::BranchOutputId(const QByteArray& name, const QBy
             return QByteArray();
         }
         switch (integer(q, 0)) {
-        case 31: return FormatText(ID_3W1, name.constData());
-        case 32: return FormatText(ID_3W2, name.constData());
-        case 33: return FormatText(ID_3W3, name.constData());
-        default: return QByteArray();
+        case 31:
+            return FormatText(ID_3W1, name.constData());
+        case 32:
+            return FormatText(ID_3W2, name.constData());
+        case 33:
+            return FormatText(ID_3W3, name.constData());
+        default:
+            return QByteArray();
         }
     }
-    default: return QByteArray();
+    default:
+        return QByteArray();
     }
 }
 
@@ -1003,14 +1032,11 @@ int CSTCaseDataTransfer::ImportVAR_INFDataToRTDB()
     removeAllRecords<stvar_inf>();
     m_pRTDB->commit();
 
+    const int off = switchedOff(m_pDB, SQL_VARIABLE, ST_OUT, m_nCaseNo, 1, MSG_FLAG_QUERY);
+    if (off >= 0) {
+        return off;
+    }
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_VARIABLE, ST_OUT, m_nCaseNo))) {
-        ShowMessage(MSG_FLAG_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    if (q.next() && integer(q, 0) != 1) {
-        return CALC_OK;
-    }
     // One record for all rows, as the designed cursor has it: a generator's bus number
     // that cannot be looked up stays as the row before left it.
     stvar_inf r;
@@ -1058,14 +1084,11 @@ int CSTCaseDataTransfer::ImportSTANA_GIDataToRTDB()
     removeAllRecords<stana_gi>();
     m_pRTDB->commit();
 
+    const int off = switchedOff(m_pDB, SQL_ANAFUNC, ST_OUT, m_nCaseNo, 2, MSG_FLAG_QUERY);
+    if (off >= 0) {
+        return off; // only 2 turns the analysis on
+    }
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_ANAFUNC, ST_OUT, m_nCaseNo))) {
-        ShowMessage(MSG_FLAG_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    if (q.next() && integer(q, 0) != 2) { // only 2 turns the analysis on
-        return CALC_OK;
-    }
     if (!run(q, FormatText(SQL_ANACAL_SELECT, ST_ANACAL, m_nCaseNo))) {
         ShowMessage(MSG_ANA_QUERY, MSG_ERROR);
         return CALC_FAIL;
@@ -1088,14 +1111,11 @@ int CSTCaseDataTransfer::ImportSTANA_GrpDataToRTDB()
     removeAllRecords<stana_grp>();
     m_pRTDB->commit();
 
+    const int off = switchedOff(m_pDB, SQL_ANAFUNC, ST_OUT, m_nCaseNo, 2, MSG_FLAG_QUERY);
+    if (off >= 0) {
+        return off;
+    }
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_ANAFUNC, ST_OUT, m_nCaseNo))) {
-        ShowMessage(MSG_FLAG_QUERY, MSG_ERROR);
-        return CALC_FAIL;
-    }
-    if (q.next() && integer(q, 0) != 2) {
-        return CALC_OK;
-    }
     if (!run(q, FormatText(SQL_ANA_GRP_SELECT, ST_ANA_GRP, ST_ANACAL, m_nCaseNo))) {
         ShowMessage(MSG_ANA_QUERY, MSG_ERROR);
         return CALC_FAIL;

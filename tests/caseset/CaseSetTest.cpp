@@ -31,10 +31,10 @@ void CaseSetTest::SetUp()
     ASSERT_GT(buses.select(last), 0);
     m_lastBus = buses->id;
     m_rtdb.commit();
-    Truncate({"ST_CASE", "ST_CRIT", "ST_FAULT", "ST_UDCAL", "ST_UPCAL", "ST_DIST_INF",
-              "ST_DIST_T1", "ST_DIST_T2", "ST_DIST_T3", "ST_DIST_T4", "ST_DIST_T5", "ST_DIST_T6",
-              "ST_DIST_T7", "ST_DIST_T8", "ST_DIST_T9", "ST_DIST_T10", "ST_OUT", "ST_VAR_INF",
-              "ST_ANACAL", "ST_ANA_GRP"});
+    Truncate({"ST_CASE",     "ST_CRIT",    "ST_FAULT",   "ST_UDCAL",   "ST_UPCAL",
+              "ST_DIST_INF", "ST_DIST_T1", "ST_DIST_T2", "ST_DIST_T3", "ST_DIST_T4",
+              "ST_DIST_T5",  "ST_DIST_T6", "ST_DIST_T7", "ST_DIST_T8", "ST_DIST_T9",
+              "ST_DIST_T10", "ST_OUT",     "ST_VAR_INF", "ST_ANACAL",  "ST_ANA_GRP"});
     feedback().clear();
 }
 

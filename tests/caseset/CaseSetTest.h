@@ -6,8 +6,9 @@
 // case tables.
 //
 // IEEE 14 names: nodes N1 to N14 with buses B1 to B14 (one voltage level each, so the
-// levels in id order are B1, B10, ..., B14, B2, ...), generators G1, G2, G3, G6, G8 on
-// nodes N<k>G joined to N<k> by closed switches, loads D<k> on N<k>.
+// levels in id order are B1, B10, ..., B14, B2, ...), generators G1 to G5 on nodes N1G to
+// N5G, each joined to its bus's node (N1, N2, N3, N6, N8) by closed switches, loads D<k>
+// on N<k>.
 
 #include "DbTest.h"
 #include "records/StabilityCaseRecords.h"

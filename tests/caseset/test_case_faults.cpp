@@ -12,10 +12,10 @@ const char* const kFaultColumns = "Case_No,Valid,ID_Name,I_Name,J_Name,ID_No,Loc
 
 std::string FaultText(const stfault& f)
 {
-    return std::string(f.ID_Name) + "|" + f.I_Name + "|" + f.J_Name + "|" +
-           std::to_string(f.I_No) + "|" + std::to_string(f.J_No) + "|" + f.Name + "|" +
-           std::to_string(f.Name_No) + "|v" + std::to_string(f.Valid) + "|g" +
-           std::to_string(f.Ground) + "s" + std::to_string(f.Short);
+    return std::string(f.ID_Name) + "|" + f.I_Name + "|" + f.J_Name + "|" + std::to_string(f.I_No) +
+           "|" + std::to_string(f.J_No) + "|" + f.Name + "|" + std::to_string(f.Name_No) + "|v" +
+           std::to_string(f.Valid) + "|g" + std::to_string(f.Ground) + "s" +
+           std::to_string(f.Short);
 }
 
 } // namespace
@@ -164,11 +164,12 @@ TEST_F(CaseAndFaults, FaultsOffOrCaseRowMissing)
     const int rc = noTable.ImportSTCaseDataToRTDB();
     Exec("RENAME TABLE ST_CASE_away TO ST_CASE");
     EXPECT_EQ(rc, 1);
-    EXPECT_EQ(feedback().texts(2),
-              (std::vector<std::string>{"查询暂稳基于的潮流作业发生错误！", "查询暂稳输出信息发生错误！",
-                                        "查询暂稳输出信息发生错误！", "查询暂稳作业信息发生错误！",
-                                        "查询暂稳输出信息发生错误！", "更新暂稳作业信息发生错误！",
-                                        "查询暂稳作业信息发生错误！", "ImportCase_STDataToRTDB"}));
+    EXPECT_EQ(
+        feedback().texts(2),
+        (std::vector<std::string>{"查询暂稳基于的潮流作业发生错误！", "查询暂稳输出信息发生错误！",
+                                  "查询暂稳输出信息发生错误！", "查询暂稳作业信息发生错误！",
+                                  "查询暂稳输出信息发生错误！", "更新暂稳作业信息发生错误！",
+                                  "查询暂稳作业信息发生错误！", "ImportCase_STDataToRTDB"}));
     EXPECT_EQ(Records<case_st>(), 1);
 
     // Case 4 has no ST_CASE row: its load-flow case reads as 0 without a word, its faults
@@ -180,7 +181,8 @@ TEST_F(CaseAndFaults, FaultsOffOrCaseRowMissing)
     EXPECT_TRUE(feedback().messages().empty());
     EXPECT_EQ(missing.ImportSTCaseDataToRTDB(), 1);
     EXPECT_EQ(feedback().texts(2),
-              (std::vector<std::string>{"查询暂稳UP信息表发生错误！", "暂稳作业信息表中没有当前作业号的记录！",
+              (std::vector<std::string>{"查询暂稳UP信息表发生错误！",
+                                        "暂稳作业信息表中没有当前作业号的记录！",
                                         "ImportCase_STDataToRTDB"}));
     EXPECT_EQ(Records<stfault>(), 1);
     EXPECT_EQ(All<stfault>()[0].Name_No, lastBus() + 1);
@@ -226,9 +228,9 @@ TEST_F(CaseAndFaults, RunStateUpdateFailsAsDesignedAndSucceedsWhenAskedFor)
     EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{"更新暂稳作业信息发生错误！"}));
     EXPECT_EQ(Rows("SELECT * FROM ST_CASE"), before);
     // The float given for the first %d shifts the integer arguments one place forward.
-    EXPECT_EQ(SentStatements(),
-              (std::vector<std::string>{"UPDATE ST_CASE SET  CALCULATE=4,UDOUT=0,CAL_Date='12:00:00',"
-                                        "CAL_Time='(null)',UD_Time=11,NUP=3,WHERE Case_No=0"}));
+    EXPECT_EQ(SentStatements(), (std::vector<std::string>{
+                                    "UPDATE ST_CASE SET  CALCULATE=4,UDOUT=0,CAL_Date='12:00:00',"
+                                    "CAL_Time='(null)',UD_Time=11,NUP=3,WHERE Case_No=0"}));
 
     // A case without a record in the real-time database sends nothing.
     feedback().clear();

@@ -1,0 +1,447 @@
+// Disturbances of every kind, the working table of load ranges, and the output set-up.
+
+#include "CaseSetTest.h"
+
+#include <QStringList>
+#include <sstream>
+
+using namespace dtsdb;
+using namespace casetest;
+
+namespace {
+
+// A disturbance record as "ID_Name|I_Name|J_Name|I_No|J_No|ID_No|Type|Sub_Type|Par1..Par6".
+std::string DistText(const stdist& d)
+{
+    std::ostringstream s;
+    s << d.ID_Name << '|' << d.I_Name << '|' << d.J_Name << '|' << d.I_No << '|' << d.J_No << '|'
+      << d.ID_No << '|' << d.Type << '|' << d.Sub_Type;
+    for (float p : {d.Par1, d.Par2, d.Par3, d.Par4, d.Par5, d.Par6}) {
+        s << '|' << p;
+    }
+    return s.str();
+}
+
+std::vector<std::string> Disturbances()
+{
+    std::vector<std::string> out;
+    dbCursor<stdist> c;
+    if (c.select() > 0) {
+        do {
+            out.push_back(DistText(*c));
+            EXPECT_EQ(c->Valid, 1);
+        } while (c.next());
+    }
+    return out;
+}
+
+} // namespace
+
+class Disturbance : public CaseSetTest
+{
+protected:
+    static void Inf(int type, const char* bus, const char* id = "", int idNo = 0,
+                    const char* i = "", const char* j = "", int valid = 1)
+    {
+        Exec(QString("INSERT INTO ST_DIST_INF (Case_No,Type,Bus_Name,ID_Name,ID_No,I_Name,J_Name,"
+                     "Valid) VALUES (3,%1,'%2','%3',%4,'%5','%6',%7)")
+                 .arg(type)
+                 .arg(bus, id)
+                 .arg(idNo)
+                 .arg(i, j)
+                 .arg(valid));
+    }
+    static void Load(const char* table, const QString& columns, const QString& values)
+    {
+        Exec(QString("INSERT INTO %1 (Case_No,%2) VALUES %3").arg(table, columns, values));
+    }
+    static std::string B(const char* node) { return std::to_string(BusOf(node)); }
+};
+
+TEST_F(Disturbance, EveryKindIntoItsRecordsAndCounts)
+{
+    CaseRow("CTRL_DIST=1,T_Total=10");
+    Exec("INSERT INTO ST_OUT (Case_No) VALUES (3)");
+    Inf(1, "N2", "P1");
+    Inf(2, "N3");
+    Inf(3, "N4");
+    Inf(10, "N5");
+    Inf(4, "N2G", "TRIP");
+    Inf(5, "N3G", "V5");
+    Inf(6, "N9", "", 0);
+    Inf(7, "", "BR", 1, "N4", "N5");
+    Inf(8, "N10", "OSC", 7);
+    Inf(9, "N1G", "GOSC", 4, "N1");
+    Inf(2, "N2", "", 0, "", "", 0); // not valid: its missing curve is never asked for
+    Inf(0, "N2");
+    Inf(11, "N2");
+    Load("ST_DIST_T1", "ID_Name,Bus_Name,T_X,P_Y1,Q_Y2",
+         "(3,'P1','N2',2,0.3,0.03),(3,'P1','N2',0,0.1,0.01),(3,'P1','N2',1,0.2,0.02),"
+         "(3,'P1','N6',1,9,9)");
+    Load("ST_DIST_T2", "ID_Name,Bus_Name,T_X,V_Y", "(3,'V','N3',1,0.9)");
+    Load("ST_DIST_T3", "ID_Name,Bus_Name,T_X,V_Y", "(3,'V3','N4',0,1),(3,'V3','N4',0.5,0.8)");
+    Load("ST_DIST_T10", "ID_Name,Bus_Name,T_X,V_Y", "(3,'V10','N5',0,1),(3,'V10','N5',2,0.7)");
+    Load("ST_DIST_T4", "Gen_Name,ID_Name,I_Name,J_Name,ID_No,K_Ratio,PG0,T_Start,T_End",
+         "(3,'N2G','T1','N2','N2G',1,0.5,0.4,1,0),(3,'N4G','TRIP','N6','N4G',2,0.25,0.1,1,2.5),"
+         "(3,'N5G','OTHER','N8','N5G',1,1,1,1,1)");
+    Load("ST_DIST_T5", "Sub_Type,ID_Name,Gen_Name,Ref_Name,V_Crit,K_Ratio,T_Delay,T_Start,T_End",
+         "(3,2,'A','N3G','N1G',0.8,0.5,0.1,0,0),(3,3,'V5','N4G','N1G',0.75,0.4,0.2,1,4)");
+    Load("ST_DIST_T6",
+         "Nrange,Sub_Type,ID_Name,Load_Name,Ref_Name,V_Crit,K_Ratio,T_Delay,ID_Branch,ID_No,"
+         "T_Start,T_End",
+         "(3,0,4,'SHED','N9','N14',0.7,0.2,0.3,5,6,1.5,0)");
+    Load("ST_DIST_T7", "Sub_Type,ID_No,ID_Name,I_Name,J_Name,V_Crit,K_Ratio,T_Delay,T_Start,T_End",
+         "(3,2,1,'X','N4','N5',0.85,0.3,0.2,0.5,4),(3,2,2,'Y','N4','N5',0.85,0.3,0.2,0.5,4)");
+    Load("ST_DIST_T8", "ID_Name,Load_Name,P0,DPm,Omega,Angle,T_Start,T_End",
+         "(3,'OSC','N10',0.09,0.01,6.25,0,0,3),(3,'OSC','N11',0.5,0.02,3,1,2,7)");
+    Load("ST_DIST_T9", "ID_Name,Gen_Name,V0,PG0,DVm,Omega,Angle,T_Start,T_End",
+         "(3,'ignored','N1G',1.06,2.3,0.02,3,1,0.25,0)");
+
+    CSTCaseDataTransfer transfer(kCase, db(), &rtdb());
+    EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
+    EXPECT_TRUE(feedback().texts(2).empty());
+    const std::string n2 = B("N2"), n4 = B("N4"), n5 = B("N5");
+    EXPECT_EQ(
+        Disturbances(),
+        (std::vector<std::string>{
+            // power curve of three points at N2: two segments
+            "P1|N2|N2|" + n2 + "|" + n2 + "|0|0|0|0|1|0.1|0.2|0.01|0.02",
+            "P1|N2|N2|" + n2 + "|" + n2 + "|0|0|0|1|2|0.2|0.3|0.02|0.03",
+            // the one-point voltage curve gives none; types 3 and 10 write alike
+            "V3|N4|N4|" + n4 + "|" + n4 + "|0|1|1|0|0.5|1|0.8|0|0",
+            "V10|N5|N5|" + n5 + "|" + n5 + "|0|1|1|0|2|1|0.7|0|0",
+            // by generator name or by disturbance name; an unset end is the total time
+            "T1|N2|N2G|" + n2 + "|" + B("N2G") + "|1|2|" + B("N2G") + "|1|10|0.4|0.5|0|0",
+            "TRIP|N6|N4G|" + B("N6") + "|" + B("N4G") + "|2|2|" + B("N4G") + "|1|2.5|0.1|0.25|0|0",
+            // Sub_Type 2 ends at the reference generator, 3 at itself
+            "A|N3G|N1G|" + B("N3G") + "|" + B("N1G") + "|0|3|1|0|10|0.8|0.5|0.1|0",
+            "V5|N4G|N4G|" + B("N4G") + "|" + B("N4G") + "|0|3|2|1|4|0.75|0.4|0.2|0",
+            // the load of type 6, through DT6; Sub_Type 4 ends at the reference
+            "SHED|N9|N14|" + B("N9") + "|" + B("N14") + "|0|4|3|1.5|10|0.7|0.2|0.3|0",
+            // by ends and circuit number
+            "X|N4|N5|" + n4 + "|" + n5 + "|1|5|1|0.5|4|0.85|0.3|0.2|0",
+            // type 8: both times from T_Start; P0 on the first row only
+            "OSC|N10|N10|" + B("N10") + "|" + B("N10") + "|7|6|2|0|10|0.01|6.25|0|0.09",
+            "OSC|N11|N11|" + B("N11") + "|" + B("N11") + "|7|6|2|2|2|0.02|3|1|0",
+            // type 9: name, ends and circuit from the disturbance row
+            "GOSC|N1|N1|" + B("N1") + "|" + B("N1") + "|4|7|1|0.25|10|0.02|3|1|1.06",
+        }));
+    // Points of the curves count (3 + 1 + 2 + 2), and every row of the other kinds.
+    EXPECT_EQ(Scalar("SELECT Ndist FROM ST_CASE WHERE Case_No=3"), "17");
+    EXPECT_EQ(Count("information_schema.TABLES WHERE TABLE_SCHEMA=DATABASE() AND "
+                    "TABLE_NAME='DT6'"),
+              0);
+
+    // CTRL_DIST 0 empties the records and counts nothing more.
+    Exec("UPDATE ST_CASE SET CTRL_DIST=0");
+    EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
+    EXPECT_TRUE(Disturbances().empty());
+    EXPECT_EQ(Scalar("SELECT Ndist FROM ST_CASE WHERE Case_No=3"), "17");
+}
+
+TEST_F(Disturbance, MissingAndUnreadableDetailTables)
+{
+    CaseRow("CTRL_DIST=1,T_Total=10");
+    for (int type : {1, 2, 3, 4, 5, 7, 8, 9, 10}) {
+        Inf(type, "N2", "NONE");
+    }
+    Load("ST_DIST_T2", "ID_Name,Bus_Name,T_X,V_Y", "(3,'V','N7',0,1),(3,'V','N7',1,0.5)");
+    Inf(2, "N7"); // after the failures, still read
+    CSTCaseDataTransfer transfer(kCase, db(), &rtdb());
+    EXPECT_EQ(CaseSetProbe::Disturbances(transfer), 1);
+    EXPECT_EQ(feedback().texts(2),
+              (std::vector<std::string>{"dist_inf表对应的暂稳扰动dist_t1信息不存在！",
+                                        "dist_inf表对应的暂稳扰动dist_t2信息不存在！",
+                                        "dist_inf表对应的暂稳扰动dist_t3信息不存在！",
+                                        "dist_inf表对应的暂稳扰动dist_t4信息不存在！",
+                                        "dist_inf表对应的暂稳扰动dist_t5信息不存在！",
+                                        "dist_inf表对应的暂稳扰动dist_t7信息不存在！",
+                                        "dist_inf表对应的暂稳扰动dist_t8信息不存在！",
+                                        "dist_inf表对应的暂稳扰动dist_t9信息不存在！",
+                                        "dist_inf表对应的暂稳扰动dist_t10信息不存在！"}));
+    EXPECT_EQ(Disturbances().size(), 1u);
+
+    // A failed select shows its table's text; types 9 and 10 borrow those of 8 and 3.
+    for (const char* t : {"T1", "T2", "T3", "T4", "T5", "T7", "T8", "T9", "T10"}) {
+        Exec(QString("RENAME TABLE ST_DIST_%1 TO ST_DIST_%1_away").arg(t));
+    }
+    feedback().clear();
+    const int rc = CaseSetProbe::Disturbances(transfer);
+    for (const char* t : {"T1", "T2", "T3", "T4", "T5", "T7", "T8", "T9", "T10"}) {
+        Exec(QString("RENAME TABLE ST_DIST_%1_away TO ST_DIST_%1").arg(t));
+    }
+    EXPECT_EQ(rc, 1);
+    EXPECT_EQ(feedback().texts(2),
+              (std::vector<std::string>{
+                  "查询暂稳扰动dist_t1信息发生错误！", "查询暂稳扰动dist_t2信息发生错误！",
+                  "查询暂稳扰动dist_t3信息发生错误！", "查询暂稳扰动dist_t4信息发生错误！",
+                  "查询暂稳扰动dist_t5信息发生错误！", "查询暂稳扰动dist_t7信息发生错误！",
+                  "查询暂稳扰动dist_t8信息发生错误！", "查询暂稳扰动dist_t8信息发生错误！",
+                  "查询暂稳扰动dist_t3信息发生错误！", "查询暂稳扰动dist_t2信息发生错误！"}));
+    EXPECT_TRUE(Disturbances().empty());
+}
+
+TEST_F(Disturbance, LoadRangesThroughTheWorkingTable)
+{
+    CaseRow("CTRL_DIST=1,T_Total=10");
+    CSTCaseDataTransfer transfer(kCase, db(), &rtdb());
+    const QString t6 = "Nrange,Sub_Type,ID_Name,Load_Name,Ref_Name,V_Crit,K_Ratio,T_Delay,"
+                       "ID_Branch,ID_No,T_Start,T_End";
+    auto dt6Exists = [] {
+        return Count("information_schema.TABLES WHERE TABLE_SCHEMA=DATABASE() AND "
+                     "TABLE_NAME='DT6'") > 0;
+    };
+    auto reset = [] {
+        Truncate({"ST_DIST_INF", "ST_DIST_T6"});
+        feedback().clear();
+    };
+
+    // All loads of the load-flow case (-1): the second load breaks the UNIQUE on ID_Name,
+    // so the row fails with 3, writes nothing, and DT6 is gone afterwards.
+    Inf(6, "ANY", "", -1);
+    Load("ST_DIST_T6", t6, "(3,-1,1,'ALL','ANY','',0.7,0.2,0.3,0,0,1,2)");
+    StartStatementLog();
+    EXPECT_EQ(CaseSetProbe::Disturbances(transfer), 1);
+    const auto sent = SentStatements();
+    // (The server logs statements without their leading and trailing blanks.)
+    ASSERT_GE(sent.size(), 10u);
+    EXPECT_EQ(sent[2], "DROP TABLE IF EXISTS DT6");
+    EXPECT_EQ(sent[3].rfind("CREATE TABLE DT6 (", 0), 0u);
+    EXPECT_EQ(sent[4], "SELECT Nrange,Sub_Type,ID_Name,Load_Name,Ref_Name,V_Crit,K_Ratio,T_Delay,"
+                       "ID_Branch,ID_No, T_Start,T_End FROM ST_DIST_T6 WHERE Case_No = 3 AND "
+                       "(Load_Name='ANY' AND Nrange=-1 ) ORDER BY ID");
+    EXPECT_EQ(sent[5], "SELECT DISTINCT Node_Name FROM L6_5");
+    const std::string insert = "INSERT INTO DT6 (ID_Name,Load_Name,Nrange,Sub_Type,Ref_Name,"
+                               "V_Crit,K_Ratio,T_Delay,ID_No,T_Start,T_End) VALUES( 'ALL','";
+    const std::string values = "',-1,1,'',0.700000,0.200000,0.300000,-1,1.000000,2.000000 )";
+    EXPECT_EQ(sent[7].substr(0, insert.size()), insert);
+    EXPECT_EQ(sent[7].substr(sent[7].size() - values.size()), values);
+    EXPECT_EQ(sent[9].substr(0, insert.size()), insert) << "the second load, refused";
+    EXPECT_EQ(sent.back(), "DROP TABLE IF EXISTS DT6");
+    EXPECT_TRUE(Disturbances().empty());
+    EXPECT_TRUE(feedback().texts(2).empty()) << "the failed range says nothing";
+    EXPECT_FALSE(dt6Exists());
+
+    // Two rows for one load: the second leaves the first in DT6, and each row dumps the
+    // whole table, so the load comes twice. A range of 5 covers nothing.
+    reset();
+    Inf(6, "N9", "", 0);
+    Inf(6, "N9", "", 5);
+    Load("ST_DIST_T6", t6,
+         "(3,0,2,'S1','N9','',0.7,0.2,0.3,0,0,1,2),(3,0,2,'S2','N9','',0.6,0.1,0.1,0,0,3,4),"
+         "(3,5,2,'S5','N9','',0.6,0.1,0.1,0,0,3,4)");
+    EXPECT_EQ(CaseSetProbe::Disturbances(transfer), 0);
+    const std::string n9 = B("N9");
+    const std::string s1 = "S1|N9|N9|" + n9 + "|" + n9 + "|0|4|1|1|2|0.7|0.2|0.3|0";
+    EXPECT_EQ(Disturbances(), (std::vector<std::string>{s1, s1}));
+
+    // A zone (-2) and a voltage (-3) with one valid load each; a zone without one gives
+    // nothing and no failure.
+    reset();
+    Exec("UPDATE CDB_BUSBAK SET Zone_No=9 WHERE Bus_Name='B13'");
+    Exec("UPDATE CDB_BUSBAK SET Base_kV=110 WHERE Bus_Name='B12'");
+    Inf(6, "9", "", -2);
+    Inf(6, "100", "", -3);
+    Inf(6, "8", "", -2);
+    Load("ST_DIST_T6", t6,
+         "(3,-2,1,'Z','9','',0.7,0.2,0.3,0,0,1,2),(3,-3,5,'KV','100','N1',0.7,0.2,0.3,0,0,1,0),"
+         "(3,-2,1,'Z8','8','',0.7,0.2,0.3,0,0,1,2)");
+    EXPECT_EQ(CaseSetProbe::Disturbances(transfer), 0);
+    EXPECT_EQ(Disturbances(),
+              (std::vector<std::string>{
+                  "Z|N13|N13|" + B("N13") + "|" + B("N13") + "|-2|4|0|1|2|0.7|0.2|0.3|0",
+                  "KV|N12|N1|" + B("N12") + "|" + B("N1") + "|-3|4|4|1|10|0.7|0.2|0.3|0"}));
+
+    // A second zone row for the same load replaces the first through the unquoted delete,
+    // which a text name fails: 2.
+    reset();
+    Inf(6, "9", "", -2);
+    Load("ST_DIST_T6", t6,
+         "(3,-2,1,'Z','9','',0.7,0.2,0.3,0,0,1,2),(3,-2,1,'Z2','9','',0.7,0.2,0.3,0,0,1,2)");
+    StartStatementLog();
+    EXPECT_EQ(CaseSetProbe::Disturbances(transfer), 1);
+    EXPECT_EQ(SentStatements().rbegin()[1], "DELETE FROM DT6 WHERE Load_Name = N13");
+    EXPECT_EQ(Disturbances().size(), 1u) << "the first row's dump stands";
+
+    // DT6 that cannot be made: the statement is echoed, the message shown, the row still
+    // runs (and fails on the view in DT6's place).
+    reset();
+    Exec("CREATE VIEW DT6 AS SELECT 1 AS Nrange");
+    Inf(6, "N9", "", 0);
+    Load("ST_DIST_T6", t6, "(3,0,2,'S1','N9','',0.7,0.2,0.3,0,0,1,2)");
+    const int rc = CaseSetProbe::Disturbances(transfer);
+    Exec("DROP VIEW IF EXISTS DT6");
+    EXPECT_EQ(rc, 1);
+    EXPECT_EQ(feedback().texts(-1).size(), 1u);
+    EXPECT_EQ(feedback().texts(-1)[0].rfind(" CREATE TABLE DT6 (ID_Name CHAR(20) BINARY", 0), 0u);
+    EXPECT_EQ(feedback().texts(2),
+              (std::vector<std::string>{"创建临时表发生错误，导入dist_t6信息失败！"}));
+}
+
+TEST_F(Disturbance, DisturbancesArePrecommittedOtherRecordsCommitted)
+{
+    CaseRow("CTRL_DIST=1,Ctrl_Fault=1");
+    Exec("INSERT INTO ST_OUT (Case_No) VALUES (3)");
+    Exec("INSERT INTO ST_FAULT (Case_No,Valid,ID_Name,Name,Locate) VALUES (3,1,'L1','F1',50)");
+    Inf(2, "N7");
+    Load("ST_DIST_T2", "ID_Name,Bus_Name,T_X,V_Y", "(3,'V','N7',0,1),(3,'V','N7',1,0.5)");
+    CSTCaseDataTransfer transfer(kCase, db(), &rtdb());
+
+    EXPECT_EQ(CaseSetProbe::Faults(transfer), 0);
+    EXPECT_EQ(CaseSetProbe::Disturbances(transfer), 0);
+    EXPECT_EQ(Records<stdist>(), 1);
+    rtdb().rollback();
+    EXPECT_EQ(Records<stdist>(), 0) << "only precommitted";
+    EXPECT_EQ(Records<stfault>(), 1) << "committed with its bus";
+    EXPECT_EQ(BusesFrom(lastBus() + 1).size(), 1u);
+
+    // In the driver the next family's commit makes them durable.
+    EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
+    rtdb().rollback();
+    EXPECT_EQ(Records<stdist>(), 1);
+}
+
+class Outputs : public CaseSetTest
+{
+protected:
+    static void Var(int type, int varId, const char* id, const char* i, const char* j, int idNo)
+    {
+        Exec(QString("INSERT INTO ST_VAR_INF (Case_No,Type,Coord_ID,Coord_Name,Coord_Mont,Var_ID,"
+                     "ID_name,I_Name,J_Name,ID_No,Sub_Type,Var_Name) VALUES "
+                     "(3,%1,%2,'C%2',%2,%2,'%3','%4','%5',%6,%1,'V%2')")
+                 .arg(type)
+                 .arg(varId)
+                 .arg(id, i, j)
+                 .arg(idNo));
+    }
+    // "Type:Var_ID:ID_name:I_No:J_No" of every output variable.
+    static std::vector<std::string> Vars()
+    {
+        std::vector<std::string> out;
+        for (const stvar_inf& v : All<stvar_inf>()) {
+            out.push_back(std::to_string(v.Type) + ":" + std::to_string(v.Var_ID) + ":" +
+                          v.ID_name + ":" + std::to_string(v.I_No) + ":" + std::to_string(v.J_No));
+        }
+        return out;
+    }
+};
+
+TEST_F(Outputs, SettingsVariablesAndAnalysisGroups)
+{
+    CaseRow("Ctrl_Fault=1");
+    Exec("INSERT INTO ST_FAULT (Case_No,Valid,ID_Name,Name,Locate) VALUES (3,1,'L1','F1',50)");
+    Exec("INSERT INTO ST_OUT (Case_No,AnaFunc,LAnaMon,Fault_120,Variable,Bus_120,B1,B2,B3,B10,"
+         "MDTLF,MDTOUT,MDTFau,DTLF,DTOUT,DTFau,DTMON,DTMRef) VALUES "
+         "(3,2,1,1,1,3,'','N3','NX','N14',5,6,7,0.01,0.02,0.03,0.04,0.05)");
+    Exec("INSERT INTO L5_5 (ID_Name,Node_Name) VALUES ('GX','N7')");
+    Exec("INSERT INTO L3_5 (ID_Name,I_Name,J_Name,Ntype) VALUES ('T3W','N7','N8',32)");
+    Var(1, 2, "", "G2", "G404", 0);
+    Var(1, 1, "", "GX", "", 0);
+    Var(2, 1, "N3", "N3", "", 0);
+    Var(12, 1, "N4", "N4", "", 0);
+    Var(7, 1, "L1", "N1", "N2", 6);
+    Var(7, 2, "S1", "N1", "N2", 8);
+    Var(7, 3, "T1", "N4", "N7", 10);
+    Var(7, 4, "P1", "N4", "N9", 11);
+    Var(7, 5, "T3W", "N7", "N8", 12);
+    Var(7, 6, "T3W", "N7", "N9", 12);
+    Var(7, 7, "DC1", "N1", "N2", 7);
+    for (int type : {8, 9, 10, 11, 13}) {
+        Var(type, 1, "NEVER", "", "", 0);
+    }
+    Exec("INSERT INTO ST_ANACAL (Case_No,Valid,Grp_NO,Grp_Name,NumBus) VALUES (3,1,1,'G1',5),"
+         "(3,0,2,'',0),(4,1,3,'OTHER',1)");
+    Exec("INSERT INTO ST_ANA_GRP (Grp_NO,Bus_Name) VALUES (1,'B5'),(2,'NOPE'),(3,'B7')");
+
+    CSTCaseDataTransfer transfer(kCase, db(), &rtdb());
+    EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
+    EXPECT_TRUE(feedback().texts(2).empty());
+
+    ASSERT_EQ(Records<st_out>(), 1);
+    const st_out o = All<st_out>()[0];
+    EXPECT_EQ(o.AnaFunc, 2);
+    EXPECT_EQ(o.Bus_120, 3);
+    EXPECT_EQ(o.B1, -1);
+    EXPECT_EQ(o.B2, BusOf("N3"));
+    EXPECT_EQ(o.B3, -1);
+    EXPECT_EQ(o.B4, -1);
+    EXPECT_EQ(o.B10, BusOf("N14"));
+    EXPECT_EQ(o.MDTFau, 7);
+    EXPECT_FLOAT_EQ(o.DTLF, 0.01f);
+    EXPECT_FLOAT_EQ(o.DTMRef, 0.05f);
+
+    // Types 1 to 7 and 12 in that order, each by Var_ID. Generator angles find their bus
+    // through the load-flow case's generators (0 for an unknown one); branch outputs name
+    // their record by kind, a three-winding one by its winding in the load-flow case.
+    const auto b = [](const char* n) { return std::to_string(BusOf(n)); };
+    EXPECT_EQ(Vars(), (std::vector<std::string>{
+                          "1:1::" + b("N7") + ":0",
+                          "1:2::" + b("N2G") + ":0",
+                          "2:1:N3:" + b("N3") + ":-1",
+                          "7:1:L1_ac:" + b("N1") + ":" + b("N2"),
+                          "7:2:S1_sc:" + b("N1") + ":" + b("N2"),
+                          "7:3:T1_2w:" + b("N4") + ":" + b("N7"),
+                          "7:4:P1_sf:" + b("N4") + ":" + b("N9"),
+                          "7:5:T3W_3w2:" + b("N7") + ":" + b("N8"),
+                          "7:6::" + b("N7") + ":" + b("N9"),
+                          "7:7::" + b("N1") + ":" + b("N2"),
+                          "12:1:N4:" + b("N4") + ":-1",
+                      }));
+    const stvar_inf v = All<stvar_inf>()[2];
+    EXPECT_STREQ(v.Coord_Name, "C1");
+    EXPECT_EQ(v.Sub_Type, 2);
+    EXPECT_STREQ(v.Var_Name, "V1");
+
+    // NumBus is always 1; each group takes the buses of the first level, B1's and the
+    // fault's new bus, whatever level it names.
+    const auto gi = All<stana_gi>();
+    ASSERT_EQ(gi.size(), 2u);
+    EXPECT_EQ(gi[0].NumBus, 1);
+    EXPECT_STREQ(gi[0].Grp_Name, "G1");
+    EXPECT_EQ(gi[1].NumBus, 1);
+    EXPECT_STREQ(gi[1].Grp_Name, "");
+    std::vector<std::string> groups;
+    for (const stana_grp& g : All<stana_grp>()) {
+        groups.push_back(std::to_string(g.Grp_NO) + ":" + g.Bus_Name + ":" +
+                         std::to_string(g.Bus_No));
+    }
+    EXPECT_EQ(groups, (std::vector<std::string>{"1:B1:-1", "1:F1:-1", "2:B1:-1", "2:F1:-1"}));
+
+    // AnaFunc 1 and Variable 0 turn both off; without an ST_OUT row the old settings stay
+    // while the variables are read as if turned on.
+    Exec("UPDATE ST_OUT SET AnaFunc=1, Variable=0");
+    EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
+    EXPECT_EQ(Records<stvar_inf>(), 0);
+    EXPECT_EQ(Records<stana_gi>(), 0);
+    EXPECT_EQ(Records<stana_grp>(), 0);
+    Exec("DELETE FROM ST_OUT");
+    feedback().clear();
+    EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 1);
+    EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{"暂稳作业没有输出信息！"}));
+    EXPECT_EQ(Records<st_out>(), 1);
+    EXPECT_EQ(All<st_out>()[0].AnaFunc, 1);
+    EXPECT_EQ(Records<stvar_inf>(), 11);
+    EXPECT_EQ(Records<stana_gi>(), 2);
+
+    // A load-flow case without job tables: the lookups fail with their words, the rows
+    // stand with what they have.
+    Exec("UPDATE ST_CASE SET CASE_LF=99");
+    CSTCaseDataTransfer lost(kCase, db(), &rtdb());
+    feedback().clear();
+    EXPECT_EQ(lost.ImportVAR_INFDataToRTDB(), 0);
+    EXPECT_EQ(feedback().texts(2),
+              (std::vector<std::string>{
+                  "错误的发电机功角输出变量信息!", "错误的发电机功角输出变量信息!",
+                  "错误的发电机功角输出变量信息!", "错误的发电机功角输出变量信息!",
+                  "错误的三绕组支路输出变量信息!", "错误的三绕组支路输出变量信息!"}));
+    EXPECT_EQ(Records<stvar_inf>(), 11);
+    EXPECT_STREQ(All<stvar_inf>()[7].ID_name, "");
+
+    // A refused variable select stops the step after what it wrote.
+    Exec("RENAME TABLE ST_VAR_INF TO ST_VAR_INF_away");
+    feedback().clear();
+    const int rc = transfer.ImportVAR_INFDataToRTDB();
+    Exec("RENAME TABLE ST_VAR_INF_away TO ST_VAR_INF");
+    EXPECT_EQ(rc, 1);
+    EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{"查询暂稳输出变量信息发生错误！"}));
+}
