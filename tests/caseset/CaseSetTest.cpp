@@ -1,5 +1,6 @@
 #include "CaseSetTest.h"
 
+#include "RecordAccess.h"
 #include "SampleNetwork.h"
 #include "Study.h"
 
@@ -54,11 +55,7 @@ void CaseSetTest::CaseRow(const QString& assignments)
 
 int CaseSetTest::BusOf(const char* node)
 {
-    dbCursor<dtsdb::nd> c;
-    dbQuery q;
-    q = "id=", node;
-    EXPECT_EQ(c.select(q), 1) << node;
-    return c->ibs;
+    return testsupport::Fetch<dtsdb::nd>(node).ibs;
 }
 
 std::vector<std::string> CaseSetTest::BusesFrom(int firstId)

@@ -1,6 +1,7 @@
 // The stability case, its criteria and faults, the user models, and the run state back.
 
 #include "CaseSetTest.h"
+#include "RecordAccess.h"
 
 using namespace dtsdb;
 using namespace casetest;
@@ -146,7 +147,7 @@ TEST_F(CaseAndFaults, FaultsOffOrCaseRowMissing)
     {
         stfault old;
         old.ID_Name = "OLD";
-        insert(old);
+        testsupport::Put(old);
         rtdb().commit();
     }
     CSTCaseDataTransfer off(kCase, db(), &rtdb());
@@ -315,7 +316,7 @@ TEST_F(UserModels, ModelsAddTheirBusesAndTheProgramStepEmptiesThem)
     {
         upcal_st old;
         old.UP_Name = "kept";
-        insert(old);
+        testsupport::Put(old);
         rtdb().commit();
     }
     Exec("INSERT INTO ST_DIST_INF (Case_No,Type,Bus_Name,Valid) VALUES (3,2,'N3',1)");
