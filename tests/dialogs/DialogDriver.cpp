@@ -1,0 +1,71 @@
+#include "DialogDriver.h"
+
+#include <QDialog>
+#include <gtest/gtest.h>
+#include <QDir>
+#include <QInputMethodEvent>
+#include <QListWidget>
+#include <QPixmap>
+#include <QTableWidget>
+#include <QTest>
+#include <QTimer>
+
+namespace dialogtest {
+
+void WhenShown(QDialog* dialog, std::function<void()> user)
+{
+    QTimer::singleShot(0, dialog, [dialog, user] {
+        if (!QTest::qWaitForWindowExposed(dialog)) {
+            ADD_FAILURE_AT(__FILE__, __LINE__);
+        } else {
+            user();
+        }
+        if (dialog->isVisible()) {
+            dialog->reject();
+        }
+    });
+}
+
+void ShowAndWait(QWidget* widget)
+{
+    widget->show();
+    widget->activateWindow();
+    if (!QTest::qWaitForWindowExposed(widget)) {
+        ADD_FAILURE_AT(__FILE__, __LINE__);
+    }
+}
+
+void ClickItem(QListWidget* list, int row)
+{
+    QListWidgetItem* item = list->item(row);
+    list->scrollToItem(item);
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(item).center());
+}
+
+void ClickCell(QTableWidget* table, int row, int column)
+{
+    const QModelIndex index = table->model()->index(row, column);
+    table->scrollTo(index);
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(index).center());
+}
+
+void CommitText(QWidget* editor, const QString& text)
+{
+    QInputMethodEvent event;
+    event.setCommitString(text);
+    QCoreApplication::sendEvent(editor, &event);
+}
+
+QString ScreenshotPath(const QString& name)
+{
+    QDir().mkpath(QStringLiteral(CALCDATA_SCREENSHOT_DIR));
+    return QStringLiteral(CALCDATA_SCREENSHOT_DIR "/%1.png").arg(name);
+}
+
+QString SaveScreenshot(QWidget* widget, const QString& name)
+{
+    const QString path = ScreenshotPath(name);
+    return widget->grab().save(path) ? path : QString();
+}
+
+} // namespace dialogtest

@@ -1,0 +1,342 @@
+// The branch chooser: BRANCHTEMP filled from each kind of source, batches of ten rows,
+// the two lists and the name driven by mouse and keyboard, the stored orientation.
+
+#include "DbTest.h"
+#include "DialogDriver.h"
+#include "dialogs/WinDlgCalBranchChoose.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QTest>
+#include <QToolButton>
+
+using namespace dialogtest;
+using testsupport::DbTest;
+
+namespace {
+
+// Reaches what the dialog keeps for itself.
+class BranchDialog : public WinDlgCalBranchChoose
+{
+public:
+    using WinDlgCalBranchChoose::SetCurrentIDNo;
+    using WinDlgCalBranchChoose::WinDlgCalBranchChoose;
+    bool Read() const { return IsRead(); }
+};
+
+QStringList Texts(const QListWidget* list)
+{
+    QStringList out;
+    for (int k = 0; k < list->count(); ++k) {
+        out << list->item(k)->text();
+    }
+    return out;
+}
+
+QString Current(const QListWidget* list)
+{
+    return list->currentItem() ? list->currentItem()->text() : QString();
+}
+
+char noName[] = "";
+
+} // namespace
+
+class BranchChooser : public DbTest
+{
+protected:
+    void SetUp() override
+    {
+        DbTest::SetUp();
+        Truncate({"CDB_ACLINEBAK", "CDB_PCAPREABAK", "CDB_TRANS_3WBAK", "LFR_ACLINE_R",
+                  "LFR_T3W_R", "LFR_PCR_R", "OPFR_T2W_R", "L2_1", "L3_1", "LK_1"});
+    }
+    // Insert statements the library's connection has executed so far.
+    static int ComInsert()
+    {
+        QSqlQuery q(*db());
+        return q.exec("SHOW SESSION STATUS LIKE 'Com_insert'") && q.next() ? q.value(1).toInt()
+                                                                          : -1;
+    }
+    static std::vector<std::string> Sent(const std::string& head)
+    {
+        std::vector<std::string> out;
+        for (const std::string& s : SentStatements()) {
+            if (s.rfind(head, 0) == 0) {
+                out.push_back(s);
+            }
+        }
+        return out;
+    }
+    static std::vector<std::string> Temp()
+    {
+        return Rows("SELECT ID_Name,I_Name,J_Name,ID_No,iEleType FROM BRANCHTEMP "
+                    "ORDER BY iEleType,ID_Name,I_Name,J_Name");
+    }
+};
+
+TEST_F(BranchChooser, ChosenEitherWayRoundTheBranchKeepsItsStoredEnds)
+{
+    Exec("INSERT INTO CDB_ACLINEBAK(ID_Name,I_Name,J_Name,ID_No) "
+         "VALUES ('L1','A','B',1),('L2','B','C',2)");
+    Exec("INSERT INTO CDB_PCAPREABAK(ID_Name,Bus_Name,ID_No) VALUES ('C1','B',1)");
+    StartStatementLog();
+    {
+        BranchDialog dlg(1, db(), {"CDB_ACLINEBAK", "CDB_PCAPREABAK"});
+        EXPECT_EQ(dlg.objectName(), "WinDlgCalBranchChoose");
+        EXPECT_EQ(dlg.windowTitle(), "支路选择");
+        EXPECT_EQ(dlg.minimumSize(), QSize(342, 330));
+        EXPECT_EQ(dlg.maximumSize(), QSize(342, 330));
+        EXPECT_EQ(dlg.LineEdit_BusName1->geometry(), QRect(10, 62, 150, 20));
+        EXPECT_EQ(dlg.LineEdit_BusName2->geometry(), QRect(180, 60, 150, 20));
+
+        // B, then A in the other list: the user names the branch from its J side.
+        WhenShown(&dlg, [&] {
+            QTest::mouseClick(dlg.ToolButton_OK, Qt::LeftButton);
+            ASSERT_EQ(boxes().boxes().size(), 1u);
+            EXPECT_EQ(boxes().boxes()[0].caption, "选择支路");
+            EXPECT_EQ(boxes().boxes()[0].text, "请选择支路名称和两侧节点！");
+            EXPECT_TRUE(dlg.isVisible());
+
+            // Every node once, C although it is never an I side.
+            EXPECT_EQ(Texts(dlg.ListBox_Branch), QStringList({"A", "B", "C"}));
+            ClickItem(dlg.ListBox_Branch, 1);
+            // Other ends of B where it is the I side (the shunt's B once, C), then where
+            // it is the J side (A).
+            EXPECT_EQ(Texts(dlg.ListBox_AnotherBranch), QStringList({"B", "C", "A"}));
+            EXPECT_EQ(dlg.LineEdit_BusName2->text(), "B");
+            EXPECT_EQ(dlg.ComboBox_BranchName->currentText(), "C1");
+            ClickItem(dlg.ListBox_AnotherBranch, 2);
+            EXPECT_EQ(dlg.LineEdit_BusName1->text(), "B");
+            EXPECT_EQ(dlg.LineEdit_BusName2->text(), "A");
+            EXPECT_EQ(dlg.ComboBox_BranchName->currentText(), "L1");
+            EXPECT_FALSE(SaveScreenshot(&dlg, "branch_chooser").isEmpty());
+            QTest::mouseClick(dlg.ToolButton_OK, Qt::LeftButton);
+        });
+        ASSERT_EQ(dlg.ChooseBranch(noName, noName, noName), 0);
+        EXPECT_STREQ(dlg.m_Branch.ID_Name, "L1");
+        EXPECT_STREQ(dlg.m_Branch.I_Name, "A");
+        EXPECT_STREQ(dlg.m_Branch.J_Name, "B");
+        EXPECT_EQ(dlg.m_Branch.ID_No, 1);
+        EXPECT_EQ(dlg.m_Branch.iEleType, 6);
+
+        // A, then B: the same branch, read once per dialog.
+        char a[] = "A";
+        WhenShown(&dlg, [&] {
+            EXPECT_EQ(Texts(dlg.ListBox_AnotherBranch), QStringList({"B"}));
+            EXPECT_EQ(Current(dlg.ListBox_Branch), "A");
+            EXPECT_EQ(dlg.ComboBox_BranchName->currentText(), "");
+            ClickItem(dlg.ListBox_AnotherBranch, 0);
+            EXPECT_EQ(dlg.ComboBox_BranchName->currentText(), "L1");
+            QTest::mouseClick(dlg.ToolButton_OK, Qt::LeftButton);
+        });
+        ASSERT_EQ(dlg.ChooseBranch(0, a, noName), 0);
+        EXPECT_STREQ(dlg.m_Branch.I_Name, "A");
+        EXPECT_STREQ(dlg.m_Branch.J_Name, "B");
+
+        // Cancel leaves the choice as it was and answers 1.
+        WhenShown(&dlg, [&] { QTest::mouseClick(dlg.ToolButton_Cancel, Qt::LeftButton); });
+        EXPECT_EQ(dlg.ChooseBranch(noName, noName, noName), 1);
+        EXPECT_STREQ(dlg.m_Branch.ID_Name, "L1");
+
+        // The statement that names sID_Name is refused by the server and changes nothing.
+        dlg.ComboBox_BranchName->setEditText("C1");
+        dlg.SetCurrentIDNo("L1");
+        EXPECT_EQ(dlg.ComboBox_BranchName->currentText(), "C1");
+        QSqlQuery q(checker());
+        EXPECT_FALSE(q.exec("SELECT ID_No FROM BRANCHTEMP WHERE sID_Name='L1' LIMIT 1"));
+    }
+    EXPECT_EQ(Sent("DELETE FROM BRANCHTEMP").size(), 1u);
+    EXPECT_EQ(Sent("SELECT ID_No FROM BRANCHTEMP WHERE sID_Name='L1' LIMIT 1").size(), 1u);
+    EXPECT_EQ(Sent("DROP TABLE BRANCHTEMP").size(), 1u);
+    EXPECT_EQ(Count("information_schema.tables WHERE table_schema=DATABASE() AND "
+                    "table_name='branchtemp'"),
+              0);
+}
+
+TEST_F(BranchChooser, RowsGoInTenToAStatementAndEachPassFlushesItsOwnRest)
+{
+    for (int k = 1; k <= 25; ++k) {
+        Exec(QString("INSERT INTO CDB_ACLINEBAK(ID_Name,I_Name,J_Name,ID_No) "
+                     "VALUES ('L%1','I%1','J%1',%1)")
+                 .arg(k, 2, 10, QChar('0')));
+    }
+    Exec("INSERT INTO CDB_TRANS_3WBAK(ID_Name,Name_N,Name_1,Name_2,Name_3,ID_No1,ID_No2,ID_No3) "
+         "VALUES ('T1','N1','W11','W12','W13',1,2,3),('T2','N2','W21','W22','W23',1,2,3)");
+    StartStatementLog();
+    const int before = ComInsert();
+    {
+        BranchDialog dlg(1, db(), {"CDB_ACLINEBAK", "CDB_TRANS_3WBAK"});
+        char i[21] = {}, j[21] = {};
+        ASSERT_EQ(dlg.GetFirstBranch(const_cast<char*>("T1"), i, j), 0);
+        EXPECT_STREQ(i, "N1");
+        EXPECT_STREQ(j, "W11");
+        EXPECT_STREQ(dlg.m_Branch.ID_Name, "T1");
+        EXPECT_EQ(dlg.m_Branch.iEleType, 12);
+        EXPECT_EQ(dlg.GetFirstBranch(const_cast<char*>("nothing"), i, j), 2);
+        EXPECT_STREQ(i, "N1") << "no row leaves the outputs alone";
+
+        // 25 lines: 10, 10 and 5; the three-winding table: three passes of two rows.
+        EXPECT_EQ(ComInsert() - before, 6);
+        const auto inserts = Sent("INSERT INTO BRANCHTEMP");
+        ASSERT_EQ(inserts.size(), 6u);
+        EXPECT_EQ(std::count(inserts[0].begin(), inserts[0].end(), '('), 11);
+        EXPECT_EQ(inserts[2],
+                  "INSERT INTO BRANCHTEMP (ID_Name,I_Name,J_Name,ID_No,iEleType) VALUES( "
+                  "'L21','I21','J21',21,6 ),( 'L22','I22','J22',22,6 ),( 'L23','I23','J23',23,6 "
+                  "),( 'L24','I24','J24',24,6 ),( 'L25','I25','J25',25,6 )");
+        EXPECT_EQ(inserts[4], "INSERT INTO BRANCHTEMP (ID_Name,I_Name,J_Name,ID_No,iEleType) "
+                              "VALUES( 'T1','N1','W12',2,12 ),( 'T2','N2','W22',2,12 )");
+        EXPECT_EQ(Count("BRANCHTEMP"), 31);
+        EXPECT_TRUE(dlg.Read());
+    }
+    // 20 rows fill exactly two statements, with no empty third.
+    Exec("DELETE FROM CDB_ACLINEBAK WHERE ID_No > 20");
+    const int second = ComInsert();
+    BranchDialog dlg(2, db(), {"CDB_ACLINE"});
+    char i[21] = {}, j[21] = {};
+    EXPECT_EQ(dlg.GetFirstBranch(const_cast<char*>("L01"), i, j), 2) << "the plain table is empty";
+    BranchDialog bak(2, db(), {"CDB_ACLINEBAK"});
+    EXPECT_EQ(bak.GetFirstBranch(const_cast<char*>("L01"), i, j), 0);
+    EXPECT_EQ(ComInsert() - second, 2);
+}
+
+TEST_F(BranchChooser, ResultTablesAreReadForTheCaseSet)
+{
+    Exec("INSERT INTO LFR_ACLINE_R(Case_No,ID_Name,I_Name,J_Name,ID_No) "
+         "VALUES (3,'R3','A','B',1),(4,'R4','A','B',1)");
+    Exec("INSERT INTO LFR_T3W_R(Case_No,ID_Name,Name_N,Name_1,Name_2,Name_3,ID_No1,ID_No2,ID_No3) "
+         "VALUES (3,'T','N','W1','W2','W3',1,2,3)");
+    Exec("INSERT INTO LFR_PCR_R(Case_No,ID_Name,Bus_Name,ID_No) VALUES (3,'P','A',1)");
+    Exec("INSERT INTO OPFR_T2W_R(Case_No,ID_Name,I_Name,J_Name,ID_No) VALUES (3,'X','A','C',1)");
+    char i[21] = {}, j[21] = {};
+    {
+        BranchDialog dlg(2, db(), {"LFR_ACLINE_R", "LFR_T3W_R", "LFR_PCR_R", "NO_SUCH_TABLE"});
+        dlg.SetLFCase_No(3);
+        EXPECT_EQ(dlg.GetFirstBranch(const_cast<char*>("R3"), i, j), 0);
+        EXPECT_TRUE(dlg.Read()) << "an unknown table is skipped";
+        EXPECT_EQ(Temp(), (std::vector<std::string>{"P|A|A|1|4", "R3|A|B|1|6", "T|N|W1|1|12",
+                                                    "T|N|W2|2|12", "T|N|W3|3|12"}));
+    }
+    BranchDialog opf(4, db(), {"OPFR_T2W_R", "LFR_ACLINE_R"});
+    opf.SetCase_No(3);
+    EXPECT_EQ(opf.GetFirstBranch(const_cast<char*>("X"), i, j), 0);
+    EXPECT_EQ(Temp(), (std::vector<std::string>{"X|A|C|1|10"}))
+        << "mode 4 reads the optimal-flow tables only";
+}
+
+TEST_F(BranchChooser, JobTablesTranslateNTypeAndAFilterMustNameEveryFamily)
+{
+    Exec("INSERT INTO L2_1(ID_Name,I_Name,J_Name,ID_No,Ntype) "
+         "VALUES ('a1','A','B',1,1),('a2','A','B',2,2),('a3','A','A',1,3)");
+    Exec("INSERT INTO L3_1(ID_Name,I_Name,J_Name,ID_No,Ntype) "
+         "VALUES ('t1','A','C',1,1),('t2','A','C',2,2),('t3','N','C',1,3)");
+    Exec("INSERT INTO LK_1(ID_Name,I_Name,J_Name,ID_No,Ntype) "
+         "VALUES ('k1','B','D',1,1),('k2','B','D',2,2),('k5','B','D',3,5)");
+    char i[21] = {}, j[21] = {};
+    {
+        BranchDialog all(3, db(), {"L2_1", "l3_1", "LK_1"});
+        all.GetFirstBranch(const_cast<char*>("a1"), i, j);
+        EXPECT_EQ(Temp(), (std::vector<std::string>{
+                              "a3|A|A|1|4", "k5|B|D|3|5", "a1|A|B|1|6", "a2|A|B|2|8",
+                              "t1|A|C|1|10", "t2|A|C|2|11", "t3|N|C|1|12", "k1|B|D|1|13",
+                              "k2|B|D|2|14"}));
+    }
+    StartStatementLog();
+    {
+        BranchDialog some(3, db(), {"L2_1", "L3_1", "LK_1"}, {6, 12, 14, 4});
+        some.GetFirstBranch(const_cast<char*>("a1"), i, j);
+        EXPECT_EQ(Temp(), (std::vector<std::string>{"a3|A|A|1|4", "a1|A|B|1|6", "t3|N|C|1|12",
+                                                    "k2|B|D|2|14"}));
+        EXPECT_EQ(Sent("SELECT ID_Name,I_Name,J_Name,ID_No,NType FROM L2_1"),
+                  (std::vector<std::string>{"SELECT ID_Name,I_Name,J_Name,ID_No,NType FROM L2_1 "
+                                            "WHERE 1=1  AND (NType=1  OR NType=3 )"}));
+    }
+    // A filter naming lines only leaves a lone ")" for the transformer table: the read
+    // ends there, and the next use reads again from the start.
+    StartStatementLog();
+    BranchDialog lines(3, db(), {"L2_1", "L3_1", "LK_1"}, {6});
+    EXPECT_EQ(lines.GetFirstBranch(const_cast<char*>("a1"), i, j), 0);
+    EXPECT_FALSE(lines.Read());
+    EXPECT_EQ(Temp(), (std::vector<std::string>{"a1|A|B|1|6"}));
+    EXPECT_EQ(Sent("SELECT ID_Name,I_Name,J_Name,ID_No,Ntype FROM L3_1"),
+              (std::vector<std::string>{
+                  "SELECT ID_Name,I_Name,J_Name,ID_No,Ntype FROM L3_1 WHERE 1=1 )"}));
+    EXPECT_TRUE(Sent("SELECT ID_Name,I_Name,J_Name,ID_No,Ntype FROM LK_1").empty());
+    lines.GetFirstBranch(const_cast<char*>("a1"), i, j);
+    EXPECT_EQ(Sent("DELETE FROM BRANCHTEMP").size(), 2u);
+}
+
+TEST_F(BranchChooser, KeyboardDrivesTheListsAndTheBranchName)
+{
+    Exec("INSERT INTO CDB_ACLINEBAK(ID_Name,I_Name,J_Name,ID_No) "
+         "VALUES ('L1','AB12','X1',1),('L2','AC3','X2',1),('L3','X1','Y',1)");
+    BranchDialog dlg(1, db(), {"CDB_ACLINEBAK"});
+    WhenShown(&dlg, [&] {
+        QLineEdit* combo = dlg.ComboBox_BranchName->lineEdit();
+        EXPECT_EQ(dlg.ComboBox_BranchName->count(), 4) << "the three names and one empty";
+
+        // Typing moves the left list by a prefix that ignores case.
+        QTest::keyClicks(dlg.LineEdit_BusName1, "ab");
+        EXPECT_EQ(Current(dlg.ListBox_Branch), "AB12");
+        QTest::keyClicks(dlg.LineEdit_BusName2, "zz");
+        // Return completes the first edit and fills the other list; the second edit
+        // keeps what the user typed.
+        QTest::keyClick(dlg.LineEdit_BusName1, Qt::Key_Return);
+        EXPECT_EQ(dlg.LineEdit_BusName1->text(), "AB12");
+        EXPECT_EQ(Texts(dlg.ListBox_AnotherBranch), QStringList({"X1"}));
+        EXPECT_EQ(Current(dlg.ListBox_AnotherBranch), "X1");
+        EXPECT_EQ(dlg.LineEdit_BusName2->text(), "zz");
+        EXPECT_EQ(dlg.ComboBox_BranchName->currentText(), "L1");
+        // An end the other list lacks empties the second edit and the name.
+        QTest::keyClick(dlg.LineEdit_BusName2, Qt::Key_Return);
+        EXPECT_EQ(dlg.LineEdit_BusName2->text(), "");
+        EXPECT_EQ(dlg.ComboBox_BranchName->currentText(), "");
+
+        // A typed branch name fills both ends; Return inserts nothing into the box.
+        QTest::keyClicks(combo, "L3");
+        QTest::keyClick(combo, Qt::Key_Return);
+        EXPECT_EQ(dlg.LineEdit_BusName1->text(), "X1");
+        EXPECT_EQ(dlg.LineEdit_BusName2->text(), "Y");
+        EXPECT_EQ(Texts(dlg.ListBox_AnotherBranch), QStringList({"Y", "AB12"}));
+        EXPECT_EQ(dlg.ComboBox_BranchName->count(), 4);
+        EXPECT_EQ(dlg.ComboBox_BranchName->currentIndex(), 3);
+        // A name not in the table clears the dialog.
+        combo->selectAll();
+        QTest::keyClicks(combo, "Q9");
+        QTest::keyClick(combo, Qt::Key_Return);
+        EXPECT_EQ(dlg.ComboBox_BranchName->currentText(), "");
+        EXPECT_EQ(dlg.ListBox_AnotherBranch->count(), 0);
+        EXPECT_EQ(dlg.LineEdit_BusName1->text(), "");
+        EXPECT_EQ(dlg.LineEdit_BusName2->text(), "");
+        // Choosing a name with the arrow keys fills the ends too.
+        QTest::keyClick(dlg.ComboBox_BranchName, Qt::Key_Up);
+        EXPECT_EQ(dlg.ComboBox_BranchName->currentText(), "L2");
+        EXPECT_EQ(dlg.LineEdit_BusName1->text(), "AC3");
+        EXPECT_EQ(dlg.LineEdit_BusName2->text(), "X2");
+        QTest::mouseClick(dlg.ToolButton_OK, Qt::LeftButton);
+    });
+    ASSERT_EQ(dlg.ChooseBranch(noName, noName, noName), 0);
+    EXPECT_STREQ(dlg.m_Branch.ID_Name, "L2");
+    EXPECT_STREQ(dlg.m_Branch.I_Name, "AC3");
+    EXPECT_STREQ(dlg.m_Branch.J_Name, "X2");
+    EXPECT_TRUE(boxes().boxes().empty());
+}
+
+TEST(BranchChooserWithoutConnection, ListsStayEmptyAndOutputsUntouched)
+{
+    testsupport::InstallRecorders();
+    BranchDialog dlg(1, nullptr, {"CDB_ACLINEBAK"}, {6});
+    char i[21] = "keep", j[21] = "keep";
+    EXPECT_EQ(dlg.GetFirstBranch(const_cast<char*>("L1"), i, j), 0);
+    EXPECT_STREQ(i, "keep");
+    EXPECT_STREQ(j, "keep");
+    EXPECT_TRUE(dlg.Read());
+    WhenShown(&dlg, [&] {
+        EXPECT_EQ(dlg.ListBox_Branch->count(), 0);
+        EXPECT_EQ(dlg.ComboBox_BranchName->count(), 0);
+        QTest::mouseClick(dlg.ToolButton_Cancel, Qt::LeftButton);
+    });
+    EXPECT_EQ(dlg.ChooseBranch(noName, noName, noName), 1);
+}

@@ -1,0 +1,234 @@
+// The curve canvas (scale, grid, ticks, curve, legend, redraws) and the notice that a
+// module was not purchased.
+
+#include "DialogDriver.h"
+#include "dialogs/CurveCanvas.h"
+#include "dialogs/DlgNoBuy.h"
+
+#include <QGraphicsLineItem>
+#include <QGraphicsSimpleTextItem>
+#include <QImage>
+#include <QLabel>
+#include <QPainter>
+#include <QPen>
+#include <QPushButton>
+#include <QTest>
+#include <gtest/gtest.h>
+
+using namespace dialogtest;
+
+namespace {
+
+// Reaches the canvas's own drawing steps, as a module's derived canvas does.
+class Canvas : public CDlgCurveCanvas
+{
+public:
+    using CDlgCurveCanvas::AddCurveLegend;
+    using CDlgCurveCanvas::CalculateX;
+    using CDlgCurveCanvas::CalculateY;
+    using CDlgCurveCanvas::CDlgCurveCanvas;
+    using CDlgCurveCanvas::DrawCurve;
+    using CDlgCurveCanvas::Refresh;
+
+    QList<QGraphicsItem*> Grid() const { return m_CoordLines; }
+    QList<QGraphicsItem*> Curve() const { return m_CurveLines; }
+    // Text and position of each tick or axis text, "text@x,y".
+    QStringList Texts() const
+    {
+        QStringList out;
+        for (QGraphicsItem* item : m_CoordTexts) {
+            const auto* text = static_cast<QGraphicsSimpleTextItem*>(item);
+            out << QString("%1@%2,%3").arg(text->text()).arg(text->x()).arg(text->y());
+        }
+        return out;
+    }
+};
+
+QLineF Line(QGraphicsItem* item)
+{
+    return static_cast<QGraphicsLineItem*>(item)->line();
+}
+
+// A legend that says when it goes.
+class Legend : public CLegendRect
+{
+public:
+    Legend(QGraphicsScene* canvas, bool* gone) : CLegendRect(canvas), m_gone(gone) {}
+    ~Legend() override { *m_gone = true; }
+
+private:
+    bool* m_gone;
+};
+
+} // namespace
+
+TEST(CurveCanvas, TheScaleUsesTheWidthOfTheRangeNotItsMinimum)
+{
+    Canvas canvas(400, 300);
+    canvas.SetMaxMinValue(10, 10, 0, 0);
+    EXPECT_EQ(canvas.CalculateX(5.0), 200);
+    EXPECT_EQ(canvas.CalculateY(5.0), 140);
+    EXPECT_EQ(canvas.CalculateX(0.0), 40);
+    EXPECT_EQ(canvas.CalculateY(0.0), 260) << "the lowest value sits at the bottom";
+    EXPECT_EQ(canvas.CalculateX(10.0 / 3), 146) << "truncated: 146.67";
+    canvas.SetMaxMinValue(10, 10, 5, 0);
+    EXPECT_EQ(canvas.CalculateX(5.0), 360) << "(5 / 5) * 320 + 40: the minimum is not subtracted";
+}
+
+TEST(CurveCanvas, GridStepsAreWholePixelsAndTicksCountFromZero)
+{
+    Canvas canvas(400, 300);
+    canvas.SetNumSteps(3, 4);
+    canvas.SetMaxMinValue(10, 10, 0, 0);
+    canvas.DrawCoordLines();
+    QList<QLineF> lines;
+    for (QGraphicsItem* item : canvas.Grid()) {
+        lines << Line(item);
+        const QPen pen = static_cast<QGraphicsLineItem*>(item)->pen();
+        EXPECT_EQ(pen.color(), QColor(Qt::black));
+        EXPECT_EQ(pen.width(), 1);
+    }
+    EXPECT_EQ(lines, (QList<QLineF>{{40, 260, 360, 260}, {40, 200, 360, 200}, {40, 140, 360, 140},
+                                    {40, 80, 360, 80},   {40, 20, 360, 20},   {40, 20, 40, 260},
+                                    {146, 20, 146, 260}, {252, 20, 252, 260}, {358, 20, 358, 260}}))
+        << "stepX is 106: the last vertical line stands at 358, not at 360";
+
+    canvas.SetXYLabels("t (s)", "V (pu)");
+    canvas.DrawCoord();
+    EXPECT_EQ(canvas.Texts(), (QStringList{"t (s)@254,280", " 0.0@30,265", " 3.3@136,265",
+                                           " 6.7@242,265", "10.0@348,265", " 0.0@10,255",
+                                           " 2.5@10,195", " 5.0@10,135", " 7.5@10,75", "10.0@10,15",
+                                           "V (pu)@20,2"}));
+    // A range from 5: the ticks still count from 0. Without an x label, no axis text.
+    canvas.SetMaxMinValue(10, 10, 5, 0);
+    canvas.SetXYLabels("", "V");
+    canvas.DrawCoord();
+    EXPECT_EQ(canvas.Texts().mid(0, 4), (QStringList{" 0.0@30,265", " 1.7@136,265",
+                                                     " 3.3@242,265", " 5.0@348,265"}));
+    EXPECT_EQ(canvas.Texts().size(), 10);
+}
+
+TEST(CurveCanvas, CurveSegmentsRedrawWithoutDoublingAndRefreshLeavesTheGrid)
+{
+    Canvas canvas(400, 300);
+    canvas.SetNumSteps(2, 2);
+    canvas.SetMaxMinValue(10, 10, 0, 0);
+    canvas.DrawCurve();
+    EXPECT_TRUE(canvas.Curve().isEmpty()) << "no points";
+    canvas.GetCurveDataList()->append({5, 5});
+    canvas.DrawCurve();
+    EXPECT_TRUE(canvas.Curve().isEmpty()) << "one point draws nothing";
+    canvas.GetCurveDataList()->append({0, 0});
+    canvas.GetCurveDataList()->append({10, 10});
+    canvas.DrawCurve();
+    canvas.DrawCurve();
+    ASSERT_EQ(canvas.Curve().size(), 2) << "a redraw replaces the segments";
+    EXPECT_EQ(Line(canvas.Curve()[0]), QLineF(200, 140, 40, 260)) << "list order, unsorted";
+    EXPECT_EQ(Line(canvas.Curve()[1]), QLineF(40, 260, 360, 20));
+    const QPen pen = static_cast<QGraphicsLineItem*>(canvas.Curve()[0])->pen();
+    EXPECT_EQ(pen.color(), QColor(Qt::red));
+    EXPECT_EQ(pen.width(), 2);
+
+    canvas.DrawCoordLines();
+    const auto grid = canvas.Grid();
+    const int items = canvas.items().size();
+    canvas.Refresh();
+    canvas.Refresh();
+    EXPECT_EQ(canvas.Grid(), grid) << "Refresh leaves the grid alone";
+    EXPECT_EQ(canvas.items().size(), items + 6) << "ticks added once: 3 + 3";
+
+    bool firstGone = false, secondGone = false;
+    auto* first = new Legend(&canvas, &firstGone);
+    canvas.AddCurveLegend(first, 300, 30);
+    EXPECT_EQ(first->pos(), QPointF(300, 30));
+    canvas.AddCurveLegend(new Legend(&canvas, &secondGone), 310, 40);
+    EXPECT_TRUE(firstGone) << "the legend held before is deleted";
+    EXPECT_FALSE(secondGone);
+    {
+        Canvas shortLived(100, 100);
+        shortLived.AddCurveLegend(new Legend(&shortLived, &secondGone), 0, 0);
+    }
+    EXPECT_TRUE(secondGone) << "the canvas owns its legend";
+}
+
+namespace {
+
+// What a module draws: two curves and a legend naming them.
+class TwoCurveCanvas : public Canvas
+{
+public:
+    using Canvas::Canvas;
+    QList<SCurveData> second;
+
+protected:
+    void DrawCurve() override
+    {
+        CDlgCurveCanvas::DrawCurve();
+        for (int k = 1; k < second.size(); ++k) {
+            AddCurveLine(CalculateX(second[k - 1].dX), CalculateY(second[k - 1].dY),
+                         CalculateX(second[k].dX), CalculateY(second[k].dY), Qt::blue, 2,
+                         Qt::DashLine);
+        }
+    }
+};
+
+class NamedLegend : public CLegendRect
+{
+public:
+    explicit NamedLegend(QGraphicsScene* canvas) : CLegendRect(canvas)
+    {
+        setRect(0, 0, 120, 44);
+        setBrush(Qt::white);
+        const struct
+        {
+            Qt::GlobalColor color;
+            Qt::PenStyle style;
+            const char* name;
+        } rows[] = {{Qt::red, Qt::SolidLine, "母线电压 B1"}, {Qt::blue, Qt::DashLine, "母线电压 B2"}};
+        for (int k = 0; k < 2; ++k) {
+            auto* swatch = new QGraphicsLineItem(6, 12 + 20 * k, 30, 12 + 20 * k, this);
+            swatch->setPen(QPen(QBrush(rows[k].color), 2, rows[k].style));
+            auto* name = new QGraphicsSimpleTextItem(QString::fromUtf8(rows[k].name), this);
+            name->setPos(36, 3 + 20 * k);
+        }
+    }
+};
+
+} // namespace
+
+TEST(CurveCanvas, DrawsTwoCurvesAndALegendForTheEye)
+{
+    TwoCurveCanvas canvas(480, 320);
+    canvas.SetNumSteps(5, 4);
+    canvas.SetMaxMinValue(5, 1.2, 0, 0);
+    canvas.SetXYLabels("时间 (s)", "电压 (pu)");
+    for (int k = 0; k <= 50; ++k) {
+        const double t = k * 0.1;
+        canvas.GetCurveDataList()->append({t, 1.0 - 0.3 * std::exp(-t) * std::cos(4 * t)});
+        canvas.second.append({t, 0.95 - 0.25 * std::exp(-0.7 * t) * std::cos(3 * t)});
+    }
+    canvas.DrawCoordLines();
+    canvas.Refresh();
+    canvas.AddCurveLegend(new NamedLegend(&canvas), 340, 200);
+    EXPECT_EQ(canvas.Curve().size(), 100);
+
+    QImage image(480, 320, QImage::Format_ARGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    canvas.render(&painter);
+    painter.end();
+    EXPECT_TRUE(image.save(ScreenshotPath("curve_canvas")));
+    EXPECT_EQ(image.pixelColor(40, 150), QColor(Qt::black)) << "the left grid line";
+}
+
+TEST(NotPurchased, NamesTheModuleAndClosesOnOk)
+{
+    DlgNoBuy dlg("暂态稳定计算");
+    EXPECT_TRUE(dlg.isModal());
+    EXPECT_TRUE(dlg.textLabel_Notice->text().contains("暂态稳定计算"));
+    WhenShown(&dlg, [&] {
+        EXPECT_FALSE(SaveScreenshot(&dlg, "not_purchased").isEmpty());
+        QTest::keyClick(&dlg, Qt::Key_Return);
+    });
+    EXPECT_EQ(dlg.exec(), QDialog::Accepted) << "Return presses the default OK";
+}

@@ -1,0 +1,291 @@
+// The find dialog over a table (shortcuts, directions, wrapping, case, whole cells,
+// hidden read-only columns, history) and the calculation-data grid (the type check of
+// user edits, CFieldInfo).
+
+#include "DialogDriver.h"
+#include "Recorders.h"
+#include "dialogs/DataTable.h"
+#include "dialogs/WinDlgFindText.h"
+#include "dialogs/WinDlgRTDBCalData.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <gtest/gtest.h>
+#include <memory>
+
+using namespace dialogtest;
+using testsupport::BoxRecorder;
+
+namespace {
+
+class FindDialog : public WinDlgFindText
+{
+public:
+    QString Find() const { return m_strFind; }
+};
+
+// A 3 x 3 table:  a0 xABCy  c0 / ABC  b1  abcd / c2  z  abc
+struct FindFixture : ::testing::Test
+{
+    CDataTable table{3, 3};
+    FindDialog dlg;
+
+    void SetUp() override
+    {
+        testsupport::InstallRecorders();
+        const char* cells[3][3] = {{"a0", "xABCy", "c0"}, {"ABC", "b1", "abcd"}, {"c2", "z", "abc"}};
+        for (int r = 0; r < 3; ++r) {
+            for (int c = 0; c < 3; ++c) {
+                table.setText(r, c, cells[r][c]);
+            }
+        }
+        dlg.setTable(&table);
+    }
+    // Types `text` as the search text, starts at (row, col) and presses Find Next;
+    // gives the cell made current, or (-9, -9) when the search found nothing.
+    QPoint FindFrom(const QString& text, int row, int col)
+    {
+        table.setCurrentCell(row, col);
+        dlg.comboBox_Text->lineEdit()->clear();
+        QTest::keyClicks(dlg.comboBox_Text->lineEdit(), text);
+        const size_t boxes = BoxRecorder::instance().boxes().size();
+        dlg.show();
+        QTest::mouseClick(dlg.pushButton_FindNext, Qt::LeftButton);
+        if (BoxRecorder::instance().boxes().size() > boxes) {
+            EXPECT_EQ(BoxRecorder::instance().boxes().back().text, "没有找到匹配项！");
+            EXPECT_EQ(BoxRecorder::instance().boxes().back().caption, "提示");
+            EXPECT_TRUE(dlg.isVisible()) << "not found: the dialog stays";
+            return {-9, -9};
+        }
+        EXPECT_FALSE(dlg.isVisible()) << "a match hides the dialog";
+        return {table.currentRow(), table.currentColumn()};
+    }
+};
+
+} // namespace
+
+TEST_F(FindFixture, ShortcutsToggleTheOptionsAndTheTipsNameThem)
+{
+    EXPECT_EQ(dlg.size(), QSize(412, 148));
+    EXPECT_EQ(dlg.windowTitle(), "查找");
+    EXPECT_EQ(dlg.checkBox_DiffUpAndLow->toolTip(), "区分大小写 Ctrl+D");
+    EXPECT_EQ(dlg.checkBox_BackForward->toolTip(), "向后搜索 Ctrl+B");
+    EXPECT_EQ(dlg.pushButton_FindNext->toolTip(), "查找下一个匹配项");
+    ShowAndWait(&dlg);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dlg));
+    for (auto [key, box] : {std::pair{Qt::Key_D, dlg.checkBox_DiffUpAndLow},
+                            std::pair{Qt::Key_R, dlg.checkBox_Rotate},
+                            std::pair{Qt::Key_W, dlg.checkBox_WholeWord},
+                            std::pair{Qt::Key_B, dlg.checkBox_BackForward}}) {
+        QTest::keyClick(&dlg, key, Qt::ControlModifier);
+        EXPECT_TRUE(QTest::qWaitFor([box = box] { return box->isChecked(); }, 1000))
+            << box->objectName().toStdString();
+    }
+    EXPECT_FALSE(SaveScreenshot(&dlg, "find_text").isEmpty());
+    // Ctrl+N searches: backward, case-sensitive, whole cell, wrapping from (0, 0).
+    table.setCurrentCell(0, 0);
+    QTest::keyClicks(dlg.comboBox_Text->lineEdit(), "abc");
+    QTest::keyClick(&dlg, Qt::Key_N, Qt::ControlModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !dlg.isVisible(); }, 1000));
+    EXPECT_EQ(table.currentRow(), 2);
+    EXPECT_EQ(table.currentColumn(), 2);
+}
+
+TEST_F(FindFixture, SearchesFromTheCellAfterTheCurrentOneInEitherDirection)
+{
+    // Case ignored by default: the text is kept in upper case afterwards.
+    EXPECT_EQ(FindFrom("abc", 0, 0), QPoint(0, 1));
+    EXPECT_EQ(dlg.Find(), "ABC");
+    // Going on from the match.
+    dlg.show();
+    QTest::mouseClick(dlg.pushButton_FindNext, Qt::LeftButton);
+    EXPECT_EQ(QPoint(table.currentRow(), table.currentColumn()), QPoint(1, 0));
+    // Case-sensitive.
+    dlg.checkBox_DiffUpAndLow->setChecked(true);
+    EXPECT_EQ(FindFrom("abc", 0, 0), QPoint(1, 2));
+    EXPECT_EQ(dlg.Find(), "abc");
+    dlg.checkBox_DiffUpAndLow->setChecked(false);
+    // Backward from (1, 0) reaches (0, 1).
+    dlg.checkBox_BackForward->setChecked(true);
+    EXPECT_EQ(FindFrom("abc", 1, 0), QPoint(0, 1));
+    EXPECT_EQ(FindFrom("abc", 0, 1), QPoint(-9, -9)) << "no wrap: the start is not reached";
+    dlg.checkBox_BackForward->setChecked(false);
+    // From the last cell without wrapping: nothing, at once.
+    EXPECT_EQ(FindFrom("a0", 2, 2), QPoint(-9, -9));
+    // With wrapping, a single match in the start cell is found last.
+    dlg.checkBox_Rotate->setChecked(true);
+    EXPECT_EQ(FindFrom("z", 2, 1), QPoint(2, 1));
+    EXPECT_EQ(FindFrom("a0", 2, 2), QPoint(0, 0));
+    EXPECT_EQ(FindFrom("nowhere", 1, 1), QPoint(-9, -9));
+}
+
+TEST_F(FindFixture, WholeCellsHiddenColumnsAndTheHistory)
+{
+    dlg.checkBox_WholeWord->setChecked(true);
+    dlg.checkBox_Rotate->setChecked(true);
+    EXPECT_EQ(FindFrom(" abc ", 0, 0), QPoint(1, 0)) << "ABC, not xABCy or abcd";
+    // A hidden read-only column is passed over; hidden editable and visible read-only
+    // columns are searched.
+    table.setColumnReadOnly(0, true);
+    table.setColumnHidden(0, true);
+    EXPECT_EQ(FindFrom("abc", 0, 0), QPoint(2, 2));
+    table.setColumnReadOnly(0, false);
+    EXPECT_EQ(FindFrom("abc", 0, 0), QPoint(1, 0));
+    table.setColumnHidden(0, false);
+    table.setColumnReadOnly(0, true);
+    EXPECT_EQ(FindFrom("abc", 0, 0), QPoint(1, 0));
+
+    // Each text joins the history once, appended; an empty text matches the next cell.
+    dlg.checkBox_WholeWord->setChecked(false);
+    EXPECT_EQ(FindFrom("", 1, 1), QPoint(1, 2));
+    EXPECT_EQ(FindFrom("", 1, 2), QPoint(2, 0));
+    QStringList history;
+    for (int k = 0; k < dlg.comboBox_Text->count(); ++k) {
+        history << dlg.comboBox_Text->itemText(k);
+    }
+    EXPECT_EQ(history, QStringList({" abc ", "abc", ""}));
+    // With no current cell and no wrapping the search starts in row -1, which has no
+    // text, and runs on into the table.
+    dlg.checkBox_Rotate->setChecked(false);
+    table.setCurrentCell(-1, -1);
+    dlg.comboBox_Text->setEditText("c2");
+    dlg.ButtonFindNext_Clicked();
+    EXPECT_EQ(QPoint(table.currentRow(), table.currentColumn()), QPoint(2, 0));
+}
+
+namespace {
+
+// A grid the way a module makes one: its own table name, columns and cells.
+class TestGrid : public WinDlgRTDBCalData
+{
+public:
+    explicit TestGrid(const CHandleGraphInfo& info) : WinDlgRTDBCalData(info) {}
+    void GetCalDBTableName(char* name) override { std::strcpy(name, "L2_0"); }
+    void Init() override
+    {
+        ++filled;
+        table_CalData->setColumnCount(5);
+        table_CalData->setHorizontalHeaderLabels({"整数", "实数", "不检查", "名称", "只读"});
+        for (int c = 0; c < 5; ++c) {
+            columns.push_back(std::make_unique<CFieldInfo>(table_CalData));
+            columns.back()->SetIndexPos(c);
+            columns.back()->SetColumnWidth(56, true);
+        }
+        table_CalData->setColumnReadOnly(4, true);
+        for (CalDataFieldInfo* f : fields) {
+            m_pFieldList->append(f);
+        }
+        for (int c = 0; c < 5; ++c) {
+            table_CalData->setText(0, c, QStringList({"12", "1.5", "7", "L1", "RO"})[c]);
+        }
+    }
+    int filled = 0;
+    std::vector<std::unique_ptr<CFieldInfo>> columns;
+    CalDataFieldInfo integer{0, 1}, real{0, 2}, unchecked{1, 1};
+    QList<CalDataFieldInfo*> fields{&integer, &real, &unchecked};
+    const CHandleGraphInfo& Info() const { return m_GraphInfo; }
+};
+
+// Edits a cell as a user does: click, type, Return.
+void Edit(CDataTable* table, int row, int col, const QString& text)
+{
+    ClickCell(table, row, col);
+    QTest::keyClick(table, Qt::Key_F2);
+    QWidget* editor = QApplication::focusWidget();
+    ASSERT_TRUE(qobject_cast<QLineEdit*>(editor)) << "no editor opened";
+    static_cast<QLineEdit*>(editor)->selectAll();
+    QTest::keyClick(editor, Qt::Key_Backspace);
+    QTest::keyClicks(editor, text);
+    // The delegate commits and closes its editor from the event loop.
+    QPointer<QWidget> open(editor);
+    QTest::keyClick(editor, Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return open.isNull(); }, 2000));
+}
+
+} // namespace
+
+TEST(CalDataGrid, UserEditsAreCheckedByColumnTypeAndCodeFillsAreNot)
+{
+    CHandleGraphInfo info;
+    info.m_strText = "bus";
+    info.m_nNumber = 7;
+    TestGrid grid(info);
+    EXPECT_EQ(grid.filled, 0) << "the constructor reaches only the base Init";
+    EXPECT_EQ(grid.Info().m_nNumber, 7);
+    EXPECT_EQ(grid.windowTitle(), "计算数据修改");
+    EXPECT_EQ(grid.table_CalData->rowCount(), 3);
+    EXPECT_GE(grid.width(), 335);
+    EXPECT_GE(grid.height(), 245);
+
+    QSignalSpy edits(grid.table_CalData, &CDataTable::valueChanged);
+    grid.Init();
+    grid.table_CalData->setText(2, 0, "filled by code");
+    EXPECT_EQ(edits.count(), 0) << "code fills are no edits, and are not checked";
+    EXPECT_EQ(grid.table_CalData->text(2, 0), "filled by code");
+
+    ShowAndWait(&grid);
+    Edit(grid.table_CalData, 0, 0, "1x");
+    EXPECT_EQ(edits.count(), 1) << "the revert is no second edit";
+    EXPECT_EQ(grid.table_CalData->text(0, 0), "12");
+    Edit(grid.table_CalData, 0, 0, "-40");
+    EXPECT_EQ(grid.table_CalData->text(0, 0), "-40");
+    Edit(grid.table_CalData, 0, 1, "1e3");
+    EXPECT_EQ(grid.table_CalData->text(0, 1), "1e3");
+    // An empty text goes back to the text the cell had when it became current, not to
+    // the last good one.
+    Edit(grid.table_CalData, 0, 1, "");
+    EXPECT_EQ(grid.table_CalData->text(0, 1), "1.5");
+    Edit(grid.table_CalData, 0, 2, "abc");
+    EXPECT_EQ(grid.table_CalData->text(0, 2), "abc") << "a column without the check";
+    Edit(grid.table_CalData, 0, 3, "any text");
+    EXPECT_EQ(grid.table_CalData->text(0, 3), "any text") << "a column without an entry";
+    EXPECT_EQ(edits.count(), 6);
+    ClickCell(grid.table_CalData, 0, 4);
+    QTest::keyClick(grid.table_CalData, Qt::Key_F2);
+    QTest::keyClicks(grid.table_CalData, "x");
+    EXPECT_EQ(grid.table_CalData->text(0, 4), "RO") << "a read-only column takes no edit";
+    EXPECT_EQ(grid.table_CalData->columnWidth(4), 56);
+    EXPECT_FALSE(SaveScreenshot(&grid, "caldata_grid").isEmpty());
+    QTest::mouseClick(grid.pushButton_OK, Qt::LeftButton);
+    EXPECT_EQ(grid.result(), QDialog::Accepted);
+}
+
+TEST(CalDataGrid, FieldInfoWidthsAndNames)
+{
+    CDataTable table(2, 3);
+    table.setColumnWidth(1, 50);
+    CFieldInfo field(&table);
+    EXPECT_EQ(field.GetIndexPos(), -1);
+    EXPECT_EQ(field.GetColumnWidth(), 1);
+    EXPECT_FALSE(field.IsPriKey());
+    field.SetIndexPos(1);
+    field.SetColumnWidth(50, true);
+    field.SetColumnWidth(0, true);
+    EXPECT_EQ(table.columnWidth(1), 1) << "1 is the floor";
+    field.SetColumnWidth(50, false);
+    EXPECT_EQ(field.GetColumnWidth(), 50);
+    EXPECT_EQ(table.columnWidth(1), 1) << "stored only";
+    field.SetColumnWidth(50, true);
+    EXPECT_EQ(table.columnWidth(1), 1) << "equal to the stored width: nothing happens";
+    table.setColumnReadOnly(1, true);
+    field.SetColumnWidth(80, true);
+    EXPECT_EQ(table.columnWidth(1), 1);
+    EXPECT_EQ(field.GetColumnWidth(), 50) << "a read-only column's width never changes";
+
+    field.SetFieldName("Pg_MW");
+    field.SetFieldName_CH("有功出力");
+    EXPECT_STREQ(field.GetFieldName(), "Pg_MW");
+    EXPECT_STREQ(field.GetFieldName_CH(), "有功出力");
+    field.SetFieldName("");
+    field.SetFieldName_CH(nullptr);
+    EXPECT_EQ(std::string(field.GetFieldName(), 32), std::string(32, '\0'));
+    EXPECT_EQ(std::string(field.GetFieldName_CH(), 32), std::string(32, '\0'));
+    field.SetFieldName("a_name_of_forty_bytes_that_is_far_too_long");
+    EXPECT_EQ(std::string(field.GetFieldName()), "a_name_of_forty_bytes_that_is_f");
+}
