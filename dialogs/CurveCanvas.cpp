@@ -129,7 +129,10 @@ void CDlgCurveCanvas::Refresh()
 
 void CDlgCurveCanvas::AddCurveLegend(CLegendRect* p, int x, int y)
 {
-    delete m_pLegend;
+    // The item held so far goes, unless it is p itself, which is then only moved.
+    if (m_pLegend != p) {
+        delete m_pLegend;
+    }
     m_pLegend = p;
     if (!p) {
         return;

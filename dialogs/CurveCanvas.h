@@ -50,8 +50,8 @@ public:
 protected:
     virtual void DrawCurve();
     void Refresh();
-    // Replaces the legend by p, which the canvas owns from here on. Pass a new item
-    // each time: an item already held is deleted first.
+    // Replaces the legend by p (deleting the one held before), places it at x, y and
+    // shows it. The canvas owns p from here on.
     void AddCurveLegend(CLegendRect* p, int x, int y);
     // Pixel of a value. Only the width of the range enters, not its minimum, so a
     // range that does not start at 0 moves the curve right or up; the scale spans the

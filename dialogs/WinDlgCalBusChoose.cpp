@@ -128,6 +128,21 @@ void NameChooseDialog::MoveListTo(const QString& text)
     }
 }
 
+bool NameChooseDialog::IsChosenNameListed(const char* empty, const char* unknown)
+{
+    const QString name = GetName();
+    if (name.isEmpty()) {
+        ShowMessage(empty, MSG_ERROR);
+        return false;
+    }
+    // A prefix of a listed name passes, and GetName then gives the prefix.
+    if (!FindItemBeginsWith(ListBox_BusName, name)) {
+        ShowMessage(unknown, MSG_ERROR);
+        return false;
+    }
+    return true;
+}
+
 void NameChooseDialog::ToolButton_Cancel_clicked()
 {
     reject();
@@ -192,17 +207,9 @@ void WinDlgCalBusChoose::LineEdit_BusName_textChanged(const QString& text)
 
 void WinDlgCalBusChoose::ToolButton_OK_clicked()
 {
-    const QString name = GetName();
-    if (name.isEmpty()) {
-        ShowMessage(MSG_BUS_EMPTY, MSG_ERROR);
-        return;
+    if (IsChosenNameListed(MSG_BUS_EMPTY, MSG_BUS_UNKNOWN)) {
+        accept();
     }
-    // A prefix of a listed name passes, and GetName then gives the prefix.
-    if (!FindItemBeginsWith(ListBox_BusName, name)) {
-        ShowMessage(MSG_BUS_UNKNOWN, MSG_ERROR);
-        return;
-    }
-    accept();
 }
 
 // ---- The element chooser ----
@@ -247,15 +254,10 @@ void WinDlgCalEleTerm1Choose::LineEdit_BusName_returnPressed()
 
 void WinDlgCalEleTerm1Choose::ToolButton_OK_clicked()
 {
+    if (!IsChosenNameListed(MSG_NAME_EMPTY, MSG_NAME_UNKNOWN)) {
+        return;
+    }
     const QString name = GetName();
-    if (name.isEmpty()) {
-        ShowMessage(MSG_NAME_EMPTY, MSG_ERROR);
-        return;
-    }
-    if (!FindItemBeginsWith(ListBox_BusName, name)) {
-        ShowMessage(MSG_NAME_UNKNOWN, MSG_ERROR);
-        return;
-    }
     if (m_strField.toUpper() == QLatin1String("ID_NAME")) {
         QSqlQuery q(ConnectionOrNone(m_pDB));
         const QByteArray sql = FormatText(SQL_ELEMENT_NODE, m_strTable.toLocal8Bit().constData(),

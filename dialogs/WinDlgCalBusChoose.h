@@ -61,6 +61,9 @@ protected:
     // on a text of more than 20 bytes. False when the check ended there.
     bool CheckTypedText(const QString& text, const char* tooLong, const char* restored,
                         QString* stripped);
+    // The check at OK: false, with the message `empty` or `unknown`, when the stripped
+    // name is empty or begins no listed name.
+    bool IsChosenNameListed(const char* empty, const char* unknown);
     // Moves the list to the first name that begins with `text`, case ignored.
     void MoveListTo(const QString& text);
 

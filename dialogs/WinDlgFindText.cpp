@@ -105,6 +105,9 @@ void WinDlgFindText::NotFound()
 
 void WinDlgFindText::ButtonFindNext_Clicked()
 {
+    if (!m_pTable) {
+        return; // setTable has not been called: there is nothing to search
+    }
     m_pTable->setFocus();
     m_strFind = comboBox_Text->currentText();
 

@@ -20,7 +20,7 @@ public:
     explicit WinDlgFindText(QWidget* parent = nullptr, const char* name = nullptr,
                             bool modal = false, Qt::WindowFlags fl = {});
 
-    // The table to search, not owned; set it before the first search.
+    // The table to search, not owned; without one, Find Next does nothing.
     void setTable(CDataTable* table) { m_pTable = table; }
 
     QGroupBox* groupBox_Option;

@@ -150,6 +150,13 @@ TEST_F(FindFixture, WholeCellsHiddenColumnsAndTheHistory)
         history << dlg.comboBox_Text->itemText(k);
     }
     EXPECT_EQ(history, QStringList({" abc ", "abc", ""}));
+    // Return in the box takes its text as the search text, and keeps it in the history.
+    dlg.comboBox_Text->lineEdit()->clear();
+    QTest::keyClicks(dlg.comboBox_Text->lineEdit(), "b1");
+    QTest::keyClick(dlg.comboBox_Text->lineEdit(), Qt::Key_Return);
+    EXPECT_EQ(dlg.Find(), "b1");
+    EXPECT_EQ(dlg.comboBox_Text->findText("b1", Qt::MatchFixedString | Qt::MatchCaseSensitive), 0)
+        << "after the first search, new texts go to the top";
     // With no current cell and no wrapping the search starts in row -1, which has no
     // text, and runs on into the table.
     dlg.checkBox_Rotate->setChecked(false);
