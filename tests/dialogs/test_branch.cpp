@@ -252,6 +252,9 @@ TEST_F(BranchChooser, JobTablesTranslateNTypeAndAFilterMustNameEveryFamily)
         EXPECT_EQ(Sent("SELECT ID_Name,I_Name,J_Name,ID_No,NType FROM L2_1"),
                   (std::vector<std::string>{"SELECT ID_Name,I_Name,J_Name,ID_No,NType FROM L2_1 "
                                             "WHERE 1=1  AND (NType=1  OR NType=3 )"}));
+        EXPECT_EQ(Sent("SELECT ID_Name,I_Name,J_Name,ID_No,Ntype FROM L3_1"),
+                  (std::vector<std::string>{"SELECT ID_Name,I_Name,J_Name,ID_No,Ntype FROM L3_1 "
+                                            "WHERE 1=1  AND (NType=3 )"}));
     }
     // A filter naming lines only leaves a lone ")" for the transformer table: the read
     // ends there, and the next use reads again from the start.
