@@ -16,11 +16,10 @@ int Ccfgfile::loadConfig(const std::string& fileName)
     char line[1024];
     ParseString parser(line, "=");
     while (in.good()) {
+        // A line of 1024 characters or more fills the buffer and sets the fail state: its
+        // first 1023 characters are parsed below and the loop ends. An empty read at the end
+        // leaves an empty buffer, which gives no token.
         in.getline(line, sizeof line);
-        if (in.fail()) {
-            // An empty read at the end, or a line too long for the buffer: stop here.
-            break;
-        }
         if (line[0] == '#') {
             continue;
         }

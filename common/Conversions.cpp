@@ -52,7 +52,7 @@ char* ConvertTo4String(int value, char* buffer)
 
 char* ConvertTo2String(int value, char* buffer)
 {
-    std::memset(buffer, 0, 2);
+    std::memset(buffer, 0, 4); // four bytes, as ConvertTo4String clears
     if (value >= 10 && value <= 99) {
         std::sprintf(buffer, "%d", value);
     } else if (value >= 0 && value <= 9) {

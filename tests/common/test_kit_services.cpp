@@ -47,7 +47,9 @@ TEST(Conversions, FixedWidthNumbersCopiesAndBranchTypes)
     EXPECT_STREQ(ConvertTo4String(9999, buf), "9999");
     EXPECT_STREQ(ConvertTo4String(10000, buf), "0000");
     EXPECT_STREQ(ConvertTo4String(-1, buf), "0000");
+    std::memset(buf, 'x', sizeof buf);
     EXPECT_STREQ(ConvertTo2String(5, buf), "05");
+    EXPECT_EQ(buf[3], '\0') << "four bytes are cleared, as by ConvertTo4String";
     EXPECT_STREQ(ConvertTo2String(100, buf), "00");
 
     char target[8];
@@ -168,8 +170,18 @@ TEST_F(ConfigFileTest, MissingEmptyBinaryAndOverlongFiles)
     Ccfgfile longCfg;
     EXPECT_EQ(longCfg.loadConfig(path("long.cfg")), 0);
     EXPECT_EQ(longCfg.getValue("first"), "1");
-    EXPECT_EQ(longCfg.getValue("k"), "") << "the overlong line is not stored";
+    EXPECT_EQ(longCfg.getValue("k"), std::string(1019, 'v'))
+        << "the overlong line is parsed from the 1023 characters the read left in the buffer";
     EXPECT_EQ(longCfg.getValue("after"), "") << "reading stops at the overlong line";
+
+    // 1023 characters still fit; 1024 do not.
+    write(path("edge.cfg"), "a = " + std::string(1019, 'x') + "\nb = " + std::string(1020, 'y') +
+                                "\nc = 3\n");
+    Ccfgfile edge;
+    EXPECT_EQ(edge.loadConfig(path("edge.cfg")), 0);
+    EXPECT_EQ(edge.getValue("a").size(), 1019u);
+    EXPECT_EQ(edge.getValue("b"), std::string(1019, 'y')) << "its last character is lost";
+    EXPECT_EQ(edge.getValue("c"), "");
 }
 
 TEST(CommandChannel, SendsDatagramsAndKeepsItsQuirks)
