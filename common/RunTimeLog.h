@@ -10,8 +10,13 @@
 #include <QByteArray>
 #include <cstdint>
 
-// The one switch for all timed functions of the library.
-constexpr bool kRunTimeLogEnabled = false;
+// The one switch for all timed functions of the library: off. A build that defines
+// CALCDATA_RUN_TIME_LOG as 1 compiles the frames it builds with the switch on (a test
+// program does so to see them).
+#ifndef CALCDATA_RUN_TIME_LOG
+#define CALCDATA_RUN_TIME_LOG 0
+#endif
+constexpr bool kRunTimeLogEnabled = CALCDATA_RUN_TIME_LOG != 0;
 
 // The line a frame shows for a function that ran `elapsedMs` milliseconds.
 QByteArray FormatRunTimeLine(const char* name, std::int64_t elapsedMs);

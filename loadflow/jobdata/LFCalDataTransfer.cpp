@@ -1,7 +1,9 @@
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 
 #include "common/Feedback.h"
+#include "common/RunTimeLog.h"
 #include "loadflow/jobdata/LFExtractStatements.h"
+#include "loadflow/jobdata/LFSaveStatements.h"
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -22,13 +24,15 @@ bool run(QSqlDatabase* db, const QByteArray& sql)
 
 CLFCalDataTransfer::CLFCalDataTransfer(int jobNumber, char* schemeName, QSqlDatabase* db,
                                        CDatabase* baseDb)
-    : m_pDB(db), m_pBaseDB(baseDb), m_nJobNumber(jobNumber)
+    : m_pDB(db), m_pBaseDB(baseDb), m_nJobNumber(jobNumber),
+      m_saveBack(db, lfs::MSG_SQL_FAIL)
 {
     Init(schemeName);
 }
 
 CLFCalDataTransfer::CLFCalDataTransfer(char* schemeName, QSqlDatabase* db)
-    : m_pDB(db), m_pBaseDB(nullptr), m_nJobNumber(0) // no base-database object: extraction only
+    : m_pDB(db), m_pBaseDB(nullptr), m_nJobNumber(0), // no base-database object: extraction only
+      m_saveBack(db, lfs::MSG_SQL_FAIL)
 {
     Init(schemeName);
 }
@@ -47,6 +51,7 @@ void CLFCalDataTransfer::Init(char* schemeName)
 
 int CLFCalDataTransfer::DeleteLData()
 {
+    CRunTimeLog frame("DeleteLData");
     for (const char* prefix : {"L1", "L2", "L3", "L4", "L5", "L6", "LK"}) {
         if (!run(m_pDB, FormatText(SQL_DELETE_JOB, prefix, m_nJobNumber))) {
             ShowMessagef(MSG_ERROR, MSG_DELETE_JOB, prefix, m_nJobNumber);
@@ -58,6 +63,7 @@ int CLFCalDataTransfer::DeleteLData()
 
 int CLFCalDataTransfer::ImportLDataFromBaseDB()
 {
+    CRunTimeLog frame("ImportLDataFromBaseDB");
     ShowMessage(MSG_START, MSG_PROGRESS);
     Nbus = Ngenerat = Nload = Nacline = Ndcline = Ntrans = Nswitch = 0;
     DeleteLData();
@@ -76,7 +82,9 @@ int CLFCalDataTransfer::ImportLDataFromBaseDB()
         QSqlQuery q(*m_pDB);
         if (!q.exec(QString::fromLocal8Bit(FormatText(SQL_CASE_ROW, "LF_CASE")))) {
             ShowMessage(MSG_CASE_COUNTS, MSG_ERROR);
-        } else if (q.size() < 1 && !run(m_pDB, FormatText(SQL_CASE_INSERT, "LF_CASE"))) {
+        }
+        // A failed select has the size -1, so the insert is tried after a failure too.
+        if (q.size() < 1 && !run(m_pDB, FormatText(SQL_CASE_INSERT, "LF_CASE"))) {
             ShowMessage(MSG_CASE_COUNTS, MSG_ERROR);
         }
     }
@@ -131,6 +139,7 @@ QByteArray workingCopy(const char* table)
 
 int CLFCalDataTransfer::ImportL5DataFromBaseDB()
 {
+    CRunTimeLog frame("ImportL5DataFromBaseDB");
     if (!CreateTmp()) {
         return CALC_FAIL;
     }
@@ -160,6 +169,7 @@ int CLFCalDataTransfer::ImportL5DataFromBaseDB()
 
 int CLFCalDataTransfer::ImportL6DataFromBaseDB()
 {
+    CRunTimeLog frame("ImportL6DataFromBaseDB");
     if (!CreateTmp()) {
         return CALC_FAIL;
     }
@@ -189,6 +199,7 @@ int CLFCalDataTransfer::ImportL6DataFromBaseDB()
 
 int CLFCalDataTransfer::ImportLKDataFromBaseDB()
 {
+    CRunTimeLog frame("ImportLKDataFromBaseDB");
     if (!CreateTmp()) {
         return CALC_FAIL;
     }
@@ -223,6 +234,7 @@ int CLFCalDataTransfer::ImportLKDataFromBaseDB()
 
 int CLFCalDataTransfer::ImportL4DataFromBaseDB()
 {
+    CRunTimeLog frame("ImportL4DataFromBaseDB");
     if (!CreateTmp()) {
         return CALC_FAIL;
     }
@@ -267,6 +279,7 @@ bool l2Pair(QSqlDatabase* db, const char* unit1, const char* unit0, const QByteA
 
 int CLFCalDataTransfer::ImportL2DataFromBaseDB()
 {
+    CRunTimeLog frame("ImportL2DataFromBaseDB");
     if (!CreateTmp()) {
         return CALC_FAIL;
     }
@@ -326,6 +339,7 @@ int CLFCalDataTransfer::ImportL2DataFromPCR()
 
 int CLFCalDataTransfer::ImportL3DataFromBaseDB()
 {
+    CRunTimeLog frame("ImportL3DataFromBaseDB");
     if (!CreateTmp()) {
         return CALC_FAIL;
     }

@@ -5,6 +5,8 @@
 // counts go to LF_CASE. Save-back: what a calculation changed goes back to the working
 // copies, in place or into a data group, and orphans are saved into the group.
 
+#include "common/SaveBackPattern.h"
+
 #include <QMap>
 #include <QString>
 
@@ -26,6 +28,10 @@ public:
     // Saves what the job changed into the working copies: in place, or with `newGroup`
     // as copies in data group `groupName`, where orphan rows always go.
     int SaveLDataToBaseDB(QString groupName, bool newGroup);
+    // Which text save-back sends where the design's statement is refused by the server:
+    // faithful (the default) stops the run there, mended sends the intended statement.
+    void SetStatementMode(SaveStatementMode mode) { m_saveBack.SetStatementMode(mode); }
+    SaveStatementMode StatementMode() const { return m_saveBack.StatementMode(); }
 
     // Counters: after extraction the LF_CASE counts, after save-back the changed elements.
     int Nbus = 0, Ngenerat = 0, Nload = 0, Nacline = 0, Ndcline = 0, Ntrans = 0, Nswitch = 0;
@@ -58,8 +64,7 @@ private:
     int AddNewNode(const QString& name);
 
     // Save-back families, each 0 or 1.
-    struct SavePattern;
-    int RunSavePattern(const SavePattern& family, int& counter);
+    int RunSaveFamily(const SaveBackFamily& family, int& counter);
     int SaveL1DataToBaseDB();
     int SaveL2DataToAC();
     int SaveL2DataToPCR();
@@ -84,4 +89,5 @@ private:
     QString m_strGroupName;
     int m_nNewElements = 0;
     QMap<QString, int> m_NewNodes;
+    CSaveBackPattern m_saveBack; // runs the families' statements, in the statement mode
 };

@@ -2,6 +2,7 @@
 // counts of LF_CASE; and the running count of nodes that save-back must add.
 
 #include "common/Feedback.h"
+#include "common/RunTimeLog.h"
 #include "common/SQLMultiInsert.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 #include "loadflow/jobdata/LFExtractStatements.h"
@@ -14,6 +15,7 @@ using namespace lfx;
 
 int CLFCalDataTransfer::ImportL1DataFromBaseDB()
 {
+    CRunTimeLog frame("ImportL1DataFromBaseDB");
     QMap<QString, int> nodes;
     auto take = [&](const QString& name) {
         if (!nodes.contains(name)) {

@@ -3,6 +3,7 @@
 // (orphans) are saved into the group with the nodes they need.
 
 #include "common/Feedback.h"
+#include "common/RunTimeLog.h"
 #include "common/SQLMultiInsert.h"
 #include "common/TableTypes.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
@@ -12,29 +13,12 @@
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
-#include <QSqlRecord>
 #include <QStringList>
 #include <QVariant>
 #include <vector>
 
 using namespace lfs;
 using lfx::WORKING_COPY;
-
-// One family of the save-back, its statements formatted for this run.
-struct CLFCalDataTransfer::SavePattern
-{
-    QByteArray createOrphans;              // step 1: T from the job rows without base row
-    const char* warning;                   // step 2.2, with the row count and the group
-    std::vector<QByteArray> orphanInserts; // step 2.3
-    QByteArray orphanNodes;                // step 2.4
-    QByteArray clear;                      // step 2.5
-    std::vector<QByteArray> changes;       // step 3, each adding its rows
-    QByteArray afterChanges;               // run and ignored (three-winding transformers)
-    std::vector<QByteArray> intoGroup;     // step 4 with the new-group flag
-    std::vector<QByteArray> inPlace;       // step 4 without it
-    QByteArray drop;                       // step 5
-    int orphanDivisor = 1;                 // job rows per element
-};
 
 namespace {
 
@@ -59,73 +43,24 @@ QByteArray prefixed(const char* columns)
 QByteArray copyInto(const char* base, const char* columns, const char* temp,
                     const QByteArray& group, const char* tail = "")
 {
-    return FormatText("insert into %s%s(GrpName, %s) select '%s', %s from %s%s a, %s where "
-                      "a.id=%s.eleid%s",
-                      base, WORKING_COPY, columns, group.constData(), prefixed(columns).constData(),
-                      base, WORKING_COPY, temp, temp, tail);
+    return FormatText(SQL_COPY_INTO_GROUP, base, WORKING_COPY, columns, group.constData(),
+                      prefixed(columns).constData(), base, WORKING_COPY, temp, temp, tail);
 }
 
 } // namespace
 
-int CLFCalDataTransfer::RunSavePattern(const SavePattern& f, int& counter)
+int CLFCalDataTransfer::RunSaveFamily(const SaveBackFamily& family, int& counter)
 {
-    QSqlQuery q(*m_pDB);
-    auto exec = [&](const QByteArray& sql) {
-        if (!q.exec(QString::fromLocal8Bit(sql))) {
-            ShowMessagef(MSG_ERROR, MSG_SQL_FAIL, sql.constData());
-            return false;
-        }
-        return true;
-    };
-    // Orphans: job rows whose base row does not exist go into the group, per unit.
-    if (!exec(f.createOrphans)) {
-        return CALC_FAIL;
-    }
-    const int orphans = q.numRowsAffected();
-    if (orphans > 0) {
-        m_nNewElements += orphans / f.orphanDivisor;
-        ShowMessagef(MSG_ERROR, f.warning, orphans, m_strGroupName.toLocal8Bit().constData());
-        for (const QByteArray& sql : f.orphanInserts) {
-            if (!exec(sql)) {
-                return CALC_FAIL;
-            }
-        }
-        QSqlQuery nodes(*m_pDB);
-        if (nodes.exec(QString::fromLocal8Bit(f.orphanNodes)) && nodes.isActive()) {
-            const int columns = nodes.record().count();
-            while (nodes.next()) {
-                for (int c = 0; c < columns; ++c) {
-                    AddNewNode(nodes.value(c).toString());
-                }
-            }
-        }
-        QSqlQuery(*m_pDB).exec(QString::fromLocal8Bit(f.clear));
-    }
-    // Changes: rows that differ from their base row beyond the tolerance, in its unit.
-    int changed = 0;
-    for (const QByteArray& sql : f.changes) {
-        if (!exec(sql)) {
-            return CALC_FAIL;
-        }
-        changed += q.numRowsAffected();
-    }
-    if (!f.afterChanges.isEmpty()) {
-        QSqlQuery(*m_pDB).exec(QString::fromLocal8Bit(f.afterChanges));
-    }
-    if (changed > 0) {
-        counter += changed;
-        for (const QByteArray& sql : m_bNewGroup ? f.intoGroup : f.inPlace) {
-            if (!exec(sql)) {
-                return CALC_FAIL;
-            }
-        }
-    }
-    QSqlQuery(*m_pDB).exec(QString::fromLocal8Bit(f.drop));
-    return CALC_OK;
+    SaveBackOrphans orphans;
+    orphans.groupName = m_strGroupName.toLocal8Bit();
+    orphans.newElements = &m_nNewElements;
+    orphans.addNode = [this](const QString& name) { AddNewNode(name); };
+    return m_saveBack.Run(family, m_bNewGroup, counter, &orphans);
 }
 
 int CLFCalDataTransfer::SaveLDataToBaseDB(QString groupName, bool newGroup)
 {
+    CRunTimeLog frame("SaveLDataToBaseDB");
     m_strGroupName = groupName;
     m_bNewGroup = newGroup;
     Nbus = Ngenerat = Nload = Nacline = Ndcline = Ntrans = Nswitch = 0;
@@ -171,8 +106,8 @@ int CLFCalDataTransfer::SaveLDataToBaseDB(QString groupName, bool newGroup)
     if (m_nNewElements > 0 || (m_bNewGroup && total > 0)) {
         const QByteArray group = m_strGroupName.toLocal8Bit();
         QSqlQuery q(*m_pDB);
-        if (!q.exec(QString::fromLocal8Bit(
-                FormatText(SQL_ADD_GROUP, "CDB_DATAGROUP", WORKING_COPY, group.constData())))) {
+        if (!m_saveBack.Send(q, FormatText(SQL_ADD_GROUP, "CDB_DATAGROUP", WORKING_COPY,
+                                           group.constData()))) {
             ShowMessagef(MSG_GROUP_FAIL, MSG_ADD_GROUP, group.constData());
             return CALC_FAIL;
         }
@@ -191,18 +126,12 @@ int CLFCalDataTransfer::SaveLDataToBaseDB(QString groupName, bool newGroup)
 
 int CLFCalDataTransfer::SaveL1DataToBaseDB()
 {
+    CRunTimeLog frame("SaveL1DataToBaseDB");
     if (m_nNewElements == 0) {
         return CALC_OK;
     }
     QSqlQuery q(*m_pDB);
-    auto exec = [&](const QByteArray& sql) {
-        if (!q.exec(QString::fromLocal8Bit(sql))) {
-            ShowMessagef(MSG_ERROR, MSG_SQL_FAIL, sql.constData());
-            return false;
-        }
-        return true;
-    };
-    if (!exec(SQL_CREATE_TNODE)) {
+    if (!m_saveBack.Exec(q, SQL_CREATE_TNODE)) {
         return CALC_FAIL;
     }
     SQLMultiInsert ins(m_pDB, 200);
@@ -217,15 +146,16 @@ int CLFCalDataTransfer::SaveL1DataToBaseDB()
         const char* sql;
         const char* table;
     } adds[] = {{SQL_NEW_NODES, "CDB_NODE"},
-                {SQL_NEW_BUSES, "CDB_BUS"},
-                {SQL_NEW_STATIONS, "CDB_PSTATION"},
-                {SQL_NEW_ZONES, "CDB_ZONE"}};
+                {m_saveBack.Text(SQL_NEW_BUSES, SQL_NEW_BUSES_MENDED), "CDB_BUS"},
+                {m_saveBack.Text(SQL_NEW_STATIONS, SQL_NEW_STATIONS_MENDED), "CDB_PSTATION"},
+                {m_saveBack.Text(SQL_NEW_ZONES, SQL_NEW_ZONES_MENDED), "CDB_ZONE"}};
     for (const auto& a : adds) {
-        if (!exec(FormatText(a.sql, a.table, WORKING_COPY, m_nJobNumber, a.table, WORKING_COPY))) {
+        if (!m_saveBack.Exec(
+                q, FormatText(a.sql, a.table, WORKING_COPY, m_nJobNumber, a.table, WORKING_COPY))) {
             return CALC_FAIL;
         }
     }
-    QSqlQuery(*m_pDB).exec(QString::fromLocal8Bit(SQL_DROP_TNODE));
+    m_saveBack.ExecUnchecked(SQL_DROP_TNODE);
     return CALC_OK;
 }
 
@@ -233,17 +163,18 @@ int CLFCalDataTransfer::SaveL1DataToBaseDB()
 
 int CLFCalDataTransfer::SaveL2DataToAC()
 {
+    CRunTimeLog frame("SaveL2DataToAC");
     const QByteArray job = FormatText("L2_%d", m_nJobNumber);
     const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_ACLINE";
     const double sb = m_dBaseMva, tol = TOLERANCE;
-    SavePattern f;
+    SaveBackFamily f;
     f.createOrphans = FormatText(SQL_AC_ORPHANS, job.constData(), B, WORKING_COPY, 1);
-    f.warning = MSG_AC_ORPHANS;
+    f.orphanWarning = MSG_AC_ORPHANS;
     f.orphanInserts = {
         FormatText(SQL_AC_ORPHAN_INSERT, B, WORKING_COPY, group.constData(), "L1_", m_nJobNumber)};
     f.orphanNodes = SQL_AC_NODES;
-    f.clear = SQL_AC_CLEAR;
+    f.clearOrphans = SQL_AC_CLEAR;
     f.changes = {FormatText(SQL_AC_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol, tol),
                  FormatText(SQL_AC_CHANGED_UNIT0, sb, sb, sb, job.constData(), B, WORKING_COPY,
                             m_nJobNumber, sb, tol, sb, tol, sb, tol)};
@@ -251,21 +182,22 @@ int CLFCalDataTransfer::SaveL2DataToAC()
                    FormatText(SQL_AC_IN_GROUP, B, WORKING_COPY, group.constData())};
     f.inPlace = {FormatText(SQL_AC_IN_PLACE, B, WORKING_COPY)};
     f.drop = SQL_AC_DROP;
-    return RunSavePattern(f, Nacline);
+    return RunSaveFamily(f, Nacline);
 }
 
 int CLFCalDataTransfer::SaveL2DataToPCR()
 {
+    CRunTimeLog frame("SaveL2DataToPCR");
     const QByteArray job = FormatText("L2_%d", m_nJobNumber);
     const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_PCAPREA";
     const double sb = m_dBaseMva, tol = TOLERANCE;
-    SavePattern f;
+    SaveBackFamily f;
     f.createOrphans = FormatText(SQL_PCR_ORPHANS, job.constData(), B, WORKING_COPY, 3);
-    f.warning = MSG_PCR_ORPHANS;
+    f.orphanWarning = MSG_PCR_ORPHANS;
     f.orphanInserts = {FormatText(SQL_PCR_ORPHAN_INSERT, B, WORKING_COPY, group.constData())};
     f.orphanNodes = SQL_PCR_NODES;
-    f.clear = SQL_PCR_CLEAR;
+    f.clearOrphans = SQL_PCR_CLEAR;
     f.changes = {FormatText(SQL_PCR_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol),
                  FormatText(SQL_PCR_CHANGED_UNIT0, sb, sb, job.constData(), B, WORKING_COPY,
                             m_nJobNumber, sb, tol, sb, tol)};
@@ -273,22 +205,23 @@ int CLFCalDataTransfer::SaveL2DataToPCR()
                    FormatText(SQL_PCR_IN_GROUP, B, WORKING_COPY, group.constData())};
     f.inPlace = {FormatText(SQL_PCR_IN_PLACE, B, WORKING_COPY)};
     f.drop = SQL_PCR_DROP;
-    return RunSavePattern(f, Nacline);
+    return RunSaveFamily(f, Nacline);
 }
 
 int CLFCalDataTransfer::SaveL2DataToSCR()
 {
+    CRunTimeLog frame("SaveL2DataToSCR");
     const QByteArray job = FormatText("L2_%d", m_nJobNumber);
     const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_SCAPREA";
     const double sb = m_dBaseMva, tol = TOLERANCE;
-    SavePattern f;
+    SaveBackFamily f;
     f.createOrphans = FormatText(SQL_SCR_ORPHANS, job.constData(), B, WORKING_COPY, 2);
-    f.warning = MSG_SCR_ORPHANS;
+    f.orphanWarning = MSG_SCR_ORPHANS;
     f.orphanInserts = {
         FormatText(SQL_SCR_ORPHAN_INSERT, B, WORKING_COPY, group.constData(), "L1_", m_nJobNumber)};
     f.orphanNodes = SQL_SCR_NODES;
-    f.clear = SQL_SCR_CLEAR;
+    f.clearOrphans = SQL_SCR_CLEAR;
     f.changes = {FormatText(SQL_SCR_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol),
                  FormatText(SQL_SCR_CHANGED_UNIT0, sb, sb, job.constData(), B, WORKING_COPY,
                             m_nJobNumber, sb, tol, sb, tol)};
@@ -296,18 +229,20 @@ int CLFCalDataTransfer::SaveL2DataToSCR()
                    FormatText(SQL_SCR_IN_GROUP, B, WORKING_COPY, group.constData())};
     f.inPlace = {FormatText(SQL_SCR_IN_PLACE, B, WORKING_COPY)};
     f.drop = SQL_SCR_DROP;
-    return RunSavePattern(f, Nacline);
+    return RunSaveFamily(f, Nacline);
 }
 
 // ---- L3 families ----
 
 int CLFCalDataTransfer::SaveL3DataToT2W()
 {
+    CRunTimeLog frame("SaveL3DataToT2W");
     return SaveL3Transformer(false);
 }
 
 int CLFCalDataTransfer::SaveL3DataToShift()
 {
+    CRunTimeLog frame("SaveL3DataToShift");
     return SaveL3Transformer(true);
 }
 
@@ -319,51 +254,60 @@ int CLFCalDataTransfer::SaveL3Transformer(bool shifter)
     const char* T = shifter ? "TShift" : "T2W";
     const int ntype = shifter ? 2 : 1;
     const double sb = m_dBaseMva, tol = TOLERANCE;
-    SavePattern f;
+    SaveBackFamily f;
     f.createOrphans = FormatText(withTable(SQL_XF_ORPHANS, T).constData(), job.constData(), B,
                                  WORKING_COPY, ntype);
-    f.warning = shifter ? MSG_SHIFT_ORPHANS : MSG_T2W_ORPHANS;
+    f.orphanWarning = shifter ? MSG_SHIFT_ORPHANS : MSG_T2W_ORPHANS;
     f.orphanInserts = {FormatText(shifter ? SQL_SHIFT_ORPHAN_INSERT : SQL_T2W_ORPHAN_INSERT, B,
                                   WORKING_COPY, group.constData())};
     f.orphanNodes = withTable(SQL_XF_NODES, T);
-    f.clear = withTable(SQL_XF_CLEAR, T);
+    f.clearOrphans = withTable(SQL_XF_CLEAR, T);
     f.changes = {FormatText(withTable(SQL_XF_CHANGED_UNIT1, T).constData(), job.constData(), B,
                             WORKING_COPY, ntype, tol, tol, tol, tol, tol),
-                 FormatText(withTable(SQL_XF_CHANGED_UNIT0, T).constData(), sb, sb, sb, sb,
+                 FormatText(withTable(m_saveBack.Text(SQL_XF_CHANGED_UNIT0,
+                                                      SQL_XF_CHANGED_UNIT0_MENDED),
+                                      T)
+                                .constData(),
+                            sb, sb, sb, sb,
                             job.constData(), B, WORKING_COPY, m_nJobNumber, ntype, sb, tol, sb, tol,
                             sb, tol, sb, tol, tol)};
     if (shifter) {
         f.intoGroup = {
             FormatText(SQL_SHIFT_COPY, B, WORKING_COPY, group.constData(), B, WORKING_COPY),
-            FormatText(SQL_SHIFT_IN_GROUP, B, WORKING_COPY, group.constData())};
-        f.inPlace = {FormatText(SQL_SHIFT_IN_PLACE, B, WORKING_COPY)};
+            FormatText(m_saveBack.Text(SQL_SHIFT_IN_GROUP, SQL_SHIFT_IN_GROUP_MENDED), B,
+                       WORKING_COPY, group.constData())};
+        f.inPlace = {FormatText(m_saveBack.Text(SQL_SHIFT_IN_PLACE, SQL_SHIFT_IN_PLACE_MENDED), B,
+                                WORKING_COPY)};
     } else {
         f.intoGroup = {copyInto(B, COLS_TRANS_2W, T, group),
                        FormatText(SQL_T2W_IN_GROUP, B, WORKING_COPY, group.constData())};
         f.inPlace = {FormatText(SQL_T2W_IN_PLACE, B, WORKING_COPY)};
     }
     f.drop = withTable(SQL_XF_DROP, T);
-    return RunSavePattern(f, Ntrans);
+    return RunSaveFamily(f, Ntrans);
 }
 
 int CLFCalDataTransfer::SaveL3DataToT3W()
 {
+    CRunTimeLog frame("SaveL3DataToT3W");
     const QByteArray job = FormatText("L3_%d", m_nJobNumber);
     const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_TRANS_3W";
     const double sb = m_dBaseMva, tol = TOLERANCE;
-    SavePattern f;
+    SaveBackFamily f;
     f.createOrphans = FormatText(SQL_T3W_ORPHANS, job.constData(), B, WORKING_COPY);
-    f.warning = MSG_T2W_ORPHANS; // the two-winding text, as designed
-    f.orphanDivisor = 3;
+    f.orphanWarning = MSG_T2W_ORPHANS; // the two-winding text, as designed
+    f.rowsPerElement = 3;
     f.orphanInserts = {FormatText(SQL_T3W_ORPHAN_W1, B, WORKING_COPY, group.constData()),
                        FormatText(SQL_T3W_ORPHAN_W2, B, WORKING_COPY, group.constData()),
                        FormatText(SQL_T3W_ORPHAN_W3, B, WORKING_COPY, group.constData())};
     f.orphanNodes = SQL_T3W_NODES;
-    f.clear = SQL_T3W_CLEAR;
+    f.clearOrphans = SQL_T3W_CLEAR;
     f.changes = {FormatText(SQL_T3W_CHANGED_W1_UNIT1, job.constData(), B, WORKING_COPY, tol, tol,
                             tol, tol, tol),
-                 FormatText(SQL_T3W_CHANGED_W1_UNIT0, sb, sb, sb, sb, job.constData(), B,
+                 FormatText(m_saveBack.Text(SQL_T3W_CHANGED_W1_UNIT0,
+                                            SQL_T3W_CHANGED_W1_UNIT0_MENDED),
+                            sb, sb, sb, sb, job.constData(), B,
                             WORKING_COPY, m_nJobNumber, sb, tol, sb, tol, sb, tol, sb, tol, tol)};
     for (const char* w : {"2", "3"}) {
         f.changes.push_back(FormatText(withTable(SQL_T3W_CHANGED_WK_UNIT1, w).constData(),
@@ -383,31 +327,27 @@ int CLFCalDataTransfer::SaveL3DataToT3W()
             FormatText(withTable(SQL_T3W_IN_PLACE_WK, w).constData(), B, WORKING_COPY));
     }
     f.drop = SQL_T3W_DROP;
-    return RunSavePattern(f, Ntrans);
+    return RunSaveFamily(f, Ntrans);
 }
 
 // ---- DC lines, generators, loads ----
 
 int CLFCalDataTransfer::SaveL4DataToBaseDB()
 {
+    CRunTimeLog frame("SaveL4DataToBaseDB");
     const QByteArray job = FormatText("L4_%d", m_nJobNumber);
     const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_DCLINE";
     const double tol = TOLERANCE;
     const QByteArray values = prefixed(COLS_DCLINE_VALUES);
-    SavePattern f;
-    f.createOrphans = FormatText("Create temporary Table Tdc select a.EleID, a.ID_Name, a.Valid, "
-                                 "a.I_Name, a.J_Name, a.ID_No, a.Owner, %s from %s a left join "
-                                 "%s%s b on b.id=a.eleid where b.id is null",
-                                 values.constData(), job.constData(), B, WORKING_COPY);
-    f.warning = MSG_DC_ORPHANS;
-    f.orphanInserts = {FormatText(
-        "insert into %s%s(GrpName, ID_Name, Valid, I_Name, J_Name, ID_No, Owner, %s) select '%s', "
-        "a.ID_Name, a.Valid, a.I_Name, a.J_Name, a.ID_No, (a.Owner=b.Zone_no), %s from Tdc a, "
-        "L1_%d b where b.Node_Name=a.I_Name",
-        B, WORKING_COPY, COLS_DCLINE_VALUES, group.constData(), values.constData(), m_nJobNumber)};
+    SaveBackFamily f;
+    f.createOrphans =
+        FormatText(SQL_DC_ORPHANS, values.constData(), job.constData(), B, WORKING_COPY);
+    f.orphanWarning = MSG_DC_ORPHANS;
+    f.orphanInserts = {FormatText(SQL_DC_ORPHAN_INSERT, B, WORKING_COPY, COLS_DCLINE_VALUES,
+                                  group.constData(), values.constData(), m_nJobNumber)};
     f.orphanNodes = SQL_DC_NODES;
-    f.clear = SQL_DC_CLEAR;
+    f.clearOrphans = SQL_DC_CLEAR;
     f.changes = {FormatText(SQL_DC_CHANGED, job.constData(), B, WORKING_COPY, tol, tol, tol, tol,
                             tol, tol, tol, tol, tol, tol, tol, tol, tol, tol, tol)};
     const QByteArray all = QByteArray("ID_Name, Valid, I_Name, J_Name, ID_No, Owner, ") +
@@ -416,21 +356,22 @@ int CLFCalDataTransfer::SaveL4DataToBaseDB()
                    FormatText(SQL_DC_IN_GROUP, B, WORKING_COPY, group.constData())};
     f.inPlace = {FormatText(SQL_DC_IN_PLACE, B, WORKING_COPY)};
     f.drop = SQL_DC_DROP;
-    return RunSavePattern(f, Ndcline);
+    return RunSaveFamily(f, Ndcline);
 }
 
 int CLFCalDataTransfer::SaveL5DataToBaseDB()
 {
+    CRunTimeLog frame("SaveL5DataToBaseDB");
     const QByteArray job = FormatText("L5_%d", m_nJobNumber);
     const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_GENERAT";
     const double sb = m_dBaseMva, tol = TOLERANCE;
-    SavePattern f;
+    SaveBackFamily f;
     f.createOrphans = FormatText(SQL_GEN_ORPHANS, job.constData(), B, WORKING_COPY);
-    f.warning = MSG_GEN_ORPHANS;
+    f.orphanWarning = MSG_GEN_ORPHANS;
     f.orphanInserts = {FormatText(SQL_GEN_ORPHAN_INSERT, B, WORKING_COPY, group.constData())};
     f.orphanNodes = SQL_GEN_NODES;
-    f.clear = SQL_GEN_CLEAR;
+    f.clearOrphans = SQL_GEN_CLEAR;
     f.changes = {FormatText(SQL_GEN_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol, tol,
                             tol, tol, tol, tol, tol),
                  FormatText(SQL_GEN_CHANGED_UNIT0, sb, sb, sb, sb, sb, sb, job.constData(), B,
@@ -440,21 +381,22 @@ int CLFCalDataTransfer::SaveL5DataToBaseDB()
                    FormatText(SQL_GEN_IN_GROUP, B, WORKING_COPY, group.constData())};
     f.inPlace = {FormatText(SQL_GEN_IN_PLACE, B, WORKING_COPY)};
     f.drop = SQL_GEN_DROP;
-    return RunSavePattern(f, Ngenerat);
+    return RunSaveFamily(f, Ngenerat);
 }
 
 int CLFCalDataTransfer::SaveL6DataToBaseDB()
 {
+    CRunTimeLog frame("SaveL6DataToBaseDB");
     const QByteArray job = FormatText("L6_%d", m_nJobNumber);
     const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_LOAD";
     const double sb = m_dBaseMva, tol = TOLERANCE;
-    SavePattern f;
+    SaveBackFamily f;
     f.createOrphans = FormatText(SQL_LOAD_ORPHANS, job.constData(), B, WORKING_COPY);
-    f.warning = MSG_LOAD_ORPHANS;
+    f.orphanWarning = MSG_LOAD_ORPHANS;
     f.orphanInserts = {FormatText(SQL_LOAD_ORPHAN_INSERT, B, WORKING_COPY, group.constData())};
     f.orphanNodes = SQL_LOAD_NODES;
-    f.clear = SQL_LOAD_CLEAR;
+    f.clearOrphans = SQL_LOAD_CLEAR;
     f.changes = {FormatText(SQL_LOAD_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol, tol,
                             tol, tol, tol, tol, tol),
                  FormatText(SQL_LOAD_CHANGED_UNIT0, sb, sb, sb, sb, sb, sb, job.constData(), B,
@@ -464,18 +406,20 @@ int CLFCalDataTransfer::SaveL6DataToBaseDB()
                    FormatText(SQL_LOAD_IN_GROUP, B, WORKING_COPY, group.constData())};
     f.inPlace = {FormatText(SQL_LOAD_IN_PLACE, B, WORKING_COPY)};
     f.drop = SQL_LOAD_DROP;
-    return RunSavePattern(f, Nload);
+    return RunSaveFamily(f, Nload);
 }
 
 // ---- Breakers and switches ----
 
 int CLFCalDataTransfer::SaveLKDataToBreaker()
 {
+    CRunTimeLog frame("SaveLKDataToBreaker");
     return SaveLKFamily(true);
 }
 
 int CLFCalDataTransfer::SaveLKDataToSwitch()
 {
+    CRunTimeLog frame("SaveLKDataToSwitch");
     return SaveLKFamily(false);
 }
 
@@ -486,19 +430,19 @@ int CLFCalDataTransfer::SaveLKFamily(bool breaker)
     const char* B = breaker ? "CDB_BREAKER" : "CDB_ISOSWITCH";
     const char* T = breaker ? "TBrk" : "Tswitch";
     const int ntype = breaker ? 1 : 2;
-    SavePattern f;
+    SaveBackFamily f;
     f.createOrphans = FormatText(withTable(SQL_SWITCH_ORPHANS, T).constData(), job.constData(), B,
                                  WORKING_COPY, ntype);
-    f.warning = breaker ? MSG_BRK_ORPHANS : MSG_SW_ORPHANS;
+    f.orphanWarning = breaker ? MSG_BRK_ORPHANS : MSG_SW_ORPHANS;
     const QByteArray fromT = FormatText(withTable(SQL_SWITCH_ORPHAN_INSERT, T).constData(), B,
                                         WORKING_COPY, group.constData());
     f.orphanInserts = {fromT};
     f.orphanNodes = withTable(SQL_SWITCH_NODES, T);
-    f.clear = withTable(SQL_SWITCH_CLEAR, T);
+    f.clearOrphans = withTable(SQL_SWITCH_CLEAR, T);
     f.changes = {FormatText(withTable(SQL_SWITCH_CHANGED, T).constData(), job.constData(), B,
                             WORKING_COPY, ntype)};
     f.intoGroup = {fromT}; // the new rows straight from the job, no update after
     f.inPlace = {FormatText(withTable(SQL_SWITCH_IN_PLACE, T).constData(), B, WORKING_COPY)};
     f.drop = withTable(SQL_SWITCH_DROP, T);
-    return RunSavePattern(f, Nswitch);
+    return RunSaveFamily(f, Nswitch);
 }

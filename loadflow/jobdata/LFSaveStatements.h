@@ -1,9 +1,11 @@
 #pragma once
 // Statement templates and messages of the load-flow save-back (CLFCalDataTransfer), job
-// tables back into the working copies. Three of them are not valid SQL on this server
-// ("*/" in the transformer conversions, a missing comma in the phase-shifter updates, an
-// index on no table); they are kept as the design has them, and the run stops where the
-// server refuses one (see SaveLDataToBaseDB).
+// tables back into the working copies. Some of them are not accepted by this server ("*/"
+// in the transformer conversions, a missing comma in the phase-shifter updates, an index
+// on no table, joins that name a table across a comma in their ON clause); they are kept
+// as the design has them, and in the faithful mode (the default) the run stops where the
+// server refuses one. Each refused statement that the run depends on has a `_MENDED`
+// text beside it, sent in the mended mode, with a comment saying what differs.
 
 namespace lfs {
 
@@ -34,20 +36,43 @@ constexpr const char* SQL_NEW_NODES =
     "INSERT INTO %s%s(Bus_Name, Node_Name, ISPhyBus,Base_kV, PS_Name) SELECT a.Bus_Name,"
     "a.Node_Name,a.IsBus,a.Base_kV,a.PS_Name FROM L1_%d a, Tnode b left join %s%s c on "
     "c.Node_Name=b.Node_Name WHERE a.Node_Name=b.Node_Name and c.id is null ";
+// The ON clauses of the next three name `a` across the comma, which binds looser than the
+// join on this server: refused as written.
 constexpr const char* SQL_NEW_BUSES =
     "INSERT INTO %s%s(Bus_Name, PS_Name, Base_kV, Vmax_kV, Vmin_kV, SC1_MVA, SC3_MVA, HasNode) "
     "SELECT a.Bus_Name,a.PS_Name, a.Base_kV, a.Vmax_kV, a.Vmin_kV, a.SC1_MVA, a.SC3_MVA, "
     "(count(*)>0) FROM L1_%d a, Tnode b left join %s%s c on c.Bus_Name=a.Bus_Name WHERE "
     "a.Node_Name=b.Node_Name and c.id is null group by a.Bus_Name";
+// Mended: "(L1_%d a, Tnode b)" in parentheses, the grouping the old servers gave the comma.
+constexpr const char* SQL_NEW_BUSES_MENDED =
+    "INSERT INTO %s%s(Bus_Name, PS_Name, Base_kV, Vmax_kV, Vmin_kV, SC1_MVA, SC3_MVA, HasNode) "
+    "SELECT a.Bus_Name,a.PS_Name, a.Base_kV, a.Vmax_kV, a.Vmin_kV, a.SC1_MVA, a.SC3_MVA, "
+    "(count(*)>0) FROM (L1_%d a, Tnode b) left join %s%s c on c.Bus_Name=a.Bus_Name WHERE "
+    "a.Node_Name=b.Node_Name and c.id is null group by a.Bus_Name";
 constexpr const char* SQL_NEW_STATIONS =
     "INSERT INTO %s%s(PS_Name, Zone_No) SELECT a.PS_Name, a.Zone_no FROM L1_%d a, Tnode b left "
+    "join %s%s c on c.PS_Name=a.PS_Name WHERE a.Node_Name=b.Node_Name and c.id is null group "
+    "by a.PS_Name";
+// Mended: "(L1_%d a, Tnode b)" in parentheses.
+constexpr const char* SQL_NEW_STATIONS_MENDED =
+    "INSERT INTO %s%s(PS_Name, Zone_No) SELECT a.PS_Name, a.Zone_no FROM (L1_%d a, Tnode b) left "
     "join %s%s c on c.PS_Name=a.PS_Name WHERE a.Node_Name=b.Node_Name and c.id is null group "
     "by a.PS_Name";
 constexpr const char* SQL_NEW_ZONES =
     "INSERT INTO %s%s(Area_No, Zone_No) SELECT 0, a.Zone_no FROM L1_%d a, Tnode b left join "
     "%s%s c on c.Zone_No=a.Zone_No WHERE a.Node_Name=b.Node_Name and c.id is null group by "
     "a.Zone_No";
+// Mended: "(L1_%d a, Tnode b)" in parentheses.
+constexpr const char* SQL_NEW_ZONES_MENDED =
+    "INSERT INTO %s%s(Area_No, Zone_No) SELECT 0, a.Zone_no FROM (L1_%d a, Tnode b) left join "
+    "%s%s c on c.Zone_No=a.Zone_No WHERE a.Node_Name=b.Node_Name and c.id is null group by "
+    "a.Zone_No";
 constexpr const char* SQL_DROP_TNODE = "drop table Tnode";
+
+// The copy of whole base rows into the data group: the columns after GrpName, the group's
+// name, the same columns prefixed by "a.", the working copy, then T twice, and a tail.
+constexpr const char* SQL_COPY_INTO_GROUP =
+    "insert into %s%s(GrpName, %s) select '%s', %s from %s%s a, %s where a.id=%s.eleid%s";
 
 // Columns of the working copies, after GrpName, for the copies into a data group.
 constexpr const char* COLS_ACLINE =
@@ -241,6 +266,16 @@ constexpr const char* SQL_XF_CHANGED_UNIT0 =
     "abs(a.R1*(c.Base_kV*c.Base_kV/%f)-b.R1)>%f or abs(a.X1*(c.Base_kV*c.Base_kV/%f)-b.X1)>%f or "
     "abs(a.Gm*1.0e6*/(c.Base_kV*c.Base_kV/%f)-b.Gm)>%f or "
     "abs(a.Bm*1.0e6*/(c.Base_kV*c.Base_kV/%f)-b.Bm)>%f or abs(a.Tk-b.Tk)>%f )";
+// Mended: "a.Gm*1.0e6/(...)" and "a.Bm*1.0e6/(...)", value * 1.0e6 / Zb, in all four places.
+constexpr const char* SQL_XF_CHANGED_UNIT0_MENDED =
+    "insert into #(eleid, ID_Name,Valid,I_Name,J_Name,ID_No,R1, X1, Gm, Bm, Tk) select a.eleid, "
+    "a.ID_Name, a.Valid, a.I_Name, a.J_Name, a.ID_No, a.R1*(c.Base_kV*c.Base_kV/%f), "
+    "a.X1*(c.Base_kV*c.Base_kV/%f), a.Gm*1.0e6/(c.Base_kV*c.Base_kV/%f), "
+    "a.Bm*1.0e6/(c.Base_kV*c.Base_kV/%f), a.Tk from %s a, %s%s b, L1_%d c where b.id=a.eleid "
+    "and c.node_name=a.I_Name and a.Ntype=%d and b.unit=0 and (a.valid!=b.valid or "
+    "abs(a.R1*(c.Base_kV*c.Base_kV/%f)-b.R1)>%f or abs(a.X1*(c.Base_kV*c.Base_kV/%f)-b.X1)>%f or "
+    "abs(a.Gm*1.0e6/(c.Base_kV*c.Base_kV/%f)-b.Gm)>%f or "
+    "abs(a.Bm*1.0e6/(c.Base_kV*c.Base_kV/%f)-b.Bm)>%f or abs(a.Tk-b.Tk)>%f )";
 constexpr const char* SQL_T2W_IN_GROUP =
     "update %s%s a, T2W b set a.valid=b.valid, a.R1=b.R1, a.X1=b.X1, a.Gm=b.Gm, a.Bm=b.Bm, "
     "a.Tk=b.Tk where a.GrpName='%s' and a.ID_Name=b.ID_Name";
@@ -262,8 +297,16 @@ constexpr const char* SQL_SHIFT_COPY =
 constexpr const char* SQL_SHIFT_IN_GROUP =
     "update %s%s a, TShift b set a.valid=b.valid, a.R1=b.R1, a.X1=b.X1, a.Gm=b.Gm, a.Bm=b.Bm "
     "a.Tk=b.Tk where a.GrpName='%s' and a.ID_Name=b.ID_Name";
+// Mended: "a.Bm=b.Bm, a.Tk=b.Tk", with the comma.
+constexpr const char* SQL_SHIFT_IN_GROUP_MENDED =
+    "update %s%s a, TShift b set a.valid=b.valid, a.R1=b.R1, a.X1=b.X1, a.Gm=b.Gm, a.Bm=b.Bm, "
+    "a.Tk=b.Tk where a.GrpName='%s' and a.ID_Name=b.ID_Name";
 constexpr const char* SQL_SHIFT_IN_PLACE =
     "update %s%s a, TShift b set a.valid=b.valid, a.R1=b.R1, a.X1=b.X1, a.Gm=b.Gm, a.Bm=b.Bm "
+    "a.Tk=b.Tk where a.id=b.eleid";
+// Mended: "a.Bm=b.Bm, a.Tk=b.Tk", with the comma.
+constexpr const char* SQL_SHIFT_IN_PLACE_MENDED =
+    "update %s%s a, TShift b set a.valid=b.valid, a.R1=b.R1, a.X1=b.X1, a.Gm=b.Gm, a.Bm=b.Bm, "
     "a.Tk=b.Tk where a.id=b.eleid";
 constexpr const char* SQL_XF_DROP = "drop table #";
 
@@ -299,6 +342,7 @@ constexpr const char* SQL_T3W_CHANGED_W1_UNIT1 =
     "a.Tk from %s a, %s%s b where b.id=a.eleid and a.Ntype=31 and b.unit=1 and "
     "(a.valid!=b.Break_1 or abs(a.R1-b.R1)>%f or abs(a.X1-b.X1)>%f or abs(a.Gm-b.Gm)>%f or "
     "abs(a.Bm-b.Bm)>%f or abs(a.Tk-b.Tk1)>%f)";
+// "*/" as the design writes it: this server refuses the statement.
 constexpr const char* SQL_T3W_CHANGED_W1_UNIT0 =
     "insert into T3W(eleid, Ntype, ID_Name,Valid,I_Name,J_Name,ID_No,R1, X1, Gm, Bm, Tk) select "
     "a.eleid, a.Ntype, a.ID_Name, a.Valid, a.I_Name, a.J_Name, a.ID_No, "
@@ -308,6 +352,16 @@ constexpr const char* SQL_T3W_CHANGED_W1_UNIT0 =
     "and (a.valid!=b.Break_1 or abs(a.R1*(c.Base_kV*c.Base_kV/%f)-b.R1)>%f or "
     "abs(a.X1*(c.Base_kV*c.Base_kV/%f)-b.X1)>%f or abs(a.Gm*1.0e6*/(c.Base_kV*c.Base_kV/%f)-b.Gm)>%f "
     "or abs(a.Bm*1.0e6*/(c.Base_kV*c.Base_kV/%f)-b.Bm)>%f or abs(a.Tk-b.Tk1)>%f )";
+// Mended: "a.Gm*1.0e6/(...)" and "a.Bm*1.0e6/(...)", value * 1.0e6 / Zb, in all four places.
+constexpr const char* SQL_T3W_CHANGED_W1_UNIT0_MENDED =
+    "insert into T3W(eleid, Ntype, ID_Name,Valid,I_Name,J_Name,ID_No,R1, X1, Gm, Bm, Tk) select "
+    "a.eleid, a.Ntype, a.ID_Name, a.Valid, a.I_Name, a.J_Name, a.ID_No, "
+    "a.R1*(c.Base_kV*c.Base_kV/%f), a.X1*(c.Base_kV*c.Base_kV/%f), "
+    "a.Gm*1.0e6/(c.Base_kV*c.Base_kV/%f), a.Bm*1.0e6/(c.Base_kV*c.Base_kV/%f), a.Tk from %s a, "
+    "%s%s b, L1_%d c where b.id=a.eleid and c.node_name=a.I_Name and a.Ntype=31 and b.unit=0 "
+    "and (a.valid!=b.Break_1 or abs(a.R1*(c.Base_kV*c.Base_kV/%f)-b.R1)>%f or "
+    "abs(a.X1*(c.Base_kV*c.Base_kV/%f)-b.X1)>%f or abs(a.Gm*1.0e6/(c.Base_kV*c.Base_kV/%f)-b.Gm)>%f "
+    "or abs(a.Bm*1.0e6/(c.Base_kV*c.Base_kV/%f)-b.Bm)>%f or abs(a.Tk-b.Tk1)>%f )";
 // Windings 2 and 3: '#' stands for the winding's number.
 constexpr const char* SQL_T3W_CHANGED_WK_UNIT1 =
     "insert into T3W(eleid, Ntype, ID_Name,Valid,I_Name,J_Name,ID_No,R1, X1, Tk) select a.eleid, "
@@ -341,6 +395,15 @@ constexpr const char* SQL_T3W_IN_PLACE_WK =
 constexpr const char* SQL_T3W_DROP = "drop table T3W";
 
 // ---- DC lines ----
+// The orphans and their insert name their value columns by a list: COLS_DCLINE_VALUES
+// plain and prefixed by "a.".
+constexpr const char* SQL_DC_ORPHANS =
+    "Create temporary Table Tdc select a.EleID, a.ID_Name, a.Valid, a.I_Name, a.J_Name, "
+    "a.ID_No, a.Owner, %s from %s a left join %s%s b on b.id=a.eleid where b.id is null";
+constexpr const char* SQL_DC_ORPHAN_INSERT =
+    "insert into %s%s(GrpName, ID_Name, Valid, I_Name, J_Name, ID_No, Owner, %s) select '%s', "
+    "a.ID_Name, a.Valid, a.I_Name, a.J_Name, a.ID_No, (a.Owner=b.Zone_no), %s from Tdc a, "
+    "L1_%d b where b.Node_Name=a.I_Name";
 constexpr const char* MSG_DC_ORPHANS =
     "直流线作业数据中有 %d 条记录与基础库元件不对应, 被保存至数据组 %s 。";
 constexpr const char* SQL_DC_NODES = "select I_Name, J_Name from Tdc";
