@@ -339,3 +339,51 @@ TEST_F(Extraction, BadInputEndsWithTheDesignsMessagesAndLeavesTheBaseTablesAlone
     EXPECT_EQ(Rows("SELECT Nbus, Ngenerat, Nacline FROM LF_CASE WHERE Case_No=0"),
               (std::vector<std::string>{"0|0|0"}));
 }
+
+TEST_F(Extraction, FailuresOfTheCaseRowTheUnit1InsertsAndTmpShowTheDesignsMessages)
+{
+    Write(Load("ieee14.json"));
+    // A Unit 0 line owned by a node the base lacks: the owner join drops it, with no word.
+    Exec("INSERT INTO CDB_ACLINEBAK(GrpName, ID_Name, Valid, I_Name, J_Name, Unit, R1, X1, "
+         "Owner) VALUES ('G1', 'LZ', 1, 'NOWHERE', 'N2', 0, 1, 10, 1)");
+    // No LF_CASE: the select fails, the insert is tried all the same and fails, the update
+    // fails; three messages, and the run's result is not touched.
+    Exec("RENAME TABLE LF_CASE TO LF_CASE_away");
+    StartStatementLog();
+    CLFCalDataTransfer job(0, kScheme, db(), nullptr);
+    const int result = job.ImportLDataFromBaseDB();
+    Exec("RENAME TABLE LF_CASE_away TO LF_CASE");
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(feedback().texts(2), std::vector<std::string>(3, "更新潮流作业表元件个数信息发生错误！"));
+    EXPECT_EQ(feedback().texts(1).back(), "基础库数据抽取完成。");
+    const auto sent = SentStatements();
+    EXPECT_NE(std::find(sent.begin(), sent.end(), "INSERT INTO LF_CASE SET Case_No=0"), sent.end());
+    EXPECT_EQ(Count("L2_0 WHERE ID_Name='LZ'"), 0);
+    EXPECT_EQ(Count("L2_0"), 18) << "17 lines and the shunt";
+
+    // Job tables of generators and loads that refuse the Unit 1 insert: the statement's own
+    // text at level -1, then the message at level 2; the other families still run.
+    Exec("ALTER TABLE L5_0 ADD COLUMN extra INT");
+    Exec("ALTER TABLE L6_0 ADD COLUMN extra INT");
+    feedback().clear();
+    const int refused = job.ImportLDataFromBaseDB();
+    Exec("ALTER TABLE L5_0 DROP COLUMN extra");
+    Exec("ALTER TABLE L6_0 DROP COLUMN extra");
+    EXPECT_EQ(refused, 1);
+    const auto raw = feedback().texts(-1);
+    ASSERT_EQ(raw.size(), 2u);
+    EXPECT_EQ(raw[0].rfind("INSERT INTO L5_0 SELECT 0,a.ID,a.ID_Name,a.PhyPos,", 0), 0u);
+    EXPECT_EQ(raw[1].rfind("INSERT INTO L6_0 SELECT 0,a.ID,a.ID_Name,a.PhyPos,", 0), 0u);
+    EXPECT_EQ(feedback().texts(2), std::vector<std::string>(2, "按计算方案抽取数据发生错误！"));
+    EXPECT_EQ(feedback().messages()[1].level, -1) << "the raw text comes first";
+    EXPECT_EQ(Count("LK_0"), 10);
+
+    // A view named tmp can be neither created over nor dropped as a table: each family that
+    // works through tmp tries twice and gives up.
+    Exec("CREATE VIEW tmp AS SELECT 1 AS ID");
+    feedback().clear();
+    const int noTmp = job.ImportLDataFromBaseDB();
+    Exec("DROP VIEW tmp");
+    EXPECT_EQ(noTmp, 1);
+    EXPECT_EQ(feedback().texts(2), std::vector<std::string>(6, "数据库操作发生错误！"));
+}
