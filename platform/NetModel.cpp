@@ -35,30 +35,68 @@ void cbFlow::loadData()
         m_outP[k] += p;
         m_outQ[k] += q;
     };
+    // Switch ends are numbered first, so that each group's spanning tree starts where its
+    // first switch starts; a balanced group's flows do not depend on it.
+    {
+        dbCursor<cb> c;
+        if (c.select() > 0) {
+            do {
+                Switch s;
+                s.id = c->id;
+                s.from = node(c->I_Name);
+                s.to = node(c->J_Name);
+                s.closed = !(c->q & (CB_OPEN | CB_OUTSERVICE)) && !(c->topflags & CB_TOP_DEAD);
+                m_switches.push_back(s);
+            } while (c.next());
+        }
+    }
+    // Only what really flows into a node counts: no element out of service (its bit in q)
+    // or dead (its bit in topflags), whose powers are stale, and no open line end.
     {
         dbCursor<ln> c;
         if (c.select() > 0) {
             do {
-                draw(c->I_Name, c->Pi, c->Qi);
-                draw(c->J_Name, c->Pj, c->Qj);
+                if ((c->q & LN_OUTSERVICE) || (c->topflags & LN_TOP_INVALID)) {
+                    continue;
+                }
+                if (!(c->q & LN_IOPEN)) {
+                    draw(c->I_Name, c->Pi, c->Qi);
+                }
+                if (!(c->q & LN_JOPEN)) {
+                    draw(c->J_Name, c->Pj, c->Qj);
+                }
             } while (c.next());
         }
     }
+    // A winding of a three-winding transformer meets the network at its J end only: its I
+    // end is the star point inside the transformer, and a stored result brings back the
+    // winding's Pj, Qj alone.
     {
         dbCursor<xf> c;
         if (c.select() > 0) {
             do {
-                draw(c->I_Name, c->Pi, c->Qi);
+                if ((c->q & XF_OUTSERVICE) || (c->topflags & XF_TOP_INVALID)) {
+                    continue;
+                }
+                if (c->type != 3) {
+                    draw(c->I_Name, c->Pi, c->Qi);
+                }
                 draw(c->J_Name, c->Pj, c->Qj);
             } while (c.next());
         }
     }
+    // A DC line draws the sums of its two converter sets at each end (Pd1i + Pd2i leave the
+    // I node, Pd1j + Pd2j the J node), not its Pi and Pj, which the stored result's end sums
+    // leave holding the J end's power and a stale value.
     {
         dbCursor<dln> c;
         if (c.select() > 0) {
             do {
-                draw(c->I_Name, c->Pi, c->Qi);
-                draw(c->J_Name, c->Pj, c->Qj);
+                if ((c->q & DLN_OUTSERVICE) || (c->topflags & DLN_TOP_INVALID)) {
+                    continue;
+                }
+                draw(c->I_Name, c->Pd1i + c->Pd2i, c->Qd1i + c->Qd2i);
+                draw(c->J_Name, c->Pd1j + c->Pd2j, c->Qd1j + c->Qd2j);
             } while (c.next());
         }
     }
@@ -66,7 +104,9 @@ void cbFlow::loadData()
         dbCursor<cp> c;
         if (c.select() > 0) {
             do {
-                draw(c->Bus_Name, c->Pi, c->Qi);
+                if (!(c->q & CP_OUTSERVICE) && !(c->topflags & CP_TOP_INVALID)) {
+                    draw(c->Bus_Name, c->Pi, c->Qi);
+                }
             } while (c.next());
         }
     }
@@ -74,7 +114,9 @@ void cbFlow::loadData()
         dbCursor<ld> c;
         if (c.select() > 0) {
             do {
-                draw(c->Bus_Name, c->Pl, c->Ql);
+                if (!(c->q & LD_OUTSERVICE) && !(c->topflags & LD_TOP_INVALID)) {
+                    draw(c->Bus_Name, c->Pl, c->Ql);
+                }
             } while (c.next());
         }
     }
@@ -82,20 +124,11 @@ void cbFlow::loadData()
         dbCursor<un> c;
         if (c.select() > 0) {
             do {
-                draw(c->Bus_Name, -c->Pg, -c->Qg);
+                if (!(c->q & UN_OUTSERVICE) && !(c->topflags & UN_TOP_INVALID)) {
+                    draw(c->Bus_Name, -c->Pg, -c->Qg);
+                }
             } while (c.next());
         }
-    }
-    dbCursor<cb> c;
-    if (c.select() > 0) {
-        do {
-            Switch s;
-            s.id = c->id;
-            s.from = node(c->I_Name);
-            s.to = node(c->J_Name);
-            s.closed = !(c->q & (CB_OPEN | CB_OUTSERVICE));
-            m_switches.push_back(s);
-        } while (c.next());
     }
 }
 

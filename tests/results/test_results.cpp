@@ -328,6 +328,127 @@ TEST(SwitchFlow, KirchhoffOnAChainAndNothingThroughALoopSwitch)
     rtdb.close();
 }
 
+TEST(SwitchFlow, OnlyWhatReallyFlowsIntoANodeCounts)
+{
+    dbDatabase rtdb;
+    ASSERT_TRUE(rtdb.open("flow2"));
+    // A generator at A0 gives 10 + j3 through breaker K1 to A. From A: line L1 to B
+    // (6 + j2 leave A, 5.9 + j1.9 reach B), DC line DC1 to C (its I-end sets draw 3 + j1,
+    // its J-end sets give 2.9 + j0.8), and winding 1 of three-winding transformer T (star
+    // S), which draws 1 at A; winding 2 gives 0.98 + j0.1 at D, winding 3 nothing at C.
+    // Loads beyond switches: B0 5.9 + j1.9 (K2 B-B0), C0 2.9 + j0.8 (K3 written C0-C), D0
+    // 0.98 + j0.1 (K4 D-D0). The star has a neutral switch KN to N0, which carries nothing.
+    // Stale powers that must not count: a line out of service, a generator out of service,
+    // the DC line's Pi and Pj as a stored result leaves them, the windings' star ends, and a
+    // dead island E-E0 (a dead line from A, a dead load, switch K5).
+    auto line = [](const char* id, const char* i, const char* j, float pi, float qi, float pj,
+                   float qj, unsigned q, unsigned top) {
+        ln l;
+        l.id = id;
+        l.lntype = 1;
+        l.I_Name = i;
+        l.J_Name = j;
+        l.Pi = pi;
+        l.Qi = qi;
+        l.Pj = pj;
+        l.Qj = qj;
+        l.q = q;
+        l.topflags = top;
+        Put(l);
+    };
+    line("L1_ac", "A", "B", 6, 2, -5.9f, -1.9f, LN_INJOB, 0);
+    line("L2_ac", "A", "B", 100, 10, -99, -9, LN_INJOB | LN_OUTSERVICE, 0);
+    line("L3_ac", "A", "E", 4, 1, -4, -1, LN_INJOB, LN_TOP_INVALID);
+    dln d;
+    d.id = "DC1";
+    d.I_Name = "A";
+    d.J_Name = "C";
+    d.Pd1i = 2;
+    d.Pd2i = 1;
+    d.Qd1i = 0.5;
+    d.Qd2i = 0.5;
+    d.Pd1j = -1.5;
+    d.Pd2j = -1.4;
+    d.Qd1j = -0.4;
+    d.Qd2j = -0.4;
+    d.Pi = -2.9f; // the J-end sum, written into Pi by the stored result's end sums
+    d.Qi = -1;
+    d.Pj = 7; // written by nothing
+    d.Qj = 7;
+    Put(d);
+    auto winding = [](const char* id, const char* j, float pj, float qj, float staleStar) {
+        xf t;
+        t.id = id;
+        t.type = 3;
+        t.I_Name = "S";
+        t.J_Name = j;
+        t.Pi = staleStar;
+        t.Qi = staleStar;
+        t.Pj = pj;
+        t.Qj = qj;
+        Put(t);
+    };
+    winding("T_3w1", "A", 1, 0, 55);
+    winding("T_3w2", "D", -0.98f, -0.1f, 21);
+    winding("T_3w3", "C", 0, 0, 33);
+    auto gen = [](const char* id, const char* node, float p, float q, unsigned flags) {
+        un g;
+        g.id = id;
+        g.Bus_Name = node;
+        g.Pg = p;
+        g.Qg = q;
+        g.q = flags;
+        Put(g);
+    };
+    gen("G", "A0", 10, 3, 0);
+    gen("GX", "A0", 50, 5, UN_OUTSERVICE);
+    auto load = [](const char* id, const char* node, float p, float q, unsigned top) {
+        ld l;
+        l.id = id;
+        l.Bus_Name = node;
+        l.Pl = p;
+        l.Ql = q;
+        l.topflags = top;
+        Put(l);
+    };
+    load("DB", "B0", 5.9f, 1.9f, 0);
+    load("DC", "C0", 2.9f, 0.8f, 0);
+    load("DD", "D0", 0.98f, 0.1f, 0);
+    load("DE", "E0", 4, 1, LD_TOP_INVALID);
+    auto sw = [](const char* id, const char* i, const char* j) {
+        cb c;
+        c.id = id;
+        c.I_Name = i;
+        c.J_Name = j;
+        Put(c);
+    };
+    sw("KN_sw", "N0", "S");
+    sw("K1_brk", "A0", "A");
+    sw("K2_brk", "B", "B0");
+    sw("K3_brk", "C0", "C");
+    sw("K4_brk", "D", "D0");
+    sw("K5_brk", "E", "E0");
+    {
+        dtsdb::cbFlow f(&rtdb);
+        f.loadData();
+        f.calculate();
+        f.storeData();
+    }
+    const struct
+    {
+        const char* id;
+        float p, q;
+    } expected[] = {{"K1_brk", 10, 3},         {"K2_brk", 5.9f, 1.9f}, {"K3_brk", -2.9f, -0.8f},
+                    {"K4_brk", 0.98f, 0.1f}, {"KN_sw", 0, 0},         {"K5_brk", 0, 0}};
+    for (const auto& e : expected) {
+        const cb c = Fetch<cb>(e.id);
+        EXPECT_NEAR(c.P, e.p, 1e-5) << e.id;
+        EXPECT_NEAR(c.Q, e.q, 1e-5) << e.id;
+    }
+    rtdb.rollback();
+    rtdb.close();
+}
+
 TEST_F(Results, ThreeWindingRowsFoldTheirWindingsAndSkipDeadTransformers)
 {
     kv k;
