@@ -51,6 +51,8 @@ TEST_F(JobTransfer, ImportOverwritesInputsAndFlagsOfStandingRecords)
     Put<xf>("T1_2w");
     Put<xf>("T2_2w");
     Put<xf>("T3_3w2");
+    Put<xf>("T4_2w");
+    Put<xf>("T5_2w");
     Put<un>("G1");
     Put<ld>("D1");
     Put<cb>("K1_sw");
@@ -69,7 +71,9 @@ TEST_F(JobTransfer, ImportOverwritesInputsAndFlagsOfStandingRecords)
          " ('T1', 1, 1, 0.001, 0.05, 0, 0, 1.025, 0, 180, 9, 1.25, -3, 1),"
          " ('T2', 0, 1, 0, 0.1, 1e-8, 0, 1, 0, 0, 0, 0, 0, 1),"
          " ('T2', 1, 7, 0, 0.2, 0.002, -0.02, 1, 0, 0, 0, 0, 0, 99),"
-         " ('T3', 1, 1, 0, 0.3, 0, 0, 1, 0, 0, 0, 0, 0, 32)");
+         " ('T3', 1, 1, 0, 0.3, 0, 0, 1, 0, 0, 0, 0, 0, 32),"
+         " ('T4', 1, 1, 0, 0.1, 1e-8, 0, 1, 0, 0, 0, 0, 0, 1),"
+         " ('T5', 1, 1, 0, 0.1, 9.9e-9, -9.9e-9, 1, 0, 0, 0, 0, 0, 1)");
     Exec("INSERT INTO L4_1 (ID_Name, Valid, Rpi_Ohm, OP_Mode, Vdrate_kV, I_Bridge, J_Tap)"
          " VALUES ('DC1', 1, 2.5, 3, 500, 2, 7)");
     Exec("INSERT INTO L5_1 (ID_Name, Valid, Mode_Ctrl, Pg, Qg, V0, Angle, Qmax, Qmin, Pmax, Pmin,"
@@ -111,6 +115,13 @@ TEST_F(JobTransfer, ImportOverwritesInputsAndFlagsOfStandingRecords)
     EXPECT_FLOAT_EQ(t2.Rm, static_cast<float>(0.002 / (0.002 * 0.002 + 0.02 * 0.02)));
     EXPECT_FLOAT_EQ(t2.Xm, static_cast<float>(-0.02 / (0.002 * 0.002 + 0.02 * 0.02)));
     EXPECT_EQ(Fetch<xf>("T3_3w2").q, XF_INJOB);
+    // The boundary: Gm of exactly 1e-8 is divided (Rm = 1e-8 / 1e-16), just below it not.
+    const xf t4 = Fetch<xf>("T4_2w");
+    EXPECT_FLOAT_EQ(t4.Rm, 1e8f);
+    EXPECT_EQ(t4.Xm, 0.0f);
+    const xf t5 = Fetch<xf>("T5_2w");
+    EXPECT_EQ(t5.Rm, 0.0f);
+    EXPECT_EQ(t5.Xm, 0.0f);
     const dln d = Fetch<dln>("DC1");
     EXPECT_EQ(d.q, DLN_INJOB);
     EXPECT_FLOAT_EQ(d.Rpi_Ohm, 2.5f);

@@ -201,8 +201,13 @@ TEST_F(Results, BusesAreRebuiltWithPlaceholdersThatNeverReachTheTables)
     Exec("DELETE FROM LFR_BS_R");
     Exec("INSERT INTO LFR_BS_R(Case_No, Bus_Name, V, Angle, ibs, ikv, iisland) VALUES "
          "(1,'X',1.01,-2,2,0,0),(1,'Y',0.99,-5,5,0,0)");
+    // A stored physical bus without its record fails the bus family, first of all.
+    Exec("DELETE FROM LFR_BUS_R");
+    Exec("INSERT INTO LFR_BUS_R(Case_No, Bus_Name, V, Angle, ibs) VALUES (1,'NOBUS',1,0,2)");
     CLFResultDataTransfer in(1, db(), &m_rtdb, false, 0);
     EXPECT_EQ(in.ImportLFResultDataToRTDB(), 0) << "the families' failures are not passed on";
+    EXPECT_EQ(feedback().texts(2),
+              (std::vector<std::string>{"实时库物理母线表中没有节点名nd='NOBUS'的记录！"}));
     std::vector<std::string> got;
     dbCursor<bs> c;
     dbQuery q;
@@ -213,6 +218,13 @@ TEST_F(Results, BusesAreRebuiltWithPlaceholdersThatNeverReachTheTables)
     } while (c.next());
     EXPECT_EQ(got, (std::vector<std::string>{"NULL0:-1", "NULL1:-1", "X:0", "NULL3:-1", "NULL4:-1",
                                              "Y:0"}));
+
+    // Back into the table as case 9: the placeholders stay out of it.
+    CLFResultDataTransfer out9(9, db(), &m_rtdb, false, 0);
+    EXPECT_EQ(out9.ImportRTDBDataToLFResultDB(), 0);
+    EXPECT_EQ(Rows("SELECT Bus_Name, ibs, iisland FROM LFR_BS_R WHERE Case_No=9 ORDER BY ibs"),
+              (std::vector<std::string>{"X|2|0", "Y|5|0"}));
+
     m_rtdb.rollback();
     EXPECT_EQ(c.select(q), 0) << "the emptying was committed, the inserts were not";
 
@@ -221,7 +233,7 @@ TEST_F(Results, BusesAreRebuiltWithPlaceholdersThatNeverReachTheTables)
     CLFResultDataTransfer out(1, db(), &m_rtdb, false, 0);
     EXPECT_EQ(out.ImportRTDBDataToLFResultDB(), 1);
     EXPECT_TRUE(feedback().has("实时库中没有母线数据", 2));
-    EXPECT_EQ(Count("LFR_BS_R"), 2);
+    EXPECT_EQ(Count("LFR_BS_R WHERE Case_No=1"), 2);
 }
 
 TEST_F(Results, DcLineEndSumsAreDerivedAsDesigned)
