@@ -98,7 +98,7 @@ bool Study::StoreResults()
     });
 }
 
-bool Study::ChangeAndSaveBack(const QString& group)
+bool Study::ChangeAndSaveBack(const QString& group, SaveStatementMode mode)
 {
     bool ok = timed("a change in the records, UpdateLDataFromRTDB", [&] {
         // The second generator gives 10 % more; the last AC line goes out of service.
@@ -132,8 +132,9 @@ bool Study::ChangeAndSaveBack(const QString& group)
         CDatabase base;
         QByteArray scheme(kScheme);
         CLFCalDataTransfer transfer(kJob, scheme.data(), m_db, &base);
+        transfer.SetStatementMode(mode);
         m_saveBack = transfer.SaveLDataToBaseDB(group, true);
-        return true; // its stop at the transformers is the design's, not a failure here
+        return true; // a faithful stop at the transformers is the design's, not a failure
     });
 }
 

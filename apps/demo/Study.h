@@ -6,6 +6,7 @@
 
 #include "RecordBuilder.h"
 #include "RecordSolver.h"
+#include "common/SaveBackPattern.h"
 
 #include <QString>
 #include <functional>
@@ -41,8 +42,10 @@ public:
     bool StoreResults();
     // A change in the records (a generator's output, a line out of service), back into the
     // job tables and saved into the data group `group`. The save-back's outcome is kept:
-    // on this server it stops at the transformers, as designed.
-    bool ChangeAndSaveBack(const QString& group);
+    // in the mended statement mode it runs to its end; in the faithful mode this server
+    // stops it at the two-winding transformers, as designed.
+    bool ChangeAndSaveBack(const QString& group,
+                           SaveStatementMode mode = SaveStatementMode::Mended);
     int saveBackResult() const { return m_saveBack; }
     const QString& changedGenerator() const { return m_changedGen; }
     const QString& lineTakenOut() const { return m_lineOut; }

@@ -51,14 +51,28 @@ TEST_F(Study14, SolvedVoltagesMatchThePublishedSolution)
     EXPECT_NEAR(g->Pg * study.basePower(), 232.4, 1.0);
     rtdb.commit();
 
-    // The results reach the result tables; the save-back stops at the transformers.
+    // The results reach the result tables; the save-back runs to its end in the mended
+    // statement mode, and stops at the transformers in the faithful one.
     ASSERT_TRUE(study.StoreResults()) << study.error().toStdString();
     EXPECT_EQ(Count("LFR_BS_R WHERE Case_No=0"), 14);
     EXPECT_NEAR(Scalar("SELECT V FROM LFR_BS_R WHERE Bus_Name='B14'").toDouble(), 1.036, 0.002);
     EXPECT_EQ(Count("LFR_ACLINE_R WHERE Case_No=0"), 17);
     ASSERT_TRUE(study.ChangeAndSaveBack("NEW")) << study.error().toStdString();
-    EXPECT_EQ(study.saveBackResult(), 1);
+    EXPECT_EQ(study.saveBackResult(), 0);
+    const std::string line = study.lineTakenOut().chopped(3).toStdString();
     EXPECT_EQ(Rows("SELECT ID_Name, Valid FROM CDB_ACLINEBAK WHERE GrpName='NEW'"),
-              (std::vector<std::string>{study.lineTakenOut().chopped(3).toStdString() + "|0"}));
+              (std::vector<std::string>{line + "|0"}));
+    // Every generator's solved operating point differs from its schedule; G2 gives 10 % more.
+    EXPECT_EQ(Count("CDB_GENERATBAK WHERE GrpName='NEW'"), 5);
+    EXPECT_NEAR(Scalar("SELECT Pg FROM CDB_GENERATBAK WHERE GrpName='NEW' AND ID_Name='" +
+                       study.changedGenerator() + "'")
+                    .toDouble(),
+                0.44, 1e-6);
+    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 1);
+    ASSERT_TRUE(study.ChangeAndSaveBack("OLD", SaveStatementMode::Faithful));
+    EXPECT_EQ(study.saveBackResult(), 1);
+    EXPECT_EQ(Rows("SELECT ID_Name, Valid FROM CDB_ACLINEBAK WHERE GrpName='OLD'"),
+              (std::vector<std::string>{line + "|0"}));
+    EXPECT_EQ(Count("CDB_GENERATBAK WHERE GrpName='OLD'"), 0);
     rtdb.close();
 }
