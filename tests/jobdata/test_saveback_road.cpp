@@ -97,7 +97,7 @@ protected:
     }
 
     // One change beyond the tolerance and one within it in every family, and one orphan in
-    // each family of transformers, DC lines, generators, loads and switches.
+    // every family but the AC lines.
     void ChangeEveryFamily()
     {
         Exec("UPDATE L2_0 SET R1=R1+0.00011 WHERE ID_Name='L1'");
@@ -130,8 +130,12 @@ protected:
              "(0, 90001, 'GNEW', 1, 'NEWN', 0.3, 2)");
         Exec("INSERT INTO L6_0(Case_No, EleID, ID_Name, Valid, Node_Name, No_Load, Pl) VALUES "
              "(0, 90002, 'DNEW', 1, 'N4', 2, 0.1)");
+        Exec("INSERT INTO L2_0(Case_No, EleID, ID_Name, Valid, I_Name, J_Name, ID_No, I_Break, "
+             "J_Break, R1, X1, Owner, Ntype) VALUES (0, 90008, 'CNEW', 1, 'N4', 'N4', 1, 1, 0, 0, "
+             "-2, 0, 3), (0, 90009, 'SNEW', 1, 'N4', 'N7', 1, 1, 1, 0, -0.3, 4, 2)");
         Exec("INSERT INTO L3_0(Case_No, EleID, ID_Name, Valid, I_Name, J_Name, ID_No, R1, X1, Tk, "
-             "Ang_Shift, Ntype) VALUES (0, 90003, 'PNEW', 1, 'N4', 'N5', 1, 0.01, 0.1, 1, 2, 2), "
+             "Ang_Shift, Ntype) VALUES (0, 90010, 'TNEW', 1, 'N4', 'N7', 1, 0.01, 0.1, 1.02, 0, 1), "
+             "(0, 90003, 'PNEW', 1, 'N4', 'N5', 1, 0.01, 0.1, 1, 2, 2), "
              "(0, 90004, 'T3NEW', 1, 'N7', 'N4', 1, 0.01, 0.1, 1, 0, 31), (0, 90004, 'T3NEW', 0, "
              "'N7', 'N8', 1, 0.02, 0.2, 1.05, 0, 32), (0, 90004, 'T3NEW', 1, 'N7', 'N9', 1, 0.03, "
              "0.3, 1, 0, 33)");
@@ -147,15 +151,16 @@ protected:
     // The orphan warnings of ChangeEveryFamily, in the order of the families.
     static std::vector<std::string> OrphanWarnings(const std::string& group)
     {
-        const char* texts[] = {"两绕组变压器作业数据中有 3 条记录", "移相变压器作业数据中有 1 条记录",
-                               "直流线作业数据中有 1 条记录", "发电机作业数据中有 1 条记录",
-                               "负荷作业数据中有 1 条记录", "开关作业数据中有 1 条记录",
+        const char* texts[] = {"并联电容电抗器作业数据中有 1 条记录", "串联电容电抗器作业数据中有 1 条记录",
+                               "两绕组变压器作业数据中有 1 条记录", "移相变压器作业数据中有 1 条记录",
+                               "两绕组变压器作业数据中有 3 条记录", // the three windings
+                               "直流线作业数据中有 1 条记录",       "发电机作业数据中有 1 条记录",
+                               "负荷作业数据中有 1 条记录",         "开关作业数据中有 1 条记录",
                                "刀闸作业数据中有 1 条记录"};
         std::vector<std::string> out;
         for (const char* t : texts) {
             out.push_back(std::string(t) + "与基础库元件不对应, 被保存至数据组 " + group + " 。");
         }
-        std::swap(out[0], out[1]); // the shifters come before the three-winding family
         return out;
     }
 
@@ -177,7 +182,7 @@ TEST_F(SaveBackRoad, MendedInPlaceRunsEveryFamilyAndTheDriversEnd)
                                         "回存移相变压器数目：1", "回存三绕组变压器数目：2",
                                         "回存直连线数目：1", "回存发电机数目：1", "回存负荷数目：2",
                                         "回存开关数目：1", "回存刀闸数目：1",
-                                        "回存变化元件总数：13", "回存新增元件总数：7"}));
+                                        "回存变化元件总数：13", "回存新增元件总数：10"}));
     EXPECT_EQ(feedback().texts(2), OrphanWarnings("NEW"));
     EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{102, 103, 104, 105, 107, 106, 108, 109,
                                                              110, 112, 120, 12, 116, 101, 117,
@@ -221,6 +226,14 @@ TEST_F(SaveBackRoad, MendedInPlaceRunsEveryFamilyAndTheDriversEnd)
               (std::vector<std::string>{"NEW|1|1|N7|N4|N8|N9|0|0.03|1.05"}));
     EXPECT_EQ(Rows("SELECT GrpName, Unit, Ang_Shift FROM CDB_SHIFTBAK WHERE ID_Name='PNEW'"),
               (std::vector<std::string>{"NEW|1|2"}));
+    EXPECT_EQ(Rows("SELECT GrpName, Unit, Tk FROM CDB_TRANS_2WBAK WHERE ID_Name='TNEW'"),
+              (std::vector<std::string>{"NEW|1|1.02"}));
+    // The shunt's valid flag folds the job's three flags; the series element's owner flag
+    // says whether its zone is the I node's (N4 lies in zone 1, its job row says 4).
+    EXPECT_EQ(Rows("SELECT GrpName, Valid, Node_Name, X1 FROM CDB_PCAPREABAK WHERE ID_Name='CNEW'"),
+              (std::vector<std::string>{"NEW|0|N4|-2"}));
+    EXPECT_EQ(Rows("SELECT GrpName, Unit, Owner, X1 FROM CDB_SCAPREABAK WHERE ID_Name='SNEW'"),
+              (std::vector<std::string>{"NEW|1|0|-0.3"}));
     EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 1);
     EXPECT_EQ(Rows("SELECT Bus_Name, Base_kV FROM CDB_NODEBAK WHERE Node_Name='NEWN'"),
               (std::vector<std::string>{"NEWB|110"}));
@@ -296,8 +309,13 @@ TEST_F(SaveBackRoad, TheFaithfulDefaultStopsWhereTheServerRefusesTheDesignsText)
               (std::vector<std::string>{"回存交流线数目：1", "回存并联电容电抗器数目：1",
                                         "回存串联电容电抗器数目：1"}));
     EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{102, 103, 104}));
-    ASSERT_EQ(feedback().texts(2).size(), 1u);
-    EXPECT_EQ(feedback().texts(2)[0].rfind("Fail to execute SQL: insert into T2W(eleid,", 0), 0u);
+    const auto errors = feedback().texts(2);
+    ASSERT_EQ(errors.size(), 4u) << "three orphan warnings, then the refusal";
+    const auto warnings = OrphanWarnings("NEW");
+    EXPECT_EQ(std::vector<std::string>(errors.begin(), errors.begin() + 3),
+              std::vector<std::string>(warnings.begin(), warnings.begin() + 3));
+    EXPECT_EQ(errors[3].rfind("Fail to execute SQL: insert into T2W(eleid,", 0), 0u);
+    EXPECT_EQ(Count("CDB_TRANS_2WBAK WHERE ID_Name='TNEW'"), 1) << "saved before the refusal";
     EXPECT_NEAR(Value("SELECT Gm FROM CDB_TRANS_2WBAK WHERE ID_Name='TU'"), 1.0, 1e-12);
     EXPECT_EQ(Count("CDB_DATAGROUPBAK"), 3) << "no group row, no new node";
     EXPECT_EQ(Count("CDB_NODEBAK WHERE Node_Name='NEWN'"), 0);
@@ -353,7 +371,7 @@ TEST_F(SaveBackRoad, AGroupRowTheServerRefusesEndsTheRunAtLevelThreeBeforeTheNod
     Exec("DROP TRIGGER no_group");
     EXPECT_EQ(result, 1);
     EXPECT_EQ(feedback().texts(3), (std::vector<std::string>{"执行新增数据组 NEW 出错！"}));
-    EXPECT_EQ(feedback().texts(1).back(), "回存新增元件总数：7");
+    EXPECT_EQ(feedback().texts(1).back(), "回存新增元件总数：10");
     EXPECT_EQ(m_base.ModifiedTableTypes(),
               (std::vector<int>{102, 103, 104, 105, 107, 106, 108, 109, 110, 112, 120}))
         << "the families stay saved and flagged; no group flag, no node flags";
