@@ -1,6 +1,7 @@
 // Save-back of a changed job into the working copies and data groups.
 
 #include "DbTest.h"
+#include "SaveBackFamilies.h"
 #include "SampleNetwork.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 #include "platform/CDatabase.h"
@@ -10,23 +11,6 @@
 #include <thread>
 
 using testsupport::DbTest;
-
-// Runs single families, which the driver on this server never reaches (it stops at the
-// two-winding transformers, whose statement the server refuses).
-struct CLFCalDataTransferFamilies
-{
-    static void Prepare(CLFCalDataTransfer& t, const QString& group, bool newGroup)
-    {
-        t.m_strGroupName = group;
-        t.m_bNewGroup = newGroup;
-    }
-    static int Generators(CLFCalDataTransfer& t) { return t.SaveL5DataToBaseDB(); }
-    static int Breakers(CLFCalDataTransfer& t) { return t.SaveLKDataToBreaker(); }
-    static int ThreeWinding(CLFCalDataTransfer& t) { return t.SaveL3DataToT3W(); }
-    static int NewElements(const CLFCalDataTransfer& t) { return t.m_nNewElements; }
-    static int AddNodes(CLFCalDataTransfer& t) { return t.SaveL1DataToBaseDB(); }
-    static int Nodes(const CLFCalDataTransfer& t) { return t.m_NewNodes.size(); }
-};
 
 namespace {
 char kScheme[] = "SCH";

@@ -2,6 +2,7 @@
 // nodes, in the mended statement mode; and where the faithful default stops.
 
 #include "DbTest.h"
+#include "SaveBackFamilies.h"
 #include "SampleNetwork.h"
 #include "common/Feedback.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
@@ -12,18 +13,6 @@
 #include <algorithm>
 
 using testsupport::DbTest;
-
-// Runs single families on the transfer.
-struct CLFCalDataTransferFamilies
-{
-    static void Prepare(CLFCalDataTransfer& t, const QString& group, bool newGroup)
-    {
-        t.m_strGroupName = group;
-        t.m_bNewGroup = newGroup;
-    }
-    static int Shifters(CLFCalDataTransfer& t) { return t.SaveL3DataToShift(); }
-    static CSaveBackPattern& Pattern(CLFCalDataTransfer& t) { return t.m_saveBack; }
-};
 
 namespace {
 
