@@ -15,7 +15,6 @@
 #include <QSqlQuery>
 #include <QStringList>
 #include <QVariant>
-#include <vector>
 
 using namespace lfs;
 using lfx::WORKING_COPY;
