@@ -2,8 +2,10 @@
 // on the synthetic network, against the private MariaDB. The network records are built
 // beforehand by the demo's own step.
 
+#include "BenchStats.h"
 #include "RecordBuilder.h"
 #include "SampleNetwork.h"
+#include "ServerBench.h"
 #include "ServerConnection.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 #include "loadflow/realtime/LFCalDataToRTDB.h"
@@ -14,6 +16,7 @@
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <benchmark/benchmark.h>
+#include <memory>
 
 namespace {
 
@@ -28,23 +31,58 @@ int JobRows(QSqlDatabase* db)
     return rows;
 }
 
-bool Prepare(benchmark::State& state, fixtures::ScratchDatabase& scratch, dbDatabase& rtdb)
+// A network extracted into job 0 with its records built: made once per size and kept
+// across the repetitions, since making it takes longer than measuring it. One at a time,
+// as the record classes belong to one database.
+struct PreparedNetwork
 {
-    QString error;
-    const samples::Network net = samples::MakeSyntheticNetwork(static_cast<int>(state.range(0)));
-    char scheme[] = "SCH";
-    demo::RecordCounts counts;
-    if (!scratch.ok() || !samples::WriteNetworkToBaseDb(scratch.db(), net, "G", "SCH", error) ||
-        CLFCalDataTransfer(0, scheme, scratch.db(), nullptr).ImportLDataFromBaseDB() != 0 ||
-        !demo::BuildNetworkRecords(scratch.db(), 0, &rtdb, counts, error)) {
-        state.SkipWithError("the network could not be prepared");
-        return false;
-    }
-    return true;
+    int nodes = 0;
+    fixtures::ScratchDatabase scratch{QStringLiteral("benchrt")};
+    dbDatabase rtdb;
+    bool ok = false;
+    int rows = 0;
+    std::unique_ptr<fixtures::ServerStatementTime> server;
+};
+
+std::unique_ptr<PreparedNetwork>& prepared()
+{
+    static std::unique_ptr<PreparedNetwork> p;
+    static const bool released = (serverbench::ReleaseAtEnd([] { p.reset(); }), true);
+    (void)released;
+    return p;
 }
 
-// The job's rows read as the import reads them (the same statements, forward only, every
-// value taken out of Qt's result) without touching the real-time database: server and Qt.
+PreparedNetwork* Prepare(benchmark::State& state)
+{
+    const int nodes = static_cast<int>(state.range(0));
+    auto& p = prepared();
+    if (!p || p->nodes != nodes) {
+        p.reset();
+        p = std::make_unique<PreparedNetwork>();
+        p->nodes = nodes;
+        p->rtdb.open("bench");
+        QString error;
+        const samples::Network net = samples::MakeSyntheticNetwork(nodes);
+        char scheme[] = "SCH";
+        demo::RecordCounts counts;
+        p->ok = p->scratch.ok() &&
+                samples::WriteNetworkToBaseDb(p->scratch.db(), net, "G", "SCH", error) &&
+                CLFCalDataTransfer(0, scheme, p->scratch.db(), nullptr).ImportLDataFromBaseDB() ==
+                    0 &&
+                demo::BuildNetworkRecords(p->scratch.db(), 0, &p->rtdb, counts, error);
+        p->rows = p->ok ? JobRows(p->scratch.db()) : 0;
+        p->server = std::make_unique<fixtures::ServerStatementTime>(p->scratch);
+    }
+    if (!p->ok) {
+        state.SkipWithError("the network could not be prepared");
+        return nullptr;
+    }
+    return p.get();
+}
+
+// The job's rows read with the import's statements, forward only, every selected value
+// taken out of Qt's result once, as cheaply as the driver gives it (numbers as numbers),
+// without touching the real-time database: the server and Qt alone.
 double ReadJobRowsWithQt(QSqlDatabase* db)
 {
     const QString l4 = QString(lfrt::SQL_L4_SELECT) + lfrt::SQL_L4_FROM;
@@ -57,6 +95,7 @@ double ReadJobRowsWithQt(QSqlDatabase* db)
     for (const auto& [sql, table] : selects) {
         QSqlQuery q(*db);
         q.setForwardOnly(true);
+        q.setNumericalPrecisionPolicy(QSql::LowPrecisionDouble);
         q.exec(QString(sql).replace("%s", table));
         const int columns = q.record().count();
         while (q.next()) {
@@ -68,71 +107,85 @@ double ReadJobRowsWithQt(QSqlDatabase* db)
     return sum;
 }
 
-// Where the time of one import goes: the server's execution of the statements (its slow
-// log), Qt's result handling (a read-only pass minus its server time) and the rest, the
-// real-time database and the library's own work (the import minus the read-only pass).
+// One import per iteration into records whose job marks were cleared first, so that every
+// import changes every record it meets. Per iteration: the elapsed time; the server's own
+// time in the statements (its slow log) and its CPU time; the client's CPU time (Qt, the
+// library and the real-time database, on this thread). The client's elapsed share is the
+// elapsed time less the server's statement time; a pass that only reads the rows through
+// Qt splits it into Qt's part and the rest (the real-time database and the library).
 void BM_ImportJobRows(benchmark::State& state)
 {
-    fixtures::ScratchDatabase scratch(QStringLiteral("benchrt"));
-    dbDatabase rtdb;
-    rtdb.open("bench");
-    if (!Prepare(state, scratch, rtdb)) {
+    PreparedNetwork* p = Prepare(state);
+    if (!p) {
         return;
     }
-    const int rows = JobRows(scratch.db());
-    fixtures::ServerStatementTime server(scratch);
-    double importWall = 0, importServer = 0, readWall = 0, readServer = 0;
+    QSqlDatabase* db = p->scratch.db();
+    fixtures::ServerStatementTime& server = *p->server;
+    double wall = 0, clientCpu = 0, inServer = 0, serverCpu = 0;
+    double readWall = 0, readServer = 0;
     for (auto _ : state) {
+        state.PauseTiming();
+        CLFCalDataToRTDB(0, db).InValidateLFCalDataInRTDB(false);
+        p->rtdb.commit();
         server.reset();
+        state.ResumeTiming();
         QElapsedTimer timer;
         timer.start();
-        CLFCalDataToRTDB job(0, scratch.db());
+        const double cpu0 = benchstats::ThreadCpuSeconds();
+        CLFCalDataToRTDB job(0, db);
         job.ImportLDataToRTDB();
-        rtdb.commit();
-        importWall += timer.nsecsElapsed() / 1e9;
+        p->rtdb.commit();
+        clientCpu += benchstats::ThreadCpuSeconds() - cpu0;
+        wall += timer.nsecsElapsed() / 1e9;
         state.PauseTiming();
-        importServer += server.seconds();
+        serverCpu += server.cpuSeconds();
+        inServer += server.seconds();
         server.reset();
         timer.restart();
-        benchmark::DoNotOptimize(ReadJobRowsWithQt(scratch.db()));
+        benchmark::DoNotOptimize(ReadJobRowsWithQt(db));
         readWall += timer.nsecsElapsed() / 1e9;
         readServer += server.seconds();
         state.ResumeTiming();
     }
-    state.counters["job_rows"] = rows;
+    const double n = static_cast<double>(state.iterations());
+    state.counters["job_rows"] = p->rows;
     state.counters["rows_per_s"] =
-        benchmark::Counter(rows * double(state.iterations()), benchmark::Counter::kIsRate);
-    if (importWall > 0) {
-        state.counters["server_%"] = 100.0 * importServer / importWall;
-        state.counters["qt_%"] = 100.0 * (readWall - readServer) / importWall;
-        state.counters["rtdb_and_library_%"] = 100.0 * (importWall - readWall) / importWall;
+        benchmark::Counter(p->rows * n, benchmark::Counter::kIsRate);
+    state.counters["server_s"] = inServer / n;
+    state.counters["client_s"] = (wall - inServer) / n;
+    state.counters["server_cpu_s"] = serverCpu / n;
+    state.counters["client_cpu_s"] = clientCpu / n;
+    if (inServer > 0 && serverCpu > 0 && wall > 0) {
+        state.counters["client_to_server"] = (wall - inServer) / inServer;
+        state.counters["client_cpu_to_server_cpu"] = clientCpu / serverCpu;
+        state.counters["server_%"] = 100.0 * inServer / wall;
+        state.counters["qt_%"] = 100.0 * (readWall - readServer) / wall;
+        state.counters["rtdb_and_library_%"] = 100.0 * (wall - readWall) / wall;
     }
 }
 BENCHMARK(BM_ImportJobRows)
     ->Arg(10000)
     ->Arg(100000)
     ->Unit(benchmark::kMillisecond)
-    ->Iterations(3)
-    ->UseRealTime();
+    ->Iterations(2)
+    ->UseRealTime()
+    ->Apply(benchstats::Repeated);
 
 void BM_UpdateJobTables(benchmark::State& state)
 {
-    fixtures::ScratchDatabase scratch(QStringLiteral("benchrt"));
-    dbDatabase rtdb;
-    rtdb.open("bench");
-    if (!Prepare(state, scratch, rtdb)) {
+    PreparedNetwork* p = Prepare(state);
+    if (!p) {
         return;
     }
-    CLFCalDataToRTDB job(0, scratch.db());
+    CLFCalDataToRTDB job(0, p->scratch.db());
     job.ImportLDataToRTDB();
-    rtdb.commit();
-    const int rows = JobRows(scratch.db());
+    p->rtdb.commit();
     for (auto _ : state) {
         job.UpdateLDataFromRTDB();
-        rtdb.commit();
+        p->rtdb.commit();
     }
     state.counters["rows_per_s"] =
-        benchmark::Counter(rows * double(state.iterations()), benchmark::Counter::kIsRate);
+        benchmark::Counter(p->rows * double(state.iterations()), benchmark::Counter::kIsRate);
 }
 BENCHMARK(BM_UpdateJobTables)
     ->Arg(10000)

@@ -2,13 +2,17 @@
 // 0.5 N loads in the records) written to the result tables and read back, against the
 // private MariaDB; and, for comparison, the same line rows by plain multi-row inserts.
 
+#include "BenchStats.h"
+#include "ServerBench.h"
 #include "ServerConnection.h"
 #include "common/SQLMultiInsert.h"
 #include "loadflow/results/LFResultDataTransfer.h"
 #include "records/NetworkRecords.h"
 
+#include <QElapsedTimer>
 #include <QSqlQuery>
 #include <benchmark/benchmark.h>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -119,31 +123,137 @@ BENCHMARK(BM_WriteResults)
     ->Iterations(2)
     ->UseRealTime();
 
+// Moves every element's stored values, so that two cases stored before and after it differ
+// in every record.
+void Shift(dbDatabase& db)
+{
+    dbCursor<ln> lines(dbCursorForUpdate);
+    if (lines.select() > 0) {
+        do {
+            lines->Pi += 1.0f;
+            lines.update();
+        } while (lines.next());
+    }
+    dbCursor<un> gens(dbCursorForUpdate);
+    if (gens.select() > 0) {
+        do {
+            gens->Pg += 1.0f;
+            gens.update();
+        } while (gens.next());
+    }
+    dbCursor<ld> loads(dbCursorForUpdate);
+    if (loads.select() > 0) {
+        do {
+            loads->Pl += 1.0f;
+            loads.update();
+        } while (loads.next());
+    }
+    dbCursor<bus> buses(dbCursorForUpdate);
+    if (buses.select() > 0) {
+        do {
+            buses->V += 0.01;
+            buses.update();
+        } while (buses.next());
+    }
+    db.commit();
+}
+
+// Records and two stored cases of a network of N buses, made once per size and kept
+// across the repetitions. One at a time, as the record classes belong to one database.
+struct StoredCases
+{
+    int nodes = 0;
+    fixtures::ScratchDatabase scratch{QStringLiteral("benchres")};
+    dbDatabase rtdb;
+    Net net;
+    int rows = 0; // rows of one case
+    std::unique_ptr<fixtures::ServerStatementTime> server;
+};
+
+std::unique_ptr<StoredCases>& storedCases()
+{
+    static std::unique_ptr<StoredCases> s;
+    static const bool released = (serverbench::ReleaseAtEnd([] { s.reset(); }), true);
+    (void)released;
+    return s;
+}
+
+StoredCases* PrepareCases(benchmark::State& state)
+{
+    const int nodes = static_cast<int>(state.range(0));
+    auto& s = storedCases();
+    if (!s || s->nodes != nodes) {
+        s.reset();
+        s = std::make_unique<StoredCases>();
+        s->nodes = nodes;
+        s->rtdb.open("bench");
+        Fill(s->rtdb, nodes, s->net);
+        CLFResultDataTransfer(1, s->scratch.db(), &s->rtdb, false, 0).ImportRTDBDataToLFResultDB();
+        s->rtdb.commit();
+        s->rows = RowCount(s->scratch.db());
+        Shift(s->rtdb);
+        CLFResultDataTransfer(2, s->scratch.db(), &s->rtdb, false, 0).ImportRTDBDataToLFResultDB();
+        s->rtdb.commit();
+        s->server = std::make_unique<fixtures::ServerStatementTime>(s->scratch);
+    }
+    if (!s->scratch.ok() || s->rows == 0) {
+        state.SkipWithError("the stored cases could not be prepared");
+        return nullptr;
+    }
+    return s.get();
+}
+
+// The stored cases 1 and 2 read back in turn, so that each read changes every record it
+// meets. Per iteration: the elapsed time; the server's own time in the statements (its
+// slow log) and its CPU time; the client's CPU time (Qt, the library and the real-time
+// database, on this thread). The client's elapsed share is the elapsed time less the
+// server's statement time.
 void BM_ReadResultsBack(benchmark::State& state)
 {
-    fixtures::ScratchDatabase scratch(QStringLiteral("benchres"));
-    dbDatabase rtdb;
-    rtdb.open("bench");
-    Net net;
-    Fill(rtdb, static_cast<int>(state.range(0)), net);
-    CLFResultDataTransfer out(1, scratch.db(), &rtdb, false, 0);
-    out.ImportRTDBDataToLFResultDB();
-    rtdb.commit();
-    const int rows = RowCount(scratch.db());
-    for (auto _ : state) {
-        CLFResultDataTransfer in(1, scratch.db(), &rtdb, false, 0);
-        in.ImportLFResultDataToRTDB();
-        rtdb.commit();
+    StoredCases* s = PrepareCases(state);
+    if (!s) {
+        return;
     }
+    fixtures::ServerStatementTime& server = *s->server;
+    double wall = 0, clientCpu = 0, inServer = 0, serverCpu = 0;
+    int caseNo = 1;
+    for (auto _ : state) {
+        state.PauseTiming();
+        server.reset();
+        state.ResumeTiming();
+        QElapsedTimer timer;
+        timer.start();
+        const double cpu0 = benchstats::ThreadCpuSeconds();
+        CLFResultDataTransfer in(caseNo, s->scratch.db(), &s->rtdb, false, 0);
+        in.ImportLFResultDataToRTDB();
+        s->rtdb.commit();
+        clientCpu += benchstats::ThreadCpuSeconds() - cpu0;
+        wall += timer.nsecsElapsed() / 1e9;
+        state.PauseTiming();
+        serverCpu += server.cpuSeconds();
+        inServer += server.seconds();
+        caseNo = 3 - caseNo;
+        state.ResumeTiming();
+    }
+    const double n = static_cast<double>(state.iterations());
     state.counters["records_per_s"] =
-        benchmark::Counter(rows * double(state.iterations()), benchmark::Counter::kIsRate);
+        benchmark::Counter(s->rows * n, benchmark::Counter::kIsRate);
+    state.counters["server_s"] = inServer / n;
+    state.counters["client_s"] = (wall - inServer) / n;
+    state.counters["server_cpu_s"] = serverCpu / n;
+    state.counters["client_cpu_s"] = clientCpu / n;
+    if (inServer > 0 && serverCpu > 0) {
+        state.counters["client_to_server"] = (wall - inServer) / inServer;
+        state.counters["client_cpu_to_server_cpu"] = clientCpu / serverCpu;
+    }
 }
 BENCHMARK(BM_ReadResultsBack)
     ->Arg(10000)
     ->Arg(100000)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(2)
-    ->UseRealTime();
+    ->UseRealTime()
+    ->Apply(benchstats::Repeated);
 
 // The best this connection does: line rows of the same width, preformatted, batch 100 or 1,000.
 void BM_PlainMultiInsert(benchmark::State& state)
