@@ -9,10 +9,8 @@ void initRecord(void* record, std::size_t size, const dbTableDescriptor& descrip
     std::memset(record, 0, size);
     static const char empty[] = "";
     const char* e = empty;
-    for (const dbFieldDescriptor& f : descriptor.fields()) {
-        if (f.type == dbFieldText) {
-            std::memcpy(static_cast<char*>(record) + f.offset, &e, sizeof e);
-        }
+    for (std::size_t offset : descriptor.textOffsets()) {
+        std::memcpy(static_cast<char*>(record) + offset, &e, sizeof e);
     }
 }
 

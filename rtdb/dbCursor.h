@@ -51,7 +51,7 @@ protected:
     dbTableDescriptor& m_table;
     dbCursorType m_type;
     char* m_record;
-    std::vector<std::uint32_t> m_rows;
+    dbRowList m_rows;
     std::size_t m_pos = 0;
     dbDatabase* m_selectedIn = nullptr; // the database the selection came from
 };

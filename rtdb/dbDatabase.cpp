@@ -124,14 +124,6 @@ std::uint32_t hashField(const char* row, const dbFieldDescriptor& f)
     return 0;
 }
 
-// The hash of a field's value kept on its own (the bytes of the field, not of a row).
-std::uint32_t hashKey(const dbFieldDescriptor& f, const void* key)
-{
-    dbFieldDescriptor alone = f;
-    alone.offset = 0;
-    return hashField(static_cast<const char*>(key), alone);
-}
-
 template <class A, class B> int compare3(A a, B b)
 {
     return a < b ? -1 : (b < a ? 1 : 0);
@@ -621,6 +613,29 @@ std::uint32_t dbDatabase::insertRow(Table& t, const char* record)
 void dbDatabase::updateRow(Table& t, std::uint32_t r, const char* record)
 {
     char* dst = t.row(r);
+    // The row as the update leaves it, made beside the row first: a text equal to the one
+    // the row holds keeps the row's copy, a new one is copied into the table.
+    thread_local std::vector<char> image;
+    image.assign(record, record + t.stride);
+    const std::size_t nText = t.textFields.size();
+    for (std::size_t i = 0; i < nText; ++i) {
+        const dbFieldDescriptor& f = *t.textFields[i];
+        const char* s = fieldAt<const char*>(record, f);
+        const char* old = textAt(dst, f);
+        const char* kept;
+        if (!s || !*s) {
+            kept = kEmptyText;
+        } else if (s == old || std::strcmp(s, old) == 0) {
+            kept = old;
+        } else {
+            kept = t.texts.store(s, std::strlen(s));
+        }
+        std::memcpy(image.data() + f.offset, &kept, sizeof kept);
+    }
+    // An update that changes nothing writes nothing: no undo, no index work.
+    if (std::memcmp(image.data(), dst, t.stride) == 0) {
+        return;
+    }
     if (t.stamp[r] != m_transaction) {
         const std::size_t at = m_undoBytes.size();
         m_undoBytes.insert(m_undoBytes.end(), dst, dst + t.stride);
@@ -628,47 +643,22 @@ void dbDatabase::updateRow(Table& t, std::uint32_t r, const char* record)
             UndoEntry{UndoEntry::Update, static_cast<std::uint32_t>(t.desc->m_tableNo), r, at});
         t.stamp[r] = m_transaction;
     }
-    // The keys the row holds now: a pointer into the table's texts or a number's bytes.
-    std::uint64_t oldKey[kMaxIndexes];
+    // A key that changes leaves its index entry for the new one.
     const std::size_t nIdx = t.indexes.size();
-    for (std::size_t i = 0; i < nIdx; ++i) {
-        oldKey[i] = 0;
-        std::memcpy(&oldKey[i], dst + t.indexes[i].field->offset, fieldSize(*t.indexes[i].field));
-    }
-    // The new texts are resolved against the row before the row is overwritten.
-    const char* texts[kMaxTexts];
-    const std::size_t nText = t.textFields.size();
-    for (std::size_t i = 0; i < nText; ++i) {
-        const dbFieldDescriptor& f = *t.textFields[i];
-        const char* s = fieldAt<const char*>(record, f);
-        const char* old = textAt(dst, f);
-        if (!s || !*s) {
-            texts[i] = kEmptyText;
-        } else if (s == old || std::strcmp(s, old) == 0) {
-            texts[i] = old;
-        } else {
-            texts[i] = t.texts.store(s, std::strlen(s));
-        }
-    }
-    std::memcpy(dst, record, t.stride);
-    for (std::size_t i = 0; i < nText; ++i) {
-        std::memcpy(dst + t.textFields[i]->offset, &texts[i], sizeof texts[i]);
-    }
+    bool moved[kMaxIndexes];
     for (std::size_t i = 0; i < nIdx; ++i) {
         Table::Index& x = t.indexes[i];
         const dbFieldDescriptor& f = *x.field;
-        bool same;
-        if (f.type == dbFieldText) {
-            const char* before;
-            std::memcpy(&before, &oldKey[i], sizeof before);
-            const char* now = textAt(dst, f);
-            same = before == now || std::strcmp(before ? before : kEmptyText, now) == 0;
-        } else {
-            same = std::memcmp(&oldKey[i], dst + f.offset, fieldSize(f)) == 0;
+        moved[i] = std::memcmp(image.data() + f.offset, dst + f.offset, fieldSize(f)) != 0 &&
+                   compareRows(image.data(), dst, f) != 0;
+        if (moved[i]) {
+            t.unindexField(x, hashField(dst, f), r);
         }
-        if (!same) {
-            t.unindexField(x, hashKey(f, &oldKey[i]), r);
-            t.indexField(x, r);
+    }
+    std::memcpy(dst, image.data(), t.stride);
+    for (std::size_t i = 0; i < nIdx; ++i) {
+        if (moved[i]) {
+            t.indexField(t.indexes[i], r);
         }
     }
 }
@@ -711,8 +701,7 @@ bool dbDatabase::insertRecord(dbTableDescriptor* desc, dbAnyReference* ref, cons
     return true;
 }
 
-bool dbDatabase::selectRows(const dbTableDescriptor& d, const dbQuery* query,
-                            std::vector<std::uint32_t>& rows)
+bool dbDatabase::selectRows(const dbTableDescriptor& d, const dbQuery* query, dbRowList& rows)
 {
     rows.clear();
     if (!beginRead()) {
@@ -723,26 +712,31 @@ bool dbDatabase::selectRows(const dbTableDescriptor& d, const dbQuery* query,
         handleError(dbQueryError, "select from a table this database does not have");
         return false;
     }
-    // Scratch space kept per thread: a keyed select then allocates nothing here.
-    thread_local dbQuery::Compiled q;
-    thread_local std::vector<dbQuery::Value> values;
-    q.conditions.clear();
-    q.order.clear();
-    values.clear();
+    static const dbQuery::Compiled all; // no condition, no order
+    const dbQuery::Compiled* q = &all;
     if (query) {
         std::string error;
-        if (!query->compile(d, q, error)) {
+        q = query->compileShape(d, error);
+        if (!q) {
             handleError(dbQueryError, error.c_str());
             return false;
         }
     }
-    for (const dbQuery::Condition& c : q.conditions) {
-        values.push_back(c.param >= 0 ? query->params()[c.param].resolve() : c.literal.resolve());
+    // Scratch space kept per thread: a keyed select then allocates nothing here.
+    thread_local std::vector<dbQuery::Value> values;
+    values.clear();
+    for (const dbQuery::Condition& c : q->conditions) {
+        values.push_back(c.param >= 0
+                             ? query->param(static_cast<std::size_t>(c.param))
+                                   .resolve(query->paramTexts())
+                             : c.literal.resolve(q->literals.data()));
     }
-    auto matches = [&](std::uint32_t r) {
+    // Every condition but `skip` holds for the row.
+    auto matches = [&](std::uint32_t r, std::size_t skip) {
         const char* row = t->row(r);
-        for (std::size_t i = 0; i < q.conditions.size(); ++i) {
-            if (!holds(compareField(row, *q.conditions[i].field, values[i]), q.conditions[i].op)) {
+        for (std::size_t i = 0; i < q->conditions.size(); ++i) {
+            if (i != skip &&
+                !holds(compareField(row, *q->conditions[i].field, values[i]), q->conditions[i].op)) {
                 return false;
             }
         }
@@ -753,8 +747,8 @@ bool dbDatabase::selectRows(const dbTableDescriptor& d, const dbQuery* query,
     const dbQuery::Condition* keyCondition = nullptr;
     std::size_t keyAt = 0;
     std::uint32_t hash = 0;
-    for (std::size_t i = 0; i < q.conditions.size() && !index; ++i) {
-        const dbQuery::Condition& c = q.conditions[i];
+    for (std::size_t i = 0; i < q->conditions.size() && !index; ++i) {
+        const dbQuery::Condition& c = q->conditions[i];
         if (c.op == dbQuery::Eq && c.field->hashed && valueHash(*c.field, values[i], hash)) {
             index = t->indexOf(c.field);
             keyCondition = &c;
@@ -762,11 +756,12 @@ bool dbDatabase::selectRows(const dbTableDescriptor& d, const dbQuery* query,
         }
     }
     if (index) {
+        // The rows of the key's chain all hold the key: its condition is settled.
         index->find(
             hash,
             [&](std::uint64_t key) { return keyEquals(*keyCondition->field, key, values[keyAt]); },
             [&](std::uint32_t r) {
-                if (t->live[r] && matches(r)) {
+                if (t->live[r] && matches(r, keyAt)) {
                     rows.push_back(r);
                 }
             },
@@ -780,17 +775,18 @@ bool dbDatabase::selectRows(const dbTableDescriptor& d, const dbQuery* query,
             std::sort(rows.begin(), rows.end());
         }
     } else {
-        rows.reserve(q.conditions.empty() ? t->liveCount : 0);
+        rows.reserve(q->conditions.empty() ? t->liveCount : 0);
         const std::uint32_t n = t->count();
+        const std::size_t none = q->conditions.size();
         for (std::uint32_t r = 0; r < n; ++r) {
-            if (t->live[r] && matches(r)) {
+            if (t->live[r] && matches(r, none)) {
                 rows.push_back(r);
             }
         }
     }
-    if (!q.order.empty()) {
+    if (!q->order.empty()) {
         std::stable_sort(rows.begin(), rows.end(), [&](std::uint32_t a, std::uint32_t b) {
-            for (const dbQuery::Order& o : q.order) {
+            for (const dbQuery::Order& o : q->order) {
                 int c = compareRows(t->row(a), t->row(b), *o.field);
                 if (c != 0) {
                     return o.descending ? c > 0 : c < 0;

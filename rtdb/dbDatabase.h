@@ -14,6 +14,7 @@
 // or with no current record) go to handleError, which calls the installed handler or
 // writes to standard error; the operation then gives its failure value. Nothing throws.
 
+#include "rtdb/InlineVector.h"
 #include "rtdb/dbTableDescriptor.h"
 
 #include <atomic>
@@ -35,6 +36,9 @@ enum dbErrorClass {
 };
 
 typedef void (*dbErrorHandler)(int error, const char* msg, int msgarg, void* context);
+
+// The rows a select found, by number; a keyed select's one row needs no allocation.
+using dbRowList = InlineVector<std::uint32_t, 1>;
 
 // A record's place in its table.
 class dbAnyReference
@@ -113,8 +117,7 @@ private:
     void removeAllRows(Table& t);
 
     // The selection of a query or of all records; false after an error.
-    bool selectRows(const dbTableDescriptor& d, const dbQuery* query,
-                    std::vector<std::uint32_t>& rows);
+    bool selectRows(const dbTableDescriptor& d, const dbQuery* query, dbRowList& rows);
     const char* rowData(const dbTableDescriptor& d, std::uint32_t row) const;
     bool rowLive(const dbTableDescriptor& d, std::uint32_t row) const;
 

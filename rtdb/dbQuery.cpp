@@ -15,6 +15,7 @@ dbQuery& dbQuery::reset()
 {
     m_text.clear();
     m_params.clear();
+    m_texts.clear();
     m_expectParam = false;
     return *this;
 }
@@ -29,10 +30,10 @@ dbQuery& dbQuery::add(const char* text)
     return *this;
 }
 
-dbQuery& dbQuery::param(Param p)
+dbQuery& dbQuery::addParam(const Param& p)
 {
     m_text += kParamMark;
-    m_params.push_back(std::move(p));
+    m_params.push_back(p);
     m_expectParam = false;
     return *this;
 }
@@ -44,8 +45,12 @@ dbQuery &dbQuery::operator,(const char*s)
     }
     Param p;
     p.kind = Param::Text;
-    p.text = s ? s : ""; // a null text matches as the empty string
-    return param(std::move(p));
+    p.text = static_cast<std::uint32_t>(m_texts.size());
+    if (!s) {
+        s = ""; // a null text matches as the empty string
+    }
+    m_texts.append(s, std::strlen(s) + 1);
+    return addParam(p);
 }
 
 dbQuery &dbQuery::operator,(int v)
@@ -61,7 +66,7 @@ dbQuery &dbQuery::operator,(long long v)
     Param p;
     p.kind = Param::Int;
     p.i = v;
-    return param(std::move(p));
+    return addParam(p);
 }
 dbQuery &dbQuery::operator,(float v)
 {
@@ -72,7 +77,7 @@ dbQuery &dbQuery::operator,(double v)
     Param p;
     p.kind = Param::Real;
     p.d = v;
-    return param(std::move(p));
+    return addParam(p);
 }
 
 #define RTDB_REF_PARAM(Type, KindName)                                                             \
@@ -81,7 +86,7 @@ dbQuery &dbQuery::operator,(double v)
         Param q;                                                                                   \
         q.kind = Param::KindName;                                                                  \
         q.ref = p;                                                                                 \
-        return param(std::move(q));                                                                \
+        return addParam(q);                                                                        \
     }
 RTDB_REF_PARAM(const int*, IntRef)
 RTDB_REF_PARAM(const unsigned int*, UIntRef)
@@ -90,7 +95,7 @@ RTDB_REF_PARAM(const double*, DoubleRef)
 RTDB_REF_PARAM(const char* const*, TextRef)
 #undef RTDB_REF_PARAM
 
-dbQuery::Value dbQuery::Param::resolve() const
+dbQuery::Value dbQuery::Param::resolve(const char* texts) const
 {
     Value v;
     switch (kind) {
@@ -104,7 +109,7 @@ dbQuery::Value dbQuery::Param::resolve() const
         break;
     case Text:
         v.kind = Value::Text;
-        v.s = text.c_str();
+        v.s = texts + text;
         break;
     case IntRef:
         v.kind = Value::Integer;
@@ -228,6 +233,7 @@ bool dbQuery::compile(const dbTableDescriptor& table, Compiled& out, std::string
 {
     out.conditions.clear();
     out.order.clear();
+    out.literals.clear();
     Lexer lx{m_text.data(), m_text.data() + m_text.size()};
     int nextParam = 0;
     // Which parameter each mark stands for: marks come in the order of m_params.
@@ -285,7 +291,7 @@ bool dbQuery::compile(const dbTableDescriptor& table, Compiled& out, std::string
                 return fail("parameter missing");
             }
             c.param = nextParam++;
-            const Param::Kind k = m_params[c.param].kind;
+            const Param::Kind k = m_params[static_cast<std::size_t>(c.param)].kind;
             textValue = (k == Param::Text || k == Param::TextRef);
         } else if (lx.kind == Lexer::Number) {
             c.param = -1;
@@ -300,12 +306,14 @@ bool dbQuery::compile(const dbTableDescriptor& table, Compiled& out, std::string
         } else if (lx.kind == Lexer::String) {
             c.param = -1;
             c.literal.kind = Param::Text;
+            c.literal.text = static_cast<std::uint32_t>(out.literals.size());
             for (std::size_t i = 1; i + 1 < lx.len; ++i) {
-                c.literal.text += lx.tok[i];
+                out.literals += lx.tok[i];
                 if (lx.tok[i] == '\'') {
                     ++i; // '' stands for one quote
                 }
             }
+            out.literals += '\0';
             textValue = true;
         } else {
             return fail("expected a value after '" + std::string(c.field->name) + op + "'");
@@ -348,4 +356,76 @@ bool dbQuery::compile(const dbTableDescriptor& table, Compiled& out, std::string
         return fail("more parameters than the text uses");
     }
     return true;
+}
+
+namespace {
+
+// The shapes of queries one thread has run lately, with their compiled form. A shape is
+// the text with its parameter marks and literals, the table, and which parameters are
+// texts (the kind a condition accepts depends on it); the parameters' values are not part
+// of it. Sixteen shapes are more than a transfer alternates between.
+struct Shape
+{
+    const dbTableDescriptor* table = nullptr;
+    std::uint64_t tableSerial = 0;
+    std::string text;
+    std::size_t params = 0;
+    std::uint64_t textParams = 0; // bit i: parameter i is a text
+    dbQuery::Compiled compiled;
+};
+
+struct ShapeCache
+{
+    static constexpr std::size_t kShapes = 16;
+    Shape shapes[kShapes];
+    std::size_t used = 0;
+    std::size_t next = 0; // the slot to reuse when all are taken
+};
+
+} // namespace
+
+const dbQuery::Compiled* dbQuery::compileShape(const dbTableDescriptor& table,
+                                               std::string& error) const
+{
+    thread_local ShapeCache cache;
+    thread_local Compiled scratch; // a shape too long to remember
+    std::uint64_t textParams = 0;
+    const std::size_t n = m_params.size();
+    if (n > 64) {
+        return compile(table, scratch, error) ? &scratch : nullptr;
+    }
+    for (std::size_t i = 0; i < n; ++i) {
+        const Param::Kind k = m_params[i].kind;
+        if (k == Param::Text || k == Param::TextRef) {
+            textParams |= std::uint64_t(1) << i;
+        }
+    }
+    for (std::size_t i = 0; i < cache.used; ++i) {
+        const Shape& s = cache.shapes[i];
+        if (s.table == &table && s.tableSerial == table.serial() && s.params == n &&
+            s.textParams == textParams && s.text == m_text) {
+            return &s.compiled;
+        }
+    }
+    const bool fresh = cache.used < ShapeCache::kShapes;
+    Shape* slot;
+    if (fresh) {
+        slot = &cache.shapes[cache.used];
+    } else {
+        slot = &cache.shapes[cache.next];
+        cache.next = (cache.next + 1) % ShapeCache::kShapes;
+    }
+    if (!compile(table, slot->compiled, error)) {
+        slot->table = nullptr; // a bad query is never remembered: it fails, and says so, each time
+        return nullptr;
+    }
+    slot->table = &table;
+    slot->tableSerial = table.serial();
+    slot->text = m_text;
+    slot->params = n;
+    slot->textParams = textParams;
+    if (fresh) {
+        ++cache.used;
+    }
+    return &slot->compiled;
 }

@@ -13,6 +13,8 @@
 // <=, joined by `and`, value a parameter or a literal (number or 'quoted text'), and
 // `order by field [asc|desc] [, ...]`. Keywords are case-insensitive, field names are not.
 
+#include "rtdb/InlineVector.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -64,9 +66,10 @@ public:
         enum Kind { Int, Real, Text, IntRef, UIntRef, FloatRef, DoubleRef, TextRef } kind = Int;
         long long i = 0;
         double d = 0;
-        std::string text;
+        std::uint32_t text = 0; // Text: where its bytes start in the owner's text store
         const void* ref = nullptr;
-        Value resolve() const;
+        // `texts` is the text store of the query or of the compiled shape that holds it.
+        Value resolve(const char* texts) const;
     };
     enum Op { Eq, Ne, Lt, Le, Gt, Ge };
     struct Condition
@@ -74,7 +77,7 @@ public:
         const dbFieldDescriptor* field;
         Op op;
         int param;     // index into params, or -1 when the value is a literal
-        Param literal; // the literal's value when param is -1
+        Param literal; // the literal's value when param is -1; its text in `literals`
     };
     struct Order
     {
@@ -85,15 +88,25 @@ public:
     {
         std::vector<Condition> conditions;
         std::vector<Order> order;
+        std::string literals; // the bytes of text literals, each NUL-terminated
     };
     // Parses the text against a record class. False with a message on a syntax error, an
     // unknown field or a value of the wrong kind for its field.
     bool compile(const dbTableDescriptor& table, Compiled& out, std::string& error) const;
-    const std::vector<Param>& params() const { return m_params; }
+    // The same, remembered by this thread for the query's shape (its text pieces and which
+    // parameters are texts) on this table, so that a query built anew for every row with
+    // new values is parsed once. The result stays good until the thread's next call.
+    const Compiled* compileShape(const dbTableDescriptor& table, std::string& error) const;
+
+    std::size_t paramCount() const { return m_params.size(); }
+    const Param& param(std::size_t i) const { return m_params[i]; }
+    // The bytes of the text parameters.
+    const char* paramTexts() const { return m_texts.data(); }
 
 private:
-    dbQuery& param(Param p);
+    dbQuery& addParam(const Param& p);
     std::string m_text; // text pieces; each parameter stands as '\x01'
-    std::vector<Param> m_params;
+    InlineVector<Param, 2> m_params;
+    InlineVector<char, 48> m_texts; // text parameters' bytes, each NUL-terminated
     bool m_expectParam = false;
 };

@@ -1,6 +1,7 @@
 #include "rtdb/dbTableDescriptor.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 
 namespace {
@@ -11,12 +12,18 @@ std::vector<dbTableDescriptor*>& registry()
     static std::vector<dbTableDescriptor*> descriptors;
     return descriptors;
 }
+std::atomic<std::uint64_t> g_serials{1};
 } // namespace
 
 dbTableDescriptor::dbTableDescriptor(const char* name, std::size_t recordSize,
                                      std::initializer_list<dbFieldDescriptor> fields)
-    : m_name(name), m_size(recordSize), m_fields(fields)
+    : m_name(name), m_size(recordSize), m_fields(fields), m_serial(g_serials++)
 {
+    for (const dbFieldDescriptor& f : m_fields) {
+        if (f.type == dbFieldText) {
+            m_textOffsets.push_back(f.offset);
+        }
+    }
     m_tableNo = static_cast<int>(registry().size());
     registry().push_back(this);
 }

@@ -72,6 +72,11 @@ public:
     const std::vector<dbFieldDescriptor>& fields() const { return m_fields; }
     // The field of that name (case-sensitive, as record members are), or null.
     const dbFieldDescriptor* findField(const char* name, std::size_t len) const;
+    // Where the text fields stand in a record, in field order.
+    const std::vector<std::size_t>& textOffsets() const { return m_textOffsets; }
+    // A number no other descriptor of the program has had, even one made later at the
+    // same address.
+    std::uint64_t serial() const { return m_serial; }
 
     // The database this class's records live in: the last one constructed or opened.
     dbDatabase* getDatabase() const { return m_db; }
@@ -84,6 +89,8 @@ private:
     const char* m_name;
     std::size_t m_size;
     std::vector<dbFieldDescriptor> m_fields;
+    std::vector<std::size_t> m_textOffsets;
+    std::uint64_t m_serial;
     dbDatabase* m_db = nullptr;
     int m_tableNo = -1; // position in all(), the table's slot in a database
 };

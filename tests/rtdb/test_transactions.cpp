@@ -112,6 +112,70 @@ TEST_F(Transactions, RollbackUndoesEachKindOfChangeBackToTheLastCommit)
     EXPECT_TRUE(errors().empty());
 }
 
+TEST_F(Transactions, RollbackIsExactAfterUpdatesThatChangeSomeFieldsOrNone)
+{
+    for (int i = 0; i < 4; ++i) {
+        Insert(Bus(i, ("B" + std::to_string(i)).c_str(), 1.0));
+    }
+    rtdb().commit();
+    const auto committed = State();
+    {
+        dbCursor<bs> c(dbCursorForUpdate);
+        dbQuery q;
+        // B0: written back unchanged, then changed, then written back unchanged again.
+        q = "id=", 0;
+        ASSERT_EQ(c.select(q), 1);
+        ASSERT_TRUE(c.update());
+        c->V = 0.5;
+        ASSERT_TRUE(c.update());
+        ASSERT_TRUE(c.update());
+        // B1: only its key changes; B2: unchanged only; B3: a value and back again.
+        q = "id=", 1;
+        ASSERT_EQ(c.select(q), 1);
+        c->name = "moved";
+        ASSERT_TRUE(c.update());
+        q = "id=", 2;
+        ASSERT_EQ(c.select(q), 1);
+        ASSERT_TRUE(c.update());
+        q = "id=", 3;
+        ASSERT_EQ(c.select(q), 1);
+        c->V = 0.7;
+        ASSERT_TRUE(c.update());
+        c->V = 1.0;
+        ASSERT_TRUE(c.update());
+    }
+    EXPECT_EQ(State(), (std::vector<std::string>{"B0=0.50", "moved=1.00", "B2=1.00", "B3=1.00"}));
+    EXPECT_EQ(CountByName("B1"), 0);
+    rtdb().rollback();
+    EXPECT_EQ(State(), committed);
+    EXPECT_EQ(CountByName("moved"), 0);
+    EXPECT_EQ(CountByName("B1"), 1);
+    EXPECT_TRUE(errors().empty());
+}
+
+TEST_F(Transactions, AnUpdateThatChangesNothingStillTakesTheLockAsAWrite)
+{
+    Insert(Bus(0, "B0", 1.0));
+    rtdb().commit();
+    {
+        dbCursor<bs> c(dbCursorForUpdate);
+        ASSERT_EQ(c.select(), 1);
+        ASSERT_TRUE(c.update()); // nothing changed, yet a write as far as the lock goes
+    }
+    std::atomic<bool> selected{false};
+    std::thread reader([&] {
+        dbCursor<bs> c;
+        c.select();
+        selected = true;
+        bs::dbDescriptor.getDatabase()->precommit();
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    EXPECT_FALSE(selected.load()) << "a reader ran past an open write transaction";
+    rtdb().commit();
+    reader.join();
+    EXPECT_TRUE(selected.load());
+}
+
 TEST_F(Transactions, AnEmptiedTableIsRebuiltFromScratchAfterItsCommit)
 {
     // The way stored results rebuild bs: removeAll, commit, insert through the
