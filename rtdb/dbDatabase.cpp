@@ -726,17 +726,17 @@ bool dbDatabase::selectRows(const dbTableDescriptor& d, const dbQuery* query, db
     thread_local std::vector<dbQuery::Value> values;
     values.clear();
     for (const dbQuery::Condition& c : q->conditions) {
-        values.push_back(c.param >= 0
-                             ? query->param(static_cast<std::size_t>(c.param))
-                                   .resolve(query->paramTexts())
-                             : c.literal.resolve(q->literals.data()));
+        values.push_back(
+            c.param >= 0
+                ? query->param(static_cast<std::size_t>(c.param)).resolve(query->paramTexts())
+                : c.literal.resolve(q->literals.data()));
     }
     // Every condition but `skip` holds for the row.
     auto matches = [&](std::uint32_t r, std::size_t skip) {
         const char* row = t->row(r);
         for (std::size_t i = 0; i < q->conditions.size(); ++i) {
-            if (i != skip &&
-                !holds(compareField(row, *q->conditions[i].field, values[i]), q->conditions[i].op)) {
+            if (i != skip && !holds(compareField(row, *q->conditions[i].field, values[i]),
+                                    q->conditions[i].op)) {
                 return false;
             }
         }

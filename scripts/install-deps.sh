@@ -5,6 +5,7 @@ set -euo pipefail
 
 packages=(
   qt6-base-dev libqt6sql6-mysql          # Qt 6 Core, Sql, Widgets and the MySQL driver
+  libmariadb-dev                          # the client library under that driver, whose rows the library reads
   mariadb-server-core mariadb-client-core # the private server and its client (no system service)
   libeigen3-dev                           # sparse linear algebra of the demo's load-flow solver
   cmake ninja-build g++ pkg-config

@@ -65,11 +65,11 @@ PreparedNetwork* Prepare(benchmark::State& state)
         const samples::Network net = samples::MakeSyntheticNetwork(nodes);
         char scheme[] = "SCH";
         demo::RecordCounts counts;
-        p->ok = p->scratch.ok() &&
-                samples::WriteNetworkToBaseDb(p->scratch.db(), net, "G", "SCH", error) &&
-                CLFCalDataTransfer(0, scheme, p->scratch.db(), nullptr).ImportLDataFromBaseDB() ==
-                    0 &&
-                demo::BuildNetworkRecords(p->scratch.db(), 0, &p->rtdb, counts, error);
+        p->ok =
+            p->scratch.ok() &&
+            samples::WriteNetworkToBaseDb(p->scratch.db(), net, "G", "SCH", error) &&
+            CLFCalDataTransfer(0, scheme, p->scratch.db(), nullptr).ImportLDataFromBaseDB() == 0 &&
+            demo::BuildNetworkRecords(p->scratch.db(), 0, &p->rtdb, counts, error);
         p->rows = p->ok ? JobRows(p->scratch.db()) : 0;
         p->server = std::make_unique<fixtures::ServerStatementTime>(p->scratch);
     }
@@ -149,8 +149,7 @@ void BM_ImportJobRows(benchmark::State& state)
     }
     const double n = static_cast<double>(state.iterations());
     state.counters["job_rows"] = p->rows;
-    state.counters["rows_per_s"] =
-        benchmark::Counter(p->rows * n, benchmark::Counter::kIsRate);
+    state.counters["rows_per_s"] = benchmark::Counter(p->rows * n, benchmark::Counter::kIsRate);
     state.counters["server_s"] = inServer / n;
     state.counters["client_s"] = (wall - inServer) / n;
     state.counters["server_cpu_s"] = serverCpu / n;

@@ -236,8 +236,7 @@ void BM_ReadResultsBack(benchmark::State& state)
         state.ResumeTiming();
     }
     const double n = static_cast<double>(state.iterations());
-    state.counters["records_per_s"] =
-        benchmark::Counter(s->rows * n, benchmark::Counter::kIsRate);
+    state.counters["records_per_s"] = benchmark::Counter(s->rows * n, benchmark::Counter::kIsRate);
     state.counters["server_s"] = inServer / n;
     state.counters["client_s"] = (wall - inServer) / n;
     state.counters["server_cpu_s"] = serverCpu / n;

@@ -3,6 +3,7 @@
 #include "common/Conversions.h"
 #include "common/Feedback.h"
 #include "common/ModalBox.h"
+#include "common/SqlRows.h"
 #include "loadflow/realtime/LFRealtimeStatements.h"
 #include "records/NetworkRecords.h"
 #include "records/RecordFlags.h"
@@ -29,10 +30,9 @@ void setBit(unsigned int& word, unsigned int bit, bool on)
 }
 
 // Runs a job-table SELECT forward only; false when the server refused it.
-bool runSelect(QSqlQuery& q, const QByteArray& sql)
+bool runSelect(CSqlRows& rows, QSqlQuery& q, const QByteArray& sql)
 {
-    q.setForwardOnly(true);
-    return q.exec(QString::fromLocal8Bit(sql));
+    return rows.exec(q, QString::fromLocal8Bit(sql));
 }
 
 bool runUpdate(QSqlDatabase* db, const QByteArray& sql)
@@ -46,13 +46,19 @@ void warn(const char* text)
     ShowModalBox(ModalBoxKind::Warning, BOX_CAPTION, QObject::tr(text));
 }
 
-// Takes a job row's name into the id buffer and appends the family's suffix.
-void formId(char* id, const QVariant& name, const char* format)
+// Takes a job row's name into the id buffer and appends the family's suffix. The formats
+// are "%s" and a suffix, which is appended as it stands.
+void formId(char* id, const QByteArray& name, const char* format)
 {
     char buf[kIdSize];
-    const QByteArray bytes = name.toString().toLocal8Bit().left(kIdSize - 8);
-    Strcopy(buf, bytes.constData());
-    std::snprintf(id, kIdSize, format, buf);
+    Strcopy(buf, name.left(kIdSize - 8).constData());
+    if (format[0] == '%' && format[1] == 's' && !std::strchr(format + 2, '%')) {
+        const std::size_t n = std::strlen(buf);
+        std::memcpy(id, buf, n);
+        std::strcpy(id + n, format + 2);
+    } else {
+        std::snprintf(id, kIdSize, format, buf);
+    }
 }
 
 // Selects the record of `id` on `cursor`; shows the not-found message when there is none.
@@ -67,9 +73,9 @@ template <class T> bool findRecord(dbCursor<T>& cursor, const char* id, const ch
     return true;
 }
 
-float real(const QSqlQuery& q, int column)
+float real(const CSqlRows& r, int column)
 {
-    return static_cast<float>(q.value(column).toDouble());
+    return static_cast<float>(r.toDouble(column));
 }
 
 // Whether `id` ends in `suffix`, compared on the lower-cased tail.
@@ -80,10 +86,10 @@ bool endsWith(const QByteArray& id, const char* suffix)
 }
 
 // A row's Bus_Ctrl into its buffer, cut to 20 bytes and terminated.
-void copyBusCtrl(char (&buf)[kBusCtrlSize], const QVariant& value)
+void copyBusCtrl(char (&buf)[kBusCtrlSize], const QByteArray& value)
 {
     std::memset(buf, 0, sizeof buf);
-    Strncopy(buf, value.toString().toLocal8Bit().constData(), kBusCtrlSize - 1);
+    Strncopy(buf, value.constData(), kBusCtrlSize - 1);
 }
 
 // The frame of the import families with one record class: the job table's SELECT (a
@@ -97,17 +103,18 @@ int importRows(QSqlDatabase* db, const QByteArray& sql, const char* queryMessage
 {
     dbCursor<T> cursor(dbCursorForUpdate);
     QSqlQuery q(*db);
-    if (!runSelect(q, sql)) {
+    CSqlRows rows;
+    if (!runSelect(rows, q, sql)) {
         ShowMessage(queryMessage, MSG_ERROR);
         return CALC_FAIL;
     }
     char id[kIdSize] = "";
-    while (q.next()) {
-        nameRow(id, q);
+    while (rows.next()) {
+        nameRow(id, rows);
         if (!findRecord(cursor, id, missing)) {
             continue;
         }
-        apply(*cursor, q);
+        apply(*cursor, rows);
         cursor.update();
     }
     return CALC_OK;
@@ -116,7 +123,7 @@ int importRows(QSqlDatabase* db, const QByteArray& sql, const char* queryMessage
 // The row's first column with a fixed suffix.
 auto plainName(const char* format)
 {
-    return [format](char* id, const QSqlQuery& q) { formId(id, q.value(0), format); };
+    return [format](char* id, const CSqlRows& r) { formId(id, r.toLocal8Bit(0), format); };
 }
 
 } // namespace
@@ -142,7 +149,7 @@ int CLFCalDataToRTDB::ImportL1DataToRTDB()
 {
     const QByteArray table = FormatText(L1_TABLE, m_nJobNumber);
     return importRows<nd>(m_pDB, FormatText(SQL_L1_SELECT, table.constData()), MSG_L1_QUERY,
-                          MSG_ND_MISSING, plainName(ID_PLAIN), [](nd& r, const QSqlQuery&) {
+                          MSG_ND_MISSING, plainName(ID_PLAIN), [](nd& r, const CSqlRows&) {
                               setBit(r.q, ND_INJOB, true);
                               setBit(r.q, ND_OUTSERVICE, false);
                           });
@@ -153,8 +160,9 @@ int CLFCalDataToRTDB::ImportL2DataToRTDB()
     const QByteArray table = FormatText(L2_TABLE, m_nJobNumber);
     dbCursor<ln> lines(dbCursorForUpdate);
     dbCursor<cp> shunts(dbCursorForUpdate);
-    QSqlQuery q(*m_pDB);
-    if (!runSelect(q, FormatText(SQL_L2_SELECT, table.constData()))) {
+    QSqlQuery query(*m_pDB);
+    CSqlRows q;
+    if (!runSelect(q, query, FormatText(SQL_L2_SELECT, table.constData()))) {
         ShowMessage(MSG_L2_QUERY, MSG_ERROR);
         return CALC_FAIL;
     }
@@ -162,52 +170,52 @@ int CLFCalDataToRTDB::ImportL2DataToRTDB()
     char busCtrl[kBusCtrlSize];
     char type[kIdSize];
     while (q.next()) {
-        const int ntype = q.value(19).toInt();
-        const QByteArray typeText = q.value(18).toString().toLocal8Bit().left(kIdSize - 1);
-        copyBusCtrl(busCtrl, q.value(14));
+        const int ntype = q.toInt(19);
+        const QByteArray typeText = q.toLocal8Bit(18).left(kIdSize - 1);
+        copyBusCtrl(busCtrl, q.toLocal8Bit(14));
         Strcopy(type, typeText.constData());
         if (ntype == 1 || ntype == 2) {
-            formId(id, q.value(0), ntype == 1 ? ID_AC : ID_SC);
+            formId(id, q.toLocal8Bit(0), ntype == 1 ? ID_AC : ID_SC);
             if (!findRecord(lines, id, ntype == 1 ? MSG_AC_MISSING : MSG_SC_MISSING)) {
                 continue;
             }
             ln& r = *lines;
             setBit(r.q, LN_INJOB, true);
-            setBit(r.q, LN_OUTSERVICE, q.value(1).toInt() == 0);
-            r.ID_No = q.value(4).toInt();
-            setBit(r.q, LN_IOPEN, q.value(5).toInt() == 0);
-            setBit(r.q, LN_JOPEN, q.value(6).toInt() == 0);
+            setBit(r.q, LN_OUTSERVICE, q.toInt(1) == 0);
+            r.ID_No = q.toInt(4);
+            setBit(r.q, LN_IOPEN, q.toInt(5) == 0);
+            setBit(r.q, LN_JOPEN, q.toInt(6) == 0);
             r.R1 = real(q, 7);
             r.X1 = real(q, 8);
             r.B1_Half = real(q, 9);
             r.Rate_Ka = real(q, 10);
             r.Up_Limit = real(q, 11);
-            r.Mode_Ctrl = q.value(12).toInt();
-            r.Par_No = q.value(13).toInt();
+            r.Mode_Ctrl = q.toInt(12);
+            r.Par_No = q.toInt(13);
             r.Bus_Ctrl = busCtrl;
-            r.Line_Ctrl = q.value(15).toInt();
+            r.Line_Ctrl = q.toInt(15);
             r.Value_Ctrl = real(q, 16);
             r.Length_Km = real(q, 17);
             r.Type = type;
             lines.update();
         } else {
-            formId(id, q.value(0), ID_PLAIN);
+            formId(id, q.toLocal8Bit(0), ID_PLAIN);
             if (!findRecord(shunts, id, MSG_CP_MISSING)) {
                 continue;
             }
             cp& r = *shunts;
             setBit(r.q, CP_INJOB, true);
-            setBit(r.q, CP_OUTSERVICE, q.value(1).toInt() == 0);
-            r.ID_No = q.value(4).toInt();
+            setBit(r.q, CP_OUTSERVICE, q.toInt(1) == 0);
+            r.ID_No = q.toInt(4);
             // The open I end takes the same bit: it decides the shunt's state.
-            setBit(r.q, CP_OUTSERVICE, q.value(5).toInt() == 0);
-            (void)q.value(6); // J_Break has no effect on a shunt
+            setBit(r.q, CP_OUTSERVICE, q.toInt(5) == 0);
+            // J_Break has no effect on a shunt: it is not read.
             r.R1 = real(q, 7);
             r.X1 = real(q, 8);
-            r.Mode_Ctrl = q.value(12).toInt();
-            r.Par_No = q.value(13).toInt();
+            r.Mode_Ctrl = q.toInt(12);
+            r.Par_No = q.toInt(13);
             r.Bus_Ctrl = busCtrl;
-            r.Line_Ctrl = q.value(15).toInt();
+            r.Line_Ctrl = q.toInt(15);
             r.Value_Ctrl = real(q, 16);
             r.Type = type;
             shunts.update();
@@ -222,36 +230,36 @@ int CLFCalDataToRTDB::ImportL3DataToRTDB()
     char busCtrl[kBusCtrlSize];
     // A row of an unknown NType names no id: it keeps the id of the row before it, and so
     // overwrites that record again.
-    auto nameRow = [](char* id, const QSqlQuery& q) {
-        switch (q.value(18).toInt()) {
+    auto nameRow = [](char* id, const CSqlRows& q) {
+        switch (q.toInt(18)) {
         case 1:
-            formId(id, q.value(0), ID_2W);
+            formId(id, q.toLocal8Bit(0), ID_2W);
             break;
         case 2:
-            formId(id, q.value(0), ID_SF);
+            formId(id, q.toLocal8Bit(0), ID_SF);
             break;
         case 31:
-            formId(id, q.value(0), ID_3W1);
+            formId(id, q.toLocal8Bit(0), ID_3W1);
             break;
         case 32:
-            formId(id, q.value(0), ID_3W2);
+            formId(id, q.toLocal8Bit(0), ID_3W2);
             break;
         case 33:
-            formId(id, q.value(0), ID_3W3);
+            formId(id, q.toLocal8Bit(0), ID_3W3);
             break;
         default:
             break;
         }
     };
     return importRows<xf>(m_pDB, FormatText(SQL_L3_SELECT, table.constData()), MSG_L3_QUERY,
-                          MSG_XF_MISSING, nameRow, [&](xf& r, const QSqlQuery& q) {
+                          MSG_XF_MISSING, nameRow, [&](xf& r, const CSqlRows& q) {
                               setBit(r.q, XF_INJOB, true);
-                              setBit(r.q, XF_OUTSERVICE, q.value(1).toInt() == 0);
-                              r.ID_No = q.value(4).toInt();
+                              setBit(r.q, XF_OUTSERVICE, q.toInt(1) == 0);
+                              r.ID_No = q.toInt(4);
                               r.R1 = real(q, 5);
                               r.X1 = real(q, 6);
-                              const double gm = q.value(7).toDouble();
-                              const double bm = q.value(8).toDouble();
+                              const double gm = q.toDouble(7);
+                              const double bm = q.toDouble(8);
                               if (gm > -1e-08 && gm < 1e-08 && bm > -1e-08 && bm < 1e-08) {
                                   r.Rm = 0;
                                   r.Xm = 0;
@@ -264,24 +272,24 @@ int CLFCalDataToRTDB::ImportL3DataToRTDB()
                               r.Ang_Shift = real(q, 10);
                               r.Rate_MVA = real(q, 11);
                               r.Up_Limit = real(q, 12);
-                              r.Mode_Ctrl = q.value(13).toInt();
-                              r.Par_No = q.value(14).toInt();
-                              copyBusCtrl(busCtrl, q.value(15));
+                              r.Mode_Ctrl = q.toInt(13);
+                              r.Par_No = q.toInt(14);
+                              copyBusCtrl(busCtrl, q.toLocal8Bit(15));
                               r.Bus_Ctrl = busCtrl;
-                              r.Line_Ctrl = q.value(16).toInt();
+                              r.Line_Ctrl = q.toInt(16);
                               r.Value_Ctrl = real(q, 17);
-                              r.TapMax1 = q.value(19).toInt();
-                              r.TapMin1 = q.value(20).toInt();
+                              r.TapMax1 = q.toInt(19);
+                              r.TapMin1 = q.toInt(20);
                               r.Vstep_Tap1 = real(q, 21);
                               r.V0_Tap1 = real(q, 22);
-                              r.P0_Tap1 = q.value(23).toInt();
-                              r.Vpos_Tap1 = q.value(24).toInt();
-                              r.TapMax2 = q.value(25).toInt();
-                              r.TapMin2 = q.value(26).toInt();
+                              r.P0_Tap1 = q.toInt(23);
+                              r.Vpos_Tap1 = q.toInt(24);
+                              r.TapMax2 = q.toInt(25);
+                              r.TapMin2 = q.toInt(26);
                               r.Vstep_Tap2 = real(q, 27);
                               r.V0_Tap2 = real(q, 28);
-                              r.P0_Tap2 = q.value(29).toInt();
-                              r.Vpos_Tap2 = q.value(30).toInt();
+                              r.P0_Tap2 = q.toInt(29);
+                              r.Vpos_Tap2 = q.toInt(30);
                           });
 }
 
@@ -298,14 +306,14 @@ int CLFCalDataToRTDB::ImportL4DataToRTDB()
     }
     constexpr int kFirstColumn = 3, kLastColumn = 46;
     return importRows<dln>(m_pDB, sql, MSG_L4_QUERY, MSG_DLN_MISSING, plainName(ID_PLAIN),
-                           [&](dln& r, const QSqlQuery& q) {
+                           [&](dln& r, const CSqlRows& q) {
                                setBit(r.q, DLN_INJOB, true);
-                               setBit(r.q, DLN_OUTSERVICE, q.value(1).toInt() == 0);
+                               setBit(r.q, DLN_OUTSERVICE, q.toInt(1) == 0);
                                char* base = reinterpret_cast<char*>(&r);
                                for (int c = kFirstColumn; c <= kLastColumn; ++c) {
                                    const dbFieldDescriptor& f = fields[first + (c - kFirstColumn)];
                                    if (f.type == dbFieldInt) {
-                                       const int v = q.value(c).toInt();
+                                       const int v = q.toInt(c);
                                        std::memcpy(base + f.offset, &v, sizeof v);
                                    } else {
                                        const float v = real(q, c);
@@ -320,10 +328,10 @@ int CLFCalDataToRTDB::ImportL5DataToRTDB()
     const QByteArray table = FormatText(L5_TABLE, m_nJobNumber);
     char busCtrl[kBusCtrlSize];
     return importRows<un>(m_pDB, FormatText(SQL_L5_SELECT, table.constData()), MSG_L5_QUERY,
-                          MSG_UN_MISSING, plainName(ID_PLAIN), [&](un& r, const QSqlQuery& q) {
+                          MSG_UN_MISSING, plainName(ID_PLAIN), [&](un& r, const CSqlRows& q) {
                               setBit(r.q, UN_INJOB, true);
-                              setBit(r.q, UN_OUTSERVICE, q.value(1).toInt() == 0);
-                              r.Mode_Ctrl = q.value(3).toInt();
+                              setBit(r.q, UN_OUTSERVICE, q.toInt(1) == 0);
+                              r.Mode_Ctrl = q.toInt(3);
                               r.Pg = real(q, 4);
                               r.Qg = real(q, 5);
                               r.V0 = real(q, 6);
@@ -332,10 +340,10 @@ int CLFCalDataToRTDB::ImportL5DataToRTDB()
                               r.Qmin = real(q, 9);
                               r.Pmax = real(q, 10);
                               r.Pmin = real(q, 11);
-                              r.Par_Group = q.value(12).toInt();
-                              copyBusCtrl(busCtrl, q.value(13));
+                              r.Par_Group = q.toInt(12);
+                              copyBusCtrl(busCtrl, q.toLocal8Bit(13));
                               r.Bus_Ctrl = busCtrl;
-                              r.Line_Ctrl = q.value(14).toInt();
+                              r.Line_Ctrl = q.toInt(14);
                               r.Value_Ctrl = real(q, 15);
                           });
 }
@@ -345,11 +353,11 @@ int CLFCalDataToRTDB::ImportL6DataToRTDB()
     const QByteArray table = FormatText(L6_TABLE, m_nJobNumber);
     char busCtrl[kBusCtrlSize];
     return importRows<ld>(m_pDB, FormatText(SQL_L6_SELECT, table.constData()), MSG_L6_QUERY,
-                          MSG_LD_MISSING, plainName(ID_PLAIN), [&](ld& r, const QSqlQuery& q) {
+                          MSG_LD_MISSING, plainName(ID_PLAIN), [&](ld& r, const CSqlRows& q) {
                               setBit(r.q, LD_INJOB, true);
-                              setBit(r.q, LD_OUTSERVICE, q.value(1).toInt() == 0);
-                              r.No_Load = q.value(3).toInt();
-                              r.Mode_Ctrl = q.value(4).toInt();
+                              setBit(r.q, LD_OUTSERVICE, q.toInt(1) == 0);
+                              r.No_Load = q.toInt(3);
+                              r.Mode_Ctrl = q.toInt(4);
                               r.Pl = real(q, 5);
                               r.Ql = real(q, 6);
                               r.V0 = real(q, 7);
@@ -358,10 +366,10 @@ int CLFCalDataToRTDB::ImportL6DataToRTDB()
                               r.Qmin = real(q, 10);
                               r.Pmax = real(q, 11);
                               r.Pmin = real(q, 12);
-                              r.Par_Group = q.value(13).toInt();
-                              copyBusCtrl(busCtrl, q.value(14));
+                              r.Par_Group = q.toInt(13);
+                              copyBusCtrl(busCtrl, q.toLocal8Bit(14));
                               r.Bus_Ctrl = busCtrl;
-                              r.Line_Ctrl = q.value(15).toInt();
+                              r.Line_Ctrl = q.toInt(15);
                               r.Value_Ctrl = real(q, 16);
                           });
 }
@@ -371,14 +379,14 @@ int CLFCalDataToRTDB::ImportLKDataToRTDB()
     const QByteArray table = FormatText(LK_TABLE, m_nJobNumber);
     return importRows<cb>(
         m_pDB, FormatText(SQL_LK_SELECT, table.constData()), MSG_LK_QUERY, MSG_CB_MISSING,
-        [](char* id, const QSqlQuery& q) {
-            formId(id, q.value(0), q.value(6).toInt() == 1 ? ID_BRK : ID_SW);
+        [](char* id, const CSqlRows& q) {
+            formId(id, q.toLocal8Bit(0), q.toInt(6) == 1 ? ID_BRK : ID_SW);
         },
-        [](cb& r, const QSqlQuery& q) {
+        [](cb& r, const CSqlRows& q) {
             setBit(r.q, CB_INJOB, true);
-            setBit(r.q, CB_OUTSERVICE, q.value(1).toInt() == 0);
-            setBit(r.q, CB_OPEN, q.value(2).toInt() == 0);
-            r.ID_No = q.value(5).toInt();
+            setBit(r.q, CB_OUTSERVICE, q.toInt(1) == 0);
+            setBit(r.q, CB_OPEN, q.toInt(2) == 0);
+            r.ID_No = q.toInt(5);
         });
 }
 

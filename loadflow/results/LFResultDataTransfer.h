@@ -7,8 +7,8 @@
 #include <QByteArray>
 #include <QList>
 
+class CSqlRows;
 class QSqlDatabase;
-class QSqlQuery;
 class dbDatabase;
 
 // A voltage level, in the order "order by id" of the kv records; its position is the
@@ -54,8 +54,8 @@ private:
     // transformers and phase shifters, and the topology columns of one- and two-ended rows.
     int importLines(const char* family, const char* suffix);
     int importTransformers(const char* family, const char* suffix, const char* message);
-    template <class T> void oneEndedTopology(T& r, const QSqlQuery& q);
-    template <class T> void twoEndedTopology(T& r, const QSqlQuery& q, int first);
+    template <class T> void oneEndedTopology(T& r, const CSqlRows& q);
+    template <class T> void twoEndedTopology(T& r, const CSqlRows& q, int first);
 
     int PrepareLFDataList();
     int ImportRTDBToBs_R();

@@ -3,6 +3,7 @@
 #include "common/Conversions.h"
 #include "common/Feedback.h"
 #include "common/RunTimeLog.h"
+#include "common/SqlRows.h"
 #include "loadflow/results/LFResultDataTransfer.h"
 #include "loadflow/results/LFResultStatements.h"
 #include "records/NetworkRecords.h"
@@ -21,21 +22,18 @@ namespace {
 constexpr int kNameSize = 256;
 
 // A row's name with the family's suffix, as the record's id.
-void recordId(char* id, const QVariant& name, const char* suffix)
+void recordId(char* id, const QByteArray& name, const char* suffix)
 {
     char buf[kNameSize];
-    Strcopy(buf, name.toString().toLocal8Bit().left(kNameSize - 8).constData());
-    std::snprintf(id, kNameSize, "%s%s", buf, suffix);
+    Strcopy(buf, name.left(kNameSize - 8).constData());
+    const std::size_t n = std::strlen(buf);
+    std::memcpy(id, buf, n);
+    std::strcpy(id + n, suffix);
 }
 
-float real(const QSqlQuery& q, int c)
+float real(const CSqlRows& q, int c)
 {
-    return static_cast<float>(q.value(c).toDouble());
-}
-
-QByteArray bytes(const QVariant& v)
-{
-    return v.toString().toLocal8Bit();
+    return static_cast<float>(q.toDouble(c));
 }
 
 } // namespace
@@ -97,11 +95,10 @@ void CLFResultDataTransfer::UpdateNdBsNo(char* name, int ibs)
 
 namespace {
 
-// Runs a result SELECT; shows `message` when the server refuses it.
-bool runSelect(QSqlQuery& q, const QByteArray& sql, const char* message)
+// Runs a result SELECT forward only; shows `message` when the server refuses it.
+bool runSelect(CSqlRows& rows, QSqlQuery& q, const QByteArray& sql, const char* message)
 {
-    q.setForwardOnly(true);
-    if (!q.exec(QString::fromLocal8Bit(sql))) {
+    if (!rows.exec(q, QString::fromLocal8Bit(sql))) {
         ShowMessage(message, MSG_ERROR);
         return false;
     }
@@ -115,15 +112,16 @@ template <class T, class Apply>
 int updateRecords(QSqlDatabase* db, const QByteArray& sql, const char* message, const char* suffix,
                   Apply apply)
 {
-    QSqlQuery q(*db);
-    if (!runSelect(q, sql, message)) {
+    QSqlQuery select(*db);
+    CSqlRows q;
+    if (!runSelect(q, select, sql, message)) {
         return CALC_FAIL;
     }
     char id[kNameSize];
     while (q.next()) {
         dbCursor<T> cursor(dbCursorForUpdate);
         dbQuery query;
-        recordId(id, q.value(0), suffix);
+        recordId(id, q.toLocal8Bit(0), suffix);
         query = "id=", static_cast<const char*>(id);
         if (cursor.select(query) < 1) {
             continue;
@@ -137,23 +135,23 @@ int updateRecords(QSqlDatabase* db, const QByteArray& sql, const char* message, 
 } // namespace
 
 // Bus number, flag words and node after a one-ended element's two values (columns 3 to 6).
-template <class T> void CLFResultDataTransfer::oneEndedTopology(T& r, const QSqlQuery& q)
+template <class T> void CLFResultDataTransfer::oneEndedTopology(T& r, const CSqlRows& q)
 {
-    r.ibs = q.value(3).toInt();
-    r.q = q.value(4).toUInt();
-    r.topflags = q.value(5).toUInt();
-    QByteArray node = bytes(q.value(6));
+    r.ibs = q.toInt(3);
+    r.q = q.toUInt(4);
+    r.topflags = q.toUInt(5);
+    QByteArray node = q.toLocal8Bit(6);
     UpdateNdBsNo(node.data(), r.ibs);
 }
 
 // Both ends' bus numbers, the flag words and the end nodes, from column `first` on.
-template <class T> void CLFResultDataTransfer::twoEndedTopology(T& r, const QSqlQuery& q, int first)
+template <class T> void CLFResultDataTransfer::twoEndedTopology(T& r, const CSqlRows& q, int first)
 {
-    r.ibs = q.value(first).toInt();
-    r.zbs = q.value(first + 1).toInt();
-    r.q = q.value(first + 2).toUInt();
-    r.topflags = q.value(first + 3).toUInt();
-    QByteArray iName = bytes(q.value(first + 4)), jName = bytes(q.value(first + 5));
+    r.ibs = q.toInt(first);
+    r.zbs = q.toInt(first + 1);
+    r.q = q.toUInt(first + 2);
+    r.topflags = q.toUInt(first + 3);
+    QByteArray iName = q.toLocal8Bit(first + 4), jName = q.toLocal8Bit(first + 5);
     UpdateNdBsNo(iName.data(), r.ibs);
     UpdateNdBsNo(jName.data(), r.zbs);
 }
@@ -164,7 +162,7 @@ int CLFResultDataTransfer::importLines(const char* family, const char* suffix)
     return updateRecords<ln>(m_pDB,
                              FormatText(m_bOptimal ? SQL_ACLINE_OPFR : SQL_ACLINE_LFR,
                                         table(family).constData(), m_caseNo),
-                             MSG_Q_ACLINE, suffix, [&](ln& r, const QSqlQuery& q) {
+                             MSG_Q_ACLINE, suffix, [&](ln& r, const CSqlRows& q) {
                                  r.Pi = real(q, 1);
                                  r.Qi = real(q, 2);
                                  r.Pj = real(q, 3);
@@ -196,7 +194,7 @@ int CLFResultDataTransfer::ImportPCR_RDataToRTDB()
     return updateRecords<cp>(
         m_pDB,
         FormatText(m_bOptimal ? SQL_PCR_OPFR : SQL_PCR_LFR, table("PCR").constData(), m_caseNo),
-        MSG_Q_PCR, "", [&](cp& r, const QSqlQuery& q) {
+        MSG_Q_PCR, "", [&](cp& r, const CSqlRows& q) {
             r.Pi = real(q, 1);
             r.Qi = real(q, 2);
             if (topology()) {
@@ -211,7 +209,7 @@ int CLFResultDataTransfer::ImportGen_RDataToRTDB()
     return updateRecords<un>(
         m_pDB,
         FormatText(m_bOptimal ? SQL_GEN_OPFR : SQL_GEN_LFR, table("GEN").constData(), m_caseNo),
-        MSG_Q_GEN, "", [&](un& r, const QSqlQuery& q) {
+        MSG_Q_GEN, "", [&](un& r, const CSqlRows& q) {
             r.Pg = real(q, 1);
             r.Qg = real(q, 2);
             if (topology()) {
@@ -226,7 +224,7 @@ int CLFResultDataTransfer::ImportLoad_RDataToRTDB()
     return updateRecords<ld>(
         m_pDB,
         FormatText(m_bOptimal ? SQL_LOAD_OPFR : SQL_LOAD_LFR, table("LOAD").constData(), m_caseNo),
-        MSG_Q_LOAD, "", [&](ld& r, const QSqlQuery& q) {
+        MSG_Q_LOAD, "", [&](ld& r, const CSqlRows& q) {
             r.Pl = real(q, 1);
             r.Ql = real(q, 2);
             if (topology()) {
@@ -242,7 +240,7 @@ int CLFResultDataTransfer::importTransformers(const char* family, const char* su
     return updateRecords<xf>(
         m_pDB,
         FormatText(m_bOptimal ? SQL_T2W_OPFR : SQL_T2W_LFR, table(family).constData(), m_caseNo),
-        message, suffix, [&](xf& r, const QSqlQuery& q) {
+        message, suffix, [&](xf& r, const CSqlRows& q) {
             r.Pi = real(q, 1);
             r.Qi = real(q, 2);
             r.Pj = real(q, 3);
@@ -270,9 +268,10 @@ int CLFResultDataTransfer::ImportShift_RDataToRTDB()
 int CLFResultDataTransfer::ImportT3W_RDataToRTDB()
 {
     CRunTimeLog frame("ImportT3w_RDataToRTDB");
-    QSqlQuery q(*m_pDB);
+    QSqlQuery select(*m_pDB);
+    CSqlRows q;
     if (!runSelect(
-            q,
+            q, select,
             FormatText(m_bOptimal ? SQL_T3W_OPFR : SQL_T3W_LFR, table("T3W").constData(), m_caseNo),
             MSG_Q_T3W)) {
         return CALC_FAIL;
@@ -281,7 +280,7 @@ int CLFResultDataTransfer::ImportT3W_RDataToRTDB()
     char id[kNameSize + 8];
     while (q.next()) {
         dbCursor<xf> cursor(dbCursorForUpdate);
-        Strcopy(name, q.value(0).toString().toLocal8Bit().left(kNameSize - 1).constData());
+        Strcopy(name, q.toLocal8Bit(0).left(kNameSize - 1).constData());
         for (int w = 1; w <= 3; ++w) {
             dbQuery query;
             std::snprintf(id, sizeof id, "%s_3w%d", name, w);
@@ -298,11 +297,11 @@ int CLFResultDataTransfer::ImportT3W_RDataToRTDB()
                 r.Qm = real(q, 8);
             }
             if (topology()) {
-                r.ibs = q.value(2 * w + 7).toInt();
-                r.zbs = q.value(2 * w + 8).toInt();
-                r.q = q.value(2 * w + 13).toUInt();
-                r.topflags = q.value(2 * w + 14).toUInt();
-                QByteArray star = bytes(q.value(2 * w + 19)), end = bytes(q.value(2 * w + 20));
+                r.ibs = q.toInt(2 * w + 7);
+                r.zbs = q.toInt(2 * w + 8);
+                r.q = q.toUInt(2 * w + 13);
+                r.topflags = q.toUInt(2 * w + 14);
+                QByteArray star = q.toLocal8Bit(2 * w + 19), end = q.toLocal8Bit(2 * w + 20);
                 UpdateNdBsNo(star.data(), r.ibs);
                 UpdateNdBsNo(end.data(), r.zbs);
             }
@@ -317,7 +316,7 @@ int CLFResultDataTransfer::ImportBreaker_RDataToRTDB()
     CRunTimeLog frame("ImportBreaker_RDataToRTDB");
     // A switch's row meets no record: its id takes the breaker's suffix too.
     return updateRecords<cb>(m_pDB, FormatText(SQL_BREAKER, table("BREAKER").constData(), m_caseNo),
-                             MSG_Q_BREAKER, "_brk", [](cb& r, const QSqlQuery& q) {
+                             MSG_Q_BREAKER, "_brk", [](cb& r, const CSqlRows& q) {
                                  r.P = real(q, 1);
                                  r.Q = real(q, 2);
                              });
@@ -326,9 +325,10 @@ int CLFResultDataTransfer::ImportBreaker_RDataToRTDB()
 int CLFResultDataTransfer::ImportBus_RDataToRTDB()
 {
     CRunTimeLog frame("ImportBus_RDataToRTDB");
-    QSqlQuery q(*m_pDB);
+    QSqlQuery select(*m_pDB);
+    CSqlRows q;
     if (!runSelect(
-            q,
+            q, select,
             FormatText(m_bOptimal ? SQL_BUS_OPFR : SQL_BUS_LFR, table("BUS").constData(), m_caseNo),
             MSG_Q_BUS)) {
         return CALC_FAIL;
@@ -336,17 +336,17 @@ int CLFResultDataTransfer::ImportBus_RDataToRTDB()
     while (q.next()) {
         dbCursor<bus> cursor(dbCursorForUpdate);
         dbQuery query;
-        QByteArray node = bytes(q.value(0));
+        QByteArray node = q.toLocal8Bit(0);
         query = "nd=", node.constData();
         if (cursor.select(query) < 1) {
             ShowMessagef(MSG_ERROR, MSG_NO_BUS, node.constData());
             return CALC_FAIL; // the one row-level stop: the rows before stay written
         }
-        cursor->V = q.value(1).toDouble();
-        cursor->Angle = q.value(2).toDouble();
+        cursor->V = q.toDouble(1);
+        cursor->Angle = q.toDouble(2);
         if (topology()) {
-            cursor->ibs = q.value(3).toInt();
-            cursor->topflags = q.value(4).toUInt();
+            cursor->ibs = q.toInt(3);
+            cursor->topflags = q.toUInt(4);
             UpdateNdBsNo(node.data(), cursor->ibs);
         }
         cursor.update();
@@ -359,8 +359,9 @@ int CLFResultDataTransfer::ImportBs_RDataToRTDB()
     CRunTimeLog frame("ImportBs_RDataToRTDB");
     if (m_mode == 2 || m_bOptimal) {
         // In place: by name after an optimal flow, else by number.
-        QSqlQuery q(*m_pDB);
-        if (!runSelect(q,
+        QSqlQuery select(*m_pDB);
+        CSqlRows q;
+        if (!runSelect(q, select,
                        FormatText(m_bOptimal ? SQL_BS_OPFR : SQL_BS_LFR, table("BS").constData(),
                                   m_caseNo),
                        MSG_Q_BUS)) {
@@ -369,19 +370,19 @@ int CLFResultDataTransfer::ImportBs_RDataToRTDB()
         while (q.next()) {
             dbCursor<bs> cursor(dbCursorForUpdate);
             dbQuery query;
-            QByteArray name = bytes(q.value(0));
+            QByteArray name = q.toLocal8Bit(0);
             int ibs = 0;
             if (m_bOptimal) {
                 query = "name=", name.constData();
             } else {
-                ibs = q.value(3).toInt();
+                ibs = q.toInt(3);
                 query = "id=", ibs;
             }
             if (cursor.select(query) < 1) {
                 continue;
             }
-            cursor->V = q.value(1).toDouble();
-            cursor->Angle = q.value(2).toDouble();
+            cursor->V = q.toDouble(1);
+            cursor->Angle = q.toDouble(2);
             cursor.update();
         }
         return CALC_OK;
@@ -393,16 +394,18 @@ int CLFResultDataTransfer::ImportBs_RDataToRTDB()
         cursor.removeAll();
         m_pRTDB->commit();
     }
-    QSqlQuery q(*m_pDB);
-    if (!runSelect(q, FormatText(SQL_BS_REBUILD, table("BS").constData(), m_caseNo), MSG_Q_BUS)) {
+    QSqlQuery select(*m_pDB);
+    CSqlRows q;
+    if (!runSelect(q, select, FormatText(SQL_BS_REBUILD, table("BS").constData(), m_caseNo),
+                   MSG_Q_BUS)) {
         return CALC_FAIL;
     }
     dbDatabase* db = bs::dbDescriptor.getDatabase();
     int last = -1;
     char placeholder[32];
     while (q.next()) {
-        const QByteArray name = bytes(q.value(0));
-        const int ibs = q.value(3).toInt();
+        const QByteArray name = q.toLocal8Bit(0);
+        const int ibs = q.toInt(3);
         for (int n = last + 1; n < ibs; ++n) {
             bs gap;
             gap.id = n;
@@ -414,13 +417,13 @@ int CLFResultDataTransfer::ImportBs_RDataToRTDB()
         }
         bs rec;
         rec.name = name.constData();
-        rec.V = q.value(1).toDouble();
-        rec.Angle = q.value(2).toDouble();
+        rec.V = q.toDouble(1);
+        rec.Angle = q.toDouble(2);
         rec.id = ibs;
-        rec.ikv = q.value(4).toInt();
-        rec.iisland = q.value(5).toInt();
-        rec.q = q.value(6).toInt();
-        rec.qq = q.value(7).toInt();
+        rec.ikv = q.toInt(4);
+        rec.iisland = q.toInt(5);
+        rec.q = q.toInt(6);
+        rec.qq = q.toInt(7);
         last = ibs;
         dbAnyReference ref;
         db->insertRecord(&bs::dbDescriptor, &ref, &rec);
@@ -440,13 +443,13 @@ int CLFResultDataTransfer::ImportDCLine_RDataToRTDB()
     return updateRecords<dln>(m_pDB,
                               FormatText(m_bOptimal ? SQL_DCLINE_OPFR : SQL_DCLINE_LFR,
                                          table("DCLINE").constData(), m_caseNo),
-                              MSG_Q_DCLINE, "", [&](dln& r, const QSqlQuery& q) {
-                                  std::snprintf(owner, sizeof owner, "%d", q.value(1).toInt());
+                              MSG_Q_DCLINE, "", [&](dln& r, const CSqlRows& q) {
+                                  std::snprintf(owner, sizeof owner, "%d", q.toInt(1));
                                   r.Owner = owner;
-                                  r.OP_Mode = q.value(2).toInt();
+                                  r.OP_Mode = q.toInt(2);
                                   char* base = reinterpret_cast<char*>(&r);
                                   for (int k = 0; k < 52; ++k) {
-                                      const double v = q.value(3 + k).toDouble();
+                                      const double v = q.toDouble(3 + k);
                                       std::memcpy(base + fields[first + k].offset, &v, sizeof v);
                                   }
                                   // The end sums as designed: Pi is written twice and ends with the
