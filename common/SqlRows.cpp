@@ -113,7 +113,7 @@ bool parseReal(const char* p, std::size_t n, double& out)
         auto r = std::from_chars(p, p + n, v);
         if (r.ec == std::errc() && r.ptr == p + n && std::isfinite(v)) {
             bool zeroDigits = true;
-            for (std::size_t i = 0; i < n && p[i] != 'e' && p[i] != 'E'; ++i) {
+            for (std::size_t i = 0; v == 0 && i < n && p[i] != 'e' && p[i] != 'E'; ++i) {
                 zeroDigits = zeroDigits && !(p[i] >= '1' && p[i] <= '9');
             }
             if (v != 0 || zeroDigits) {
@@ -266,24 +266,36 @@ double CSqlRows::toDouble(int column) const
     return value(column).toDouble();
 }
 
+// QVariant converts between int and unsigned int by the two's complement, as a cast does.
 int CSqlRows::toInt(int column) const
 {
-    if (m_result && column >= 0 && static_cast<std::size_t>(column) < m_kinds.size() &&
-        m_kinds[static_cast<std::size_t>(column)] == Signed) {
-        std::size_t n = 0;
-        const char* p = raw(column, n);
-        return p ? parseSigned(p, n) : 0;
+    if (m_result && column >= 0 && static_cast<std::size_t>(column) < m_kinds.size()) {
+        const Kind kind = m_kinds[static_cast<std::size_t>(column)];
+        if (kind == Signed || kind == Unsigned) {
+            std::size_t n = 0;
+            const char* p = raw(column, n);
+            if (!p) {
+                return 0;
+            }
+            return kind == Signed ? parseSigned(p, n) : static_cast<int>(parseUnsigned(p, n));
+        }
     }
     return value(column).toInt();
 }
 
 unsigned int CSqlRows::toUInt(int column) const
 {
-    if (m_result && column >= 0 && static_cast<std::size_t>(column) < m_kinds.size() &&
-        m_kinds[static_cast<std::size_t>(column)] == Unsigned) {
-        std::size_t n = 0;
-        const char* p = raw(column, n);
-        return p ? parseUnsigned(p, n) : 0u;
+    if (m_result && column >= 0 && static_cast<std::size_t>(column) < m_kinds.size()) {
+        const Kind kind = m_kinds[static_cast<std::size_t>(column)];
+        if (kind == Signed || kind == Unsigned) {
+            std::size_t n = 0;
+            const char* p = raw(column, n);
+            if (!p) {
+                return 0u;
+            }
+            return kind == Unsigned ? parseUnsigned(p, n)
+                                    : static_cast<unsigned int>(parseSigned(p, n));
+        }
     }
     return value(column).toUInt();
 }

@@ -7,6 +7,7 @@
 #include "SampleNetwork.h"
 #include "ServerBench.h"
 #include "ServerConnection.h"
+#include "common/SqlRows.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 #include "loadflow/realtime/LFCalDataToRTDB.h"
 #include "loadflow/realtime/LFRealtimeStatements.h"
@@ -80,10 +81,10 @@ PreparedNetwork* Prepare(benchmark::State& state)
     return p.get();
 }
 
-// The job's rows read with the import's statements, forward only, every selected value
-// taken out of Qt's result once, as cheaply as the driver gives it (numbers as numbers),
-// without touching the real-time database: the server and Qt alone.
-double ReadJobRowsWithQt(QSqlDatabase* db)
+// The job's rows read with the import's statements as the import reads them (CSqlRows):
+// each row's name as text, every other selected value as a number, without touching the
+// real-time database: the server, the driver and the reading of the values alone.
+double ReadJobRows(QSqlDatabase* db)
 {
     const QString l4 = QString(lfrt::SQL_L4_SELECT) + lfrt::SQL_L4_FROM;
     const std::pair<QString, const char*> selects[] = {
@@ -94,13 +95,13 @@ double ReadJobRowsWithQt(QSqlDatabase* db)
     double sum = 0;
     for (const auto& [sql, table] : selects) {
         QSqlQuery q(*db);
-        q.setForwardOnly(true);
-        q.setNumericalPrecisionPolicy(QSql::LowPrecisionDouble);
-        q.exec(QString(sql).replace("%s", table));
+        CSqlRows rows;
+        rows.exec(q, QString(sql).replace("%s", table));
         const int columns = q.record().count();
-        while (q.next()) {
-            for (int i = 0; i < columns; ++i) {
-                sum += q.value(i).isNull() ? 0 : 1;
+        while (rows.next()) {
+            sum += static_cast<double>(rows.toLocal8Bit(0).size());
+            for (int i = 1; i < columns; ++i) {
+                sum += rows.toDouble(i);
             }
         }
     }
@@ -111,8 +112,9 @@ double ReadJobRowsWithQt(QSqlDatabase* db)
 // import changes every record it meets. Per iteration: the elapsed time; the server's own
 // time in the statements (its slow log) and its CPU time; the client's CPU time (Qt, the
 // library and the real-time database, on this thread). The client's elapsed share is the
-// elapsed time less the server's statement time; a pass that only reads the rows through
-// Qt splits it into Qt's part and the rest (the real-time database and the library).
+// elapsed time less the server's statement time; a pass that only reads the rows splits it
+// into the reading (Qt's driver and CSqlRows) and the rest (the real-time database and the
+// library's own work).
 void BM_ImportJobRows(benchmark::State& state)
 {
     PreparedNetwork* p = Prepare(state);
@@ -122,7 +124,7 @@ void BM_ImportJobRows(benchmark::State& state)
     QSqlDatabase* db = p->scratch.db();
     fixtures::ServerStatementTime& server = *p->server;
     double wall = 0, clientCpu = 0, inServer = 0, serverCpu = 0;
-    double readWall = 0, readServer = 0;
+    double readWall = 0, readServer = 0, readCpu = 0;
     for (auto _ : state) {
         state.PauseTiming();
         CLFCalDataToRTDB(0, db).InValidateLFCalDataInRTDB(false);
@@ -142,7 +144,9 @@ void BM_ImportJobRows(benchmark::State& state)
         inServer += server.seconds();
         server.reset();
         timer.restart();
-        benchmark::DoNotOptimize(ReadJobRowsWithQt(db));
+        const double readCpu0 = benchstats::ThreadCpuSeconds();
+        benchmark::DoNotOptimize(ReadJobRows(db));
+        readCpu += benchstats::ThreadCpuSeconds() - readCpu0;
         readWall += timer.nsecsElapsed() / 1e9;
         readServer += server.seconds();
         state.ResumeTiming();
@@ -158,8 +162,9 @@ void BM_ImportJobRows(benchmark::State& state)
         state.counters["client_to_server"] = (wall - inServer) / inServer;
         state.counters["client_cpu_to_server_cpu"] = clientCpu / serverCpu;
         state.counters["server_%"] = 100.0 * inServer / wall;
-        state.counters["qt_%"] = 100.0 * (readWall - readServer) / wall;
+        state.counters["reading_%"] = 100.0 * (readWall - readServer) / wall;
         state.counters["rtdb_and_library_%"] = 100.0 * (wall - readWall) / wall;
+        state.counters["reading_cpu_%"] = 100.0 * readCpu / clientCpu;
     }
 }
 BENCHMARK(BM_ImportJobRows)
