@@ -366,10 +366,50 @@ struct dbDatabase::UndoEntry
     enum Kind : std::uint8_t { Insert, Update, Remove } kind;
     std::uint32_t table;
     std::uint32_t row;
-    std::size_t bytes; // Update: offset of the old row in m_undoBytes
+    std::size_t bytes; // Update: where the old row stands in m_undoBytes
 };
 
-dbDatabase::dbDatabase() : m_serial(g_serials++)
+// The old rows of a transaction, in chunks that never move: the store grows without
+// copying what it holds, and keeps its chunks for the next transaction up to a limit, so
+// that a large network's transactions do not allocate and touch fresh memory each time.
+struct dbDatabase::UndoBytes
+{
+    static constexpr std::size_t kChunk = std::size_t(1) << 20;
+    static constexpr std::size_t kKept = 64; // chunks kept after a transaction ends
+
+    // Copies `n` bytes (a row: at most a chunk) and tells where they stand.
+    std::size_t add(const char* p, std::size_t n)
+    {
+        std::size_t chunk = used / kChunk;
+        if (used % kChunk + n > kChunk) { // a row never spans two chunks
+            ++chunk;
+            used = chunk * kChunk;
+        }
+        if (chunk >= chunks.size()) {
+            chunks.emplace_back(new char[kChunk]);
+        }
+        std::memcpy(chunks[chunk].get() + used % kChunk, p, n);
+        const std::size_t at = used;
+        used += n;
+        return at;
+    }
+    const char* at(std::size_t offset) const
+    {
+        return chunks[offset / kChunk].get() + offset % kChunk;
+    }
+    void clear()
+    {
+        used = 0;
+        if (chunks.size() > kKept) {
+            chunks.resize(kKept);
+        }
+    }
+
+    std::vector<std::unique_ptr<char[]>> chunks;
+    std::size_t used = 0;
+};
+
+dbDatabase::dbDatabase() : m_serial(g_serials++), m_undoBytes(std::make_unique<UndoBytes>())
 {
     for (dbTableDescriptor* d : dbTableDescriptor::all()) {
         if (d && !d->m_db) {
@@ -411,15 +451,16 @@ bool dbDatabase::open(const char* name)
                 }
             }
         }
-        if (t->textFields.size() > kMaxTexts) {
-            handleError(dbDatabaseOpenError, "a record class has more text fields than supported");
+        if (t->textFields.size() > kMaxTexts || t->stride > UndoBytes::kChunk) {
+            handleError(dbDatabaseOpenError,
+                        "a record class has more text fields or bytes than supported");
             m_tables.clear();
             return false;
         }
         m_tables.push_back(std::move(t));
     }
     m_undo.clear();
-    m_undoBytes.clear();
+    m_undoBytes->clear();
     m_open = true;
     return true;
 }
@@ -438,7 +479,7 @@ void dbDatabase::close()
     m_open = false;
     m_tables.clear();
     m_undo.clear();
-    m_undoBytes.clear();
+    m_undoBytes->clear();
     releaseLock(mode);
 }
 
@@ -516,9 +557,8 @@ void dbDatabase::releaseLock(int& mode)
 void dbDatabase::finishCommit()
 {
     m_undo.clear();
-    m_undoBytes.clear();
-    if (m_undoBytes.capacity() > (1u << 24)) {
-        m_undoBytes.shrink_to_fit();
+    m_undoBytes->clear();
+    if (m_undo.capacity() > (std::size_t(1) << 22)) {
         m_undo.shrink_to_fit();
     }
     ++m_transaction;
@@ -564,7 +604,7 @@ void dbDatabase::rollback()
             }
             break;
         case UndoEntry::Update: {
-            const char* old = m_undoBytes.data() + e->bytes;
+            const char* old = m_undoBytes->at(e->bytes);
             bool changed[kMaxIndexes];
             for (std::size_t i = 0; i < t.indexes.size(); ++i) {
                 Table::Index& x = t.indexes[i];
@@ -589,7 +629,7 @@ void dbDatabase::rollback()
         }
     }
     m_undo.clear();
-    m_undoBytes.clear();
+    m_undoBytes->clear();
     ++m_transaction;
     releaseLock(threadMode());
 }
@@ -637,8 +677,7 @@ void dbDatabase::updateRow(Table& t, std::uint32_t r, const char* record)
         return;
     }
     if (t.stamp[r] != m_transaction) {
-        const std::size_t at = m_undoBytes.size();
-        m_undoBytes.insert(m_undoBytes.end(), dst, dst + t.stride);
+        const std::size_t at = m_undoBytes->add(dst, t.stride);
         m_undo.push_back(
             UndoEntry{UndoEntry::Update, static_cast<std::uint32_t>(t.desc->m_tableNo), r, at});
         t.stamp[r] = m_transaction;

@@ -102,6 +102,7 @@ private:
     friend class dbAnyCursor;
     struct Table;
     struct UndoEntry;
+    struct UndoBytes;
     enum LockMode { None = 0, Shared = 1, Exclusive = 2 };
 
     Table* table(const dbTableDescriptor& d) const;
@@ -126,7 +127,7 @@ private:
     std::string m_name;
     std::vector<std::unique_ptr<Table>> m_tables;
     std::vector<UndoEntry> m_undo;
-    std::vector<char> m_undoBytes;
+    std::unique_ptr<UndoBytes> m_undoBytes; // the rows as they were before their first update
     std::uint32_t m_transaction = 1;
     std::shared_mutex m_lock;
     std::atomic<int> m_holders{0}; // threads holding the lock, for close()
