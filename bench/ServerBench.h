@@ -6,12 +6,46 @@
 // two or more sizes (its first argument): the ratio of the medians of its repetitions,
 // for the elapsed time and for every counter in seconds (names ending in "_s", rates left out).
 
+#include <benchmark/benchmark.h>
 #include <functional>
+#include <memory>
 
 namespace serverbench {
 
 // Runs `release` after the last benchmark, while Qt's application object and the
 // server's connections are still there: for what a benchmark keeps across repetitions.
 void ReleaseAtEnd(std::function<void()> release);
+
+// What a benchmark keeps across its repetitions (a network made once per size, say): one T
+// at a time, released after the last benchmark.
+template <class T> std::unique_ptr<T>& Kept()
+{
+    static std::unique_ptr<T> kept;
+    static const bool registered = (ReleaseAtEnd([] { kept.reset(); }), true);
+    (void)registered;
+    return kept;
+}
+
+// A transfer's iterations summed, client against server, and their counters per iteration:
+// the server's statement time (its slow log) and CPU time, the client's CPU time (Qt, the
+// library and the real-time database on this thread), and the client's elapsed share,
+// the elapsed time less the server's statement time.
+struct ClientAndServer
+{
+    double wall = 0, clientCpu = 0, inServer = 0, serverCpu = 0;
+
+    void report(benchmark::State& state) const
+    {
+        const double n = static_cast<double>(state.iterations());
+        state.counters["server_s"] = inServer / n;
+        state.counters["client_s"] = (wall - inServer) / n;
+        state.counters["server_cpu_s"] = serverCpu / n;
+        state.counters["client_cpu_s"] = clientCpu / n;
+        if (inServer > 0 && serverCpu > 0) {
+            state.counters["client_to_server"] = (wall - inServer) / inServer;
+            state.counters["client_cpu_to_server_cpu"] = clientCpu / serverCpu;
+        }
+    }
+};
 
 } // namespace serverbench

@@ -266,38 +266,35 @@ double CSqlRows::toDouble(int column) const
     return value(column).toDouble();
 }
 
-// QVariant converts between int and unsigned int by the two's complement, as a cast does.
+// An INT column read as T (int or unsigned int). QVariant converts between the two by the
+// two's complement, as a cast does. False when the column is not an INT read directly.
+template <class T> bool CSqlRows::integer(int column, T& out) const
+{
+    if (!m_result || column < 0 || static_cast<std::size_t>(column) >= m_kinds.size()) {
+        return false;
+    }
+    const Kind kind = m_kinds[static_cast<std::size_t>(column)];
+    if (kind != Signed && kind != Unsigned) {
+        return false;
+    }
+    std::size_t n = 0;
+    const char* p = raw(column, n);
+    out = !p ? T(0)
+             : (kind == Signed ? static_cast<T>(parseSigned(p, n))
+                               : static_cast<T>(parseUnsigned(p, n)));
+    return true;
+}
+
 int CSqlRows::toInt(int column) const
 {
-    if (m_result && column >= 0 && static_cast<std::size_t>(column) < m_kinds.size()) {
-        const Kind kind = m_kinds[static_cast<std::size_t>(column)];
-        if (kind == Signed || kind == Unsigned) {
-            std::size_t n = 0;
-            const char* p = raw(column, n);
-            if (!p) {
-                return 0;
-            }
-            return kind == Signed ? parseSigned(p, n) : static_cast<int>(parseUnsigned(p, n));
-        }
-    }
-    return value(column).toInt();
+    int v = 0;
+    return integer(column, v) ? v : value(column).toInt();
 }
 
 unsigned int CSqlRows::toUInt(int column) const
 {
-    if (m_result && column >= 0 && static_cast<std::size_t>(column) < m_kinds.size()) {
-        const Kind kind = m_kinds[static_cast<std::size_t>(column)];
-        if (kind == Signed || kind == Unsigned) {
-            std::size_t n = 0;
-            const char* p = raw(column, n);
-            if (!p) {
-                return 0u;
-            }
-            return kind == Unsigned ? parseUnsigned(p, n)
-                                    : static_cast<unsigned int>(parseSigned(p, n));
-        }
-    }
-    return value(column).toUInt();
+    unsigned int v = 0;
+    return integer(column, v) ? v : value(column).toUInt();
 }
 
 QByteArray CSqlRows::toLocal8Bit(int column) const

@@ -47,6 +47,7 @@ private:
     enum Kind { Signed, Unsigned, Real, Bytes, Text };
     // The server's text of a value; null for NULL.
     const char* raw(int column, std::size_t& length) const;
+    template <class T> bool integer(int column, T& out) const;
 
     QSqlQuery* m_query = nullptr;
     void* m_result = nullptr; // the driver's MYSQL_RES

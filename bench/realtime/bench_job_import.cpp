@@ -45,18 +45,10 @@ struct PreparedNetwork
     std::unique_ptr<fixtures::ServerStatementTime> server;
 };
 
-std::unique_ptr<PreparedNetwork>& prepared()
-{
-    static std::unique_ptr<PreparedNetwork> p;
-    static const bool released = (serverbench::ReleaseAtEnd([] { p.reset(); }), true);
-    (void)released;
-    return p;
-}
-
 PreparedNetwork* Prepare(benchmark::State& state)
 {
     const int nodes = static_cast<int>(state.range(0));
-    auto& p = prepared();
+    auto& p = serverbench::Kept<PreparedNetwork>();
     if (!p || p->nodes != nodes) {
         p.reset();
         p = std::make_unique<PreparedNetwork>();
@@ -109,12 +101,9 @@ double ReadJobRows(QSqlDatabase* db)
 }
 
 // One import per iteration into records whose job marks were cleared first, so that every
-// import changes every record it meets. Per iteration: the elapsed time; the server's own
-// time in the statements (its slow log) and its CPU time; the client's CPU time (Qt, the
-// library and the real-time database, on this thread). The client's elapsed share is the
-// elapsed time less the server's statement time; a pass that only reads the rows splits it
-// into the reading (Qt's driver and CSqlRows) and the rest (the real-time database and the
-// library's own work).
+// import changes every record it meets; client against server as ClientAndServer tells. A
+// pass that only reads the rows splits the client's share into the reading (Qt's driver and
+// CSqlRows) and the rest (the real-time database and the library's own work).
 void BM_ImportJobRows(benchmark::State& state)
 {
     PreparedNetwork* p = Prepare(state);
@@ -123,7 +112,7 @@ void BM_ImportJobRows(benchmark::State& state)
     }
     QSqlDatabase* db = p->scratch.db();
     fixtures::ServerStatementTime& server = *p->server;
-    double wall = 0, clientCpu = 0, inServer = 0, serverCpu = 0;
+    serverbench::ClientAndServer sums;
     double readWall = 0, readServer = 0, readCpu = 0;
     for (auto _ : state) {
         state.PauseTiming();
@@ -137,11 +126,11 @@ void BM_ImportJobRows(benchmark::State& state)
         CLFCalDataToRTDB job(0, db);
         job.ImportLDataToRTDB();
         p->rtdb.commit();
-        clientCpu += benchstats::ThreadCpuSeconds() - cpu0;
-        wall += timer.nsecsElapsed() / 1e9;
+        sums.clientCpu += benchstats::ThreadCpuSeconds() - cpu0;
+        sums.wall += timer.nsecsElapsed() / 1e9;
         state.PauseTiming();
-        serverCpu += server.cpuSeconds();
-        inServer += server.seconds();
+        sums.serverCpu += server.cpuSeconds();
+        sums.inServer += server.seconds();
         server.reset();
         timer.restart();
         const double readCpu0 = benchstats::ThreadCpuSeconds();
@@ -154,17 +143,12 @@ void BM_ImportJobRows(benchmark::State& state)
     const double n = static_cast<double>(state.iterations());
     state.counters["job_rows"] = p->rows;
     state.counters["rows_per_s"] = benchmark::Counter(p->rows * n, benchmark::Counter::kIsRate);
-    state.counters["server_s"] = inServer / n;
-    state.counters["client_s"] = (wall - inServer) / n;
-    state.counters["server_cpu_s"] = serverCpu / n;
-    state.counters["client_cpu_s"] = clientCpu / n;
-    if (inServer > 0 && serverCpu > 0 && wall > 0) {
-        state.counters["client_to_server"] = (wall - inServer) / inServer;
-        state.counters["client_cpu_to_server_cpu"] = clientCpu / serverCpu;
-        state.counters["server_%"] = 100.0 * inServer / wall;
-        state.counters["reading_%"] = 100.0 * (readWall - readServer) / wall;
-        state.counters["rtdb_and_library_%"] = 100.0 * (wall - readWall) / wall;
-        state.counters["reading_cpu_%"] = 100.0 * readCpu / clientCpu;
+    sums.report(state);
+    if (sums.wall > 0 && sums.clientCpu > 0) {
+        state.counters["server_%"] = 100.0 * sums.inServer / sums.wall;
+        state.counters["reading_%"] = 100.0 * (readWall - readServer) / sums.wall;
+        state.counters["rtdb_and_library_%"] = 100.0 * (sums.wall - readWall) / sums.wall;
+        state.counters["reading_cpu_%"] = 100.0 * readCpu / sums.clientCpu;
     }
 }
 BENCHMARK(BM_ImportJobRows)

@@ -123,38 +123,26 @@ BENCHMARK(BM_WriteResults)
     ->Iterations(2)
     ->UseRealTime();
 
+// Changes every record of class T by `change` and writes it back.
+template <class T, class Change> void ChangeAll(Change change)
+{
+    dbCursor<T> c(dbCursorForUpdate);
+    if (c.select() > 0) {
+        do {
+            change(*c);
+            c.update();
+        } while (c.next());
+    }
+}
+
 // Moves every element's stored values, so that two cases stored before and after it differ
 // in every record.
 void Shift(dbDatabase& db)
 {
-    dbCursor<ln> lines(dbCursorForUpdate);
-    if (lines.select() > 0) {
-        do {
-            lines->Pi += 1.0f;
-            lines.update();
-        } while (lines.next());
-    }
-    dbCursor<un> gens(dbCursorForUpdate);
-    if (gens.select() > 0) {
-        do {
-            gens->Pg += 1.0f;
-            gens.update();
-        } while (gens.next());
-    }
-    dbCursor<ld> loads(dbCursorForUpdate);
-    if (loads.select() > 0) {
-        do {
-            loads->Pl += 1.0f;
-            loads.update();
-        } while (loads.next());
-    }
-    dbCursor<bus> buses(dbCursorForUpdate);
-    if (buses.select() > 0) {
-        do {
-            buses->V += 0.01;
-            buses.update();
-        } while (buses.next());
-    }
+    ChangeAll<ln>([](ln& r) { r.Pi += 1.0f; });
+    ChangeAll<un>([](un& r) { r.Pg += 1.0f; });
+    ChangeAll<ld>([](ld& r) { r.Pl += 1.0f; });
+    ChangeAll<bus>([](bus& r) { r.V += 0.01; });
     db.commit();
 }
 
@@ -170,18 +158,10 @@ struct StoredCases
     std::unique_ptr<fixtures::ServerStatementTime> server;
 };
 
-std::unique_ptr<StoredCases>& storedCases()
-{
-    static std::unique_ptr<StoredCases> s;
-    static const bool released = (serverbench::ReleaseAtEnd([] { s.reset(); }), true);
-    (void)released;
-    return s;
-}
-
 StoredCases* PrepareCases(benchmark::State& state)
 {
     const int nodes = static_cast<int>(state.range(0));
-    auto& s = storedCases();
+    auto& s = serverbench::Kept<StoredCases>();
     if (!s || s->nodes != nodes) {
         s.reset();
         s = std::make_unique<StoredCases>();
@@ -204,10 +184,7 @@ StoredCases* PrepareCases(benchmark::State& state)
 }
 
 // The stored cases 1 and 2 read back in turn, so that each read changes every record it
-// meets. Per iteration: the elapsed time; the server's own time in the statements (its
-// slow log) and its CPU time; the client's CPU time (Qt, the library and the real-time
-// database, on this thread). The client's elapsed share is the elapsed time less the
-// server's statement time.
+// meets; client against server as ClientAndServer tells.
 void BM_ReadResultsBack(benchmark::State& state)
 {
     StoredCases* s = PrepareCases(state);
@@ -215,7 +192,7 @@ void BM_ReadResultsBack(benchmark::State& state)
         return;
     }
     fixtures::ServerStatementTime& server = *s->server;
-    double wall = 0, clientCpu = 0, inServer = 0, serverCpu = 0;
+    serverbench::ClientAndServer sums;
     int caseNo = 1;
     for (auto _ : state) {
         state.PauseTiming();
@@ -227,24 +204,17 @@ void BM_ReadResultsBack(benchmark::State& state)
         CLFResultDataTransfer in(caseNo, s->scratch.db(), &s->rtdb, false, 0);
         in.ImportLFResultDataToRTDB();
         s->rtdb.commit();
-        clientCpu += benchstats::ThreadCpuSeconds() - cpu0;
-        wall += timer.nsecsElapsed() / 1e9;
+        sums.clientCpu += benchstats::ThreadCpuSeconds() - cpu0;
+        sums.wall += timer.nsecsElapsed() / 1e9;
         state.PauseTiming();
-        serverCpu += server.cpuSeconds();
-        inServer += server.seconds();
+        sums.serverCpu += server.cpuSeconds();
+        sums.inServer += server.seconds();
         caseNo = 3 - caseNo;
         state.ResumeTiming();
     }
     const double n = static_cast<double>(state.iterations());
     state.counters["records_per_s"] = benchmark::Counter(s->rows * n, benchmark::Counter::kIsRate);
-    state.counters["server_s"] = inServer / n;
-    state.counters["client_s"] = (wall - inServer) / n;
-    state.counters["server_cpu_s"] = serverCpu / n;
-    state.counters["client_cpu_s"] = clientCpu / n;
-    if (inServer > 0 && serverCpu > 0) {
-        state.counters["client_to_server"] = (wall - inServer) / inServer;
-        state.counters["client_cpu_to_server_cpu"] = clientCpu / serverCpu;
-    }
+    sums.report(state);
 }
 BENCHMARK(BM_ReadResultsBack)
     ->Arg(10000)
