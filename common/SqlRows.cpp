@@ -198,6 +198,10 @@ bool CSqlRows::next()
 
 const char* CSqlRows::raw(int column, std::size_t& length) const
 {
+    if (!m_row) { // not on a row: nothing, as Qt gives nothing there
+        length = 0;
+        return nullptr;
+    }
     length = m_lengths[column];
     return m_row[column];
 }
