@@ -64,7 +64,7 @@ int main(int argc, char** argv)
     std::printf("network %s: %zu buses, %zu branches, %zu generators\n", qPrintable(net.name),
                 net.buses.size(), net.branches.size(), net.gens.size());
 
-    fixtures::ScratchDatabase scratch(QStringLiteral("demo"));
+    dbserver::ScratchDatabase scratch(QStringLiteral("demo"));
     if (!scratch.ok()) {
         return fail("open a database on the private server", scratch.error());
     }

@@ -105,7 +105,7 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
     QString error;
-    if (!fixtures::TurnGeneralLogOff(&error)) {
+    if (!dbserver::TurnGeneralLogOff(&error)) {
         std::fprintf(stderr, "the server's general log stays as it is: %s\n", qPrintable(error));
     }
     GrowthReporter reporter;

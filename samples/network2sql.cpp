@@ -30,7 +30,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "network2sql: %s\n", qPrintable(error));
         return 1;
     }
-    fixtures::ScratchDatabase scratch(QStringLiteral("network2sql"));
+    dbserver::ScratchDatabase scratch(QStringLiteral("network2sql"));
     if (!scratch.ok()) {
         std::fprintf(stderr, "network2sql: no database (%s); is scripts/db.sh started?\n",
                      qPrintable(scratch.error()));

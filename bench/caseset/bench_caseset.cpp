@@ -217,7 +217,7 @@ struct Run
 
 // The driver on a fresh transfer object, `kRuns` times; the median wall time and the
 // server's time of that run.
-Run Median(fixtures::ScratchDatabase& scratch, fixtures::ServerStatementTime& server,
+Run Median(dbserver::ScratchDatabase& scratch, dbserver::ServerStatementTime& server,
            dbDatabase& rtdb, int& result)
 {
     std::vector<Run> runs;
@@ -238,7 +238,7 @@ Run Median(fixtures::ScratchDatabase& scratch, fixtures::ServerStatementTime& se
 
 void BM_ImportSTCase(benchmark::State& state)
 {
-    fixtures::ScratchDatabase scratch(QStringLiteral("benchcase"));
+    dbserver::ScratchDatabase scratch(QStringLiteral("benchcase"));
     dbDatabase rtdb;
     rtdb.open("bench");
     demo::Study study(scratch.db(), &rtdb);
@@ -248,7 +248,7 @@ void BM_ImportSTCase(benchmark::State& state)
         state.SkipWithError("the network or the case could not be prepared");
         return;
     }
-    fixtures::ServerStatementTime server(scratch);
+    dbserver::ServerStatementTime server(scratch);
     QSqlDatabase* db = scratch.db();
     auto flags = [&](int fault, int dist, int variable, int ana) {
         Exec(db, QString("UPDATE ST_CASE SET Ctrl_Fault=%1,CTRL_DIST=%2 WHERE Case_No=%3")

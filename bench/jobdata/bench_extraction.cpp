@@ -14,7 +14,7 @@ namespace {
 
 void BM_ExtractSynthetic(benchmark::State& state)
 {
-    fixtures::ScratchDatabase scratch(QStringLiteral("bench"));
+    dbserver::ScratchDatabase scratch(QStringLiteral("bench"));
     if (!scratch.ok()) {
         state.SkipWithError(qPrintable(scratch.error()));
         return;
@@ -26,7 +26,7 @@ void BM_ExtractSynthetic(benchmark::State& state)
         return;
     }
     char scheme[] = "SCH";
-    fixtures::ServerStatementTime server(scratch);
+    dbserver::ServerStatementTime server(scratch);
     double wall = 0, inServer = 0;
     for (auto _ : state) {
         state.PauseTiming();
@@ -95,7 +95,7 @@ bool AddMissingFamilies(QSqlQuery& q)
 // base rows gone), every family run to its end, the group's row and the orphans' nodes.
 void BM_SaveBack(benchmark::State& state)
 {
-    fixtures::ScratchDatabase scratch(QStringLiteral("bench"));
+    dbserver::ScratchDatabase scratch(QStringLiteral("bench"));
     QString error;
     const samples::Network net = samples::MakeSyntheticNetwork(static_cast<int>(state.range(0)));
     char scheme[] = "SCH";
@@ -128,7 +128,7 @@ void BM_SaveBack(benchmark::State& state)
                             "CDB_TRANS_2WBAK", "CDB_SHIFTBAK",   "CDB_TRANS_3WBAK",
                             "CDB_DCLINEBAK",  "CDB_GENERATBAK", "CDB_LOADBAK",
                             "CDB_BREAKERBAK", "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK"};
-    fixtures::ServerStatementTime server(scratch);
+    dbserver::ServerStatementTime server(scratch);
     double wall = 0, inServer = 0;
     std::vector<int> counts;
     int orphans = 0, result = -1;

@@ -235,7 +235,7 @@ constexpr int kRepeats = 7;
 void BM_LabelRefresh(benchmark::State& state)
 {
     const int nodes = static_cast<int>(state.range(0));
-    fixtures::ScratchDatabase scratch(QStringLiteral("benchlabels"));
+    dbserver::ScratchDatabase scratch(QStringLiteral("benchlabels"));
     dbDatabase rtdb;
     rtdb.open("labels");
     demo::Study study(scratch.db(), &rtdb);

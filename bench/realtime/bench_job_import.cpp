@@ -38,11 +38,11 @@ int JobRows(QSqlDatabase* db)
 struct PreparedNetwork
 {
     int nodes = 0;
-    fixtures::ScratchDatabase scratch{QStringLiteral("benchrt")};
+    dbserver::ScratchDatabase scratch{QStringLiteral("benchrt")};
     dbDatabase rtdb;
     bool ok = false;
     int rows = 0;
-    std::unique_ptr<fixtures::ServerStatementTime> server;
+    std::unique_ptr<dbserver::ServerStatementTime> server;
 };
 
 PreparedNetwork* Prepare(benchmark::State& state)
@@ -64,7 +64,7 @@ PreparedNetwork* Prepare(benchmark::State& state)
             CLFCalDataTransfer(0, scheme, p->scratch.db(), nullptr).ImportLDataFromBaseDB() == 0 &&
             demo::BuildNetworkRecords(p->scratch.db(), 0, &p->rtdb, counts, error);
         p->rows = p->ok ? JobRows(p->scratch.db()) : 0;
-        p->server = std::make_unique<fixtures::ServerStatementTime>(p->scratch);
+        p->server = std::make_unique<dbserver::ServerStatementTime>(p->scratch);
     }
     if (!p->ok) {
         state.SkipWithError("the network could not be prepared");
@@ -111,7 +111,7 @@ void BM_ImportJobRows(benchmark::State& state)
         return;
     }
     QSqlDatabase* db = p->scratch.db();
-    fixtures::ServerStatementTime& server = *p->server;
+    dbserver::ServerStatementTime& server = *p->server;
     serverbench::ClientAndServer sums;
     double readWall = 0, readServer = 0, readCpu = 0;
     for (auto _ : state) {

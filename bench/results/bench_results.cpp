@@ -98,7 +98,7 @@ int RowCount(QSqlDatabase* db)
 
 void BM_WriteResults(benchmark::State& state)
 {
-    fixtures::ScratchDatabase scratch(QStringLiteral("benchres"));
+    dbserver::ScratchDatabase scratch(QStringLiteral("benchres"));
     dbDatabase rtdb;
     rtdb.open("bench");
     Net net;
@@ -151,11 +151,11 @@ void Shift(dbDatabase& db)
 struct StoredCases
 {
     int nodes = 0;
-    fixtures::ScratchDatabase scratch{QStringLiteral("benchres")};
+    dbserver::ScratchDatabase scratch{QStringLiteral("benchres")};
     dbDatabase rtdb;
     Net net;
     int rows = 0; // rows of one case
-    std::unique_ptr<fixtures::ServerStatementTime> server;
+    std::unique_ptr<dbserver::ServerStatementTime> server;
 };
 
 StoredCases* PrepareCases(benchmark::State& state)
@@ -174,7 +174,7 @@ StoredCases* PrepareCases(benchmark::State& state)
         Shift(s->rtdb);
         CLFResultDataTransfer(2, s->scratch.db(), &s->rtdb, false, 0).ImportRTDBDataToLFResultDB();
         s->rtdb.commit();
-        s->server = std::make_unique<fixtures::ServerStatementTime>(s->scratch);
+        s->server = std::make_unique<dbserver::ServerStatementTime>(s->scratch);
     }
     if (!s->scratch.ok() || s->rows == 0) {
         state.SkipWithError("the stored cases could not be prepared");
@@ -191,7 +191,7 @@ void BM_ReadResultsBack(benchmark::State& state)
     if (!s) {
         return;
     }
-    fixtures::ServerStatementTime& server = *s->server;
+    dbserver::ServerStatementTime& server = *s->server;
     serverbench::ClientAndServer sums;
     int caseNo = 1;
     for (auto _ : state) {
@@ -227,7 +227,7 @@ BENCHMARK(BM_ReadResultsBack)
 // The best this connection does: line rows of the same width, preformatted, batch 100 or 1,000.
 void BM_PlainMultiInsert(benchmark::State& state)
 {
-    fixtures::ScratchDatabase scratch(QStringLiteral("benchres"));
+    dbserver::ScratchDatabase scratch(QStringLiteral("benchres"));
     const int n = 150000;
     std::vector<QByteArray> rows;
     for (int i = 0; i < n; ++i) {

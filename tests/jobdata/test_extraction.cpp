@@ -162,7 +162,7 @@ TEST_F(Extraction, TheSampleSqlFilesAreCurrentAndExtractToThePublishedPerUnitDat
         const QByteArray saved = file.readAll();
 
         // The file holds what the writer makes of the JSON today.
-        fixtures::ScratchDatabase fresh(QStringLiteral("samplesql"));
+        dbserver::ScratchDatabase fresh(QStringLiteral("samplesql"));
         ASSERT_TRUE(fresh.ok()) << fresh.error().toStdString();
         QString error;
         QByteArray again;

@@ -313,7 +313,7 @@ TEST_F(SaveBackKilled, AConnectionKilledInTheMiddleOfAFamilyLeavesTheFamiliesBef
     const QString database = scratch().name();
     std::thread killer([&] {
         {
-            QSqlDatabase other = fixtures::OpenConnection("killer", database);
+            QSqlDatabase other = dbserver::OpenConnection("killer", database);
             QSqlQuery q(other);
             q.exec("START TRANSACTION");
             q.exec("SELECT * FROM CDB_PCAPREABAK LOCK IN SHARE MODE");

@@ -5,7 +5,7 @@
 
 namespace testsupport {
 
-std::unique_ptr<fixtures::ScratchDatabase> DbTest::s_db;
+std::unique_ptr<dbserver::ScratchDatabase> DbTest::s_db;
 std::string DbTest::s_failure;
 long long DbTest::s_logMark = 0;
 QSqlDatabase DbTest::s_checker;
@@ -18,7 +18,7 @@ void DbTest::SetUpTestSuite()
 {
     const char* suite = ::testing::UnitTest::GetInstance()->current_test_suite()->name();
     QString prefix = QStringLiteral("t_") + QString::fromLatin1(suite).toLower().left(24);
-    s_db = std::make_unique<fixtures::ScratchDatabase>(prefix);
+    s_db = std::make_unique<dbserver::ScratchDatabase>(prefix);
     s_failure = s_db->ok() ? std::string() : s_db->error().toStdString();
     if (s_failure.empty()) {
         s_checker = s_db->openSecondConnection(QStringLiteral("checker"));
@@ -60,7 +60,7 @@ QSqlDatabase* DbTest::db()
     return s_db->db();
 }
 
-fixtures::ScratchDatabase& DbTest::scratch()
+dbserver::ScratchDatabase& DbTest::scratch()
 {
     return *s_db;
 }

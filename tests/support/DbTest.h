@@ -32,7 +32,7 @@ protected:
     // holds what the library sent and nothing else.
     static QSqlDatabase* db();
     static QSqlDatabase checker();
-    static fixtures::ScratchDatabase& scratch();
+    static dbserver::ScratchDatabase& scratch();
 
     // Runs a statement; a failure fails the test with the server's text.
     static void Exec(const QString& sql);
@@ -58,7 +58,7 @@ protected:
     static BoxRecorder& boxes() { return BoxRecorder::instance(); }
 
 private:
-    static std::unique_ptr<fixtures::ScratchDatabase> s_db;
+    static std::unique_ptr<dbserver::ScratchDatabase> s_db;
     static std::string s_failure;
     static long long s_logMark;
     static QSqlDatabase s_checker;
