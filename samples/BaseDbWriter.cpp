@@ -6,6 +6,8 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
+#include <algorithm>
+#include <cmath>
 #include <complex>
 #include <map>
 
@@ -41,8 +43,16 @@ private:
 } // namespace
 
 bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& group,
-                          const QString& scheme, QString& error)
+                          const QString& scheme, QString& error,
+                          const std::function<void(int done, int total)>& progress)
 {
+    const int elements = int(net.buses.size() + net.gens.size() + net.branches.size());
+    int done = 0;
+    auto tell = [&]() {
+        if (progress && ++done % 1000 == 0) {
+            progress(done, elements);
+        }
+    };
     QSqlQuery q(*db);
     auto exec = [&](const QString& sql) {
         if (!q.exec(sql)) {
@@ -78,6 +88,7 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
                "Pmax,Pmin");
     Rows shunts(db, "CDB_PCAPREABAK", "GrpName,ID_Name,Valid,Node_Name,ID_No,Unit,R1,X1");
     for (const Bus& b : net.buses) {
+        tell();
         const QByteArray kv = num(b.baseKV);
         const bool named = b.baseKV > 0;
         zones[b.zone] = b.area;
@@ -111,6 +122,7 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
     Rows isolators(db, "CDB_ISOSWITCHBAK", "GrpName,ID_Name,Valid,Lbreak,I_Name,J_Name,ID_No");
     int g = 0;
     for (const Gen& gen : net.gens) {
+        tell();
         const Bus* b = busOf.count(gen.bus) ? busOf[gen.bus] : nullptr;
         const bool named = b && b->baseKV > 0;
         const double f = named ? 1.0 : 1.0 / sb;
@@ -130,26 +142,33 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
     }
     Rows lines(db, "CDB_ACLINEBAK",
                "GrpName,ID_Name,Valid,I_Name,J_Name,ID_No,I_Break,J_Break,Unit,R1,X1,B1_Half,"
-               "Owner");
+               "Owner,Rate_Ka");
     Rows t2w(db, "CDB_TRANS_2WBAK",
-             "GrpName,ID_Name,Valid,I_Name,J_Name,ID_No,Unit,R1,X1,Gm,Bm,Tk");
+             "GrpName,ID_Name,Valid,I_Name,J_Name,ID_No,Unit,R1,X1,Gm,Bm,Tk,Rate_MVA");
     Rows shift(db, "CDB_SHIFTBAK",
-               "GrpName,ID_Name,Valid,I_Name,J_Name,ID_No,Unit,R1,X1,Gm,Bm,Tk,Ang_Shift");
+               "GrpName,ID_Name,Valid,I_Name,J_Name,ID_No,Unit,R1,X1,Gm,Bm,Tk,Ang_Shift,Rate_MVA");
+    std::map<std::pair<int, int>, int> circuits; // parallel branches between two buses
     int k = 0;
     for (const Branch& br : net.branches) {
+        tell();
         ++k;
         const double z = zb(br.from);
         const bool named = z > 0;
         const double f = named ? z : 1.0;
+        const QByteArray circuit = QByteArray::number(
+            ++circuits[{std::min(br.from, br.to), std::max(br.from, br.to)}]);
         if (!br.transformer) {
             // Even lines in named units where there is a base voltage, odd ones per unit.
             const bool inOhms = named && k % 2 == 0;
             const double g = inOhms ? z : 1.0;
+            // A rating in kA needs the base voltage; without one the line stays unrated.
+            const double kV = named ? busOf[br.from]->baseKV : 0.0;
+            const double rateKA = named ? br.rateMVA / (std::sqrt(3.0) * kV) : 0.0;
             auto line = [&](const QByteArray& group, double rFactor) {
                 lines.add({group, text(QString("L%1").arg(k)), QByteArray::number(br.status),
-                           node(br.from), node(br.to), "1", "1", "1", inOhms ? "0" : "1",
+                           node(br.from), node(br.to), circuit, "1", "1", inOhms ? "0" : "1",
                            num(br.r * g * rFactor), num(br.x * g),
-                           num(inOhms ? br.b / 2 / z * 1e6 : br.b / 2), "1"});
+                           num(inOhms ? br.b / 2 / z * 1e6 : br.b / 2), "1", num(rateKA)});
             };
             line(grp, 1.0);
             if (k % 10 == 0) {
@@ -158,15 +177,23 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
             if (k % 5 == 0) {
                 line(altGrp, 3.0); // a group outside the scheme
             }
-        } else if (br.angleDeg == 0) {
+            continue;
+        }
+        // A transformer's charging: the transformer tables keep one shunt admittance, Gm and
+        // Bm on the base of the I end (microsiemens in named units), which the engine splits
+        // half to each end; so the whole charging goes there, as a negative Bm (a positive
+        // Bm draws reactive power, as a magnetising branch does). The three-winding table
+        // has this place on its first winding only; the JSON form has no such transformers.
+        const double bm = br.b == 0 ? 0.0 : named ? -br.b / z * 1e6 : -br.b;
+        const QByteArray ratio = num(br.ratio == 0 ? 1.0 : br.ratio);
+        if (br.angleDeg == 0) {
             t2w.add({grp, text(QString("T%1").arg(k)), QByteArray::number(br.status), node(br.from),
-                     node(br.to), "1", named ? "0" : "1", num(br.r * f), num(br.x * f), "0", "0",
-                     num(br.ratio == 0 ? 1.0 : br.ratio)});
+                     node(br.to), circuit, named ? "0" : "1", num(br.r * f), num(br.x * f), "0",
+                     num(bm), ratio, num(br.rateMVA)});
         } else {
             shift.add({grp, text(QString("P%1").arg(k)), QByteArray::number(br.status),
-                       node(br.from), node(br.to), "1", named ? "0" : "1", num(br.r * f),
-                       num(br.x * f), "0", "0", num(br.ratio == 0 ? 1.0 : br.ratio),
-                       num(br.angleDeg)});
+                       node(br.from), node(br.to), circuit, named ? "0" : "1", num(br.r * f),
+                       num(br.x * f), "0", num(bm), ratio, num(br.angleDeg), num(br.rateMVA)});
         }
     }
     for (Rows* r : {&buses, &nodes, &stations, &zoneRows, &loads, &shunts, &gens, &breakers,

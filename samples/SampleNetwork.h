@@ -7,10 +7,14 @@
 // phase shifter "P<k>", generator "G<k>", load "D<k>", shunt "C<k>", k the bus or
 // branch number. A generator's Mode_Ctrl gives its bus type: 2 slack, 1 PV, 0 PQ. A
 // shunt is stored by its impedance: G + jB = 1 / (R1 + jX1). A transformer's Tk is the
-// off-nominal ratio at its I end. A line's B1_Half is half the total charging.
+// off-nominal ratio at its I end, its charging is its Bm (negated: Gm - jBm is the shunt
+// admittance, half at each end). A line's B1_Half is half the total charging. Parallel
+// branches between two buses are circuits 1, 2, ... (ID_No). A rating (rateA) becomes a
+// transformer's Rate_MVA, and a line's Rate_Ka where its bus has a base voltage.
 
 #include <QByteArray>
 #include <QString>
+#include <functional>
 #include <vector>
 
 class QSqlDatabase;
@@ -40,6 +44,7 @@ struct Branch
     int from = 0, to = 0;
     double r = 0, x = 0, b = 0; // per unit, b the total charging
     double ratio = 0, angleDeg = 0;
+    double rateMVA = 0; // 0: unrated
     int status = 1;
     bool transformer = false;
 };
@@ -74,9 +79,11 @@ Network MakeSyntheticNetwork(int nodes, unsigned seed = 1);
 //    a closed breaker "K<k>" and a closed isolating switch "Q<k>" in parallel;
 //  - rows are stored per unit (Unit 1) when a bus has no base voltage, else in named units
 //    (Unit 0) for even-numbered lines and per unit for odd ones.
-// False with `error` set when a statement fails.
+// False with `error` set when a statement fails. `progress`, when given, hears how many of
+// the network's elements (buses, generators, branches) have been written so far.
 bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& group,
-                          const QString& scheme, QString& error);
+                          const QString& scheme, QString& error,
+                          const std::function<void(int done, int total)>& progress = {});
 
 // Appends to `sql` the rows of every working copy that the writer above fills, as SQL
 // that first empties each of those tables and then inserts its rows, so that loading the

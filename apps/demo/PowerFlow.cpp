@@ -12,6 +12,7 @@ namespace {
 
 using cd = std::complex<double>;
 constexpr double kDeg = 3.14159265358979323846 / 180.0;
+constexpr double kMaxStep = 0.3; // radians or per unit
 
 // The four admittances of a branch's two-port: I_from = yff·V_from + yft·V_to, and so on.
 struct TwoPort
@@ -22,7 +23,7 @@ struct TwoPort
 TwoPort twoPort(const PfBranch& b)
 {
     const cd ys = 1.0 / cd(b.r, b.x);
-    const cd ych(0, b.bTotal / 2);
+    const cd ych(b.gTotal / 2, b.bTotal / 2);
     const double tap = b.tap == 0 ? 1.0 : b.tap;
     const cd t = std::polar(tap, b.shiftDeg * kDeg);
     return {(ys + ych) / (tap * tap), -ys / std::conj(t), -ys / t, ys + ych};
@@ -39,7 +40,7 @@ struct Dsu
 } // namespace
 
 PfResult SolvePowerFlow(const std::vector<PfBus>& buses, const std::vector<PfBranch>& branches,
-                        double tolerance, int maxIterations)
+                        double tolerance, int maxIterations, const PfIterationHook& onIteration)
 {
     const int n = int(buses.size());
     PfResult res;
@@ -148,6 +149,7 @@ PfResult SolvePowerFlow(const std::vector<PfBus>& buses, const std::vector<PfBra
 
     computeInjections();
     res.maxMismatch = computeMismatch();
+    Eigen::SparseLU<Eigen::SparseMatrix<double>> lu;
     while (res.maxMismatch > tolerance && res.iterations < maxIterations && nx > 0) {
         std::vector<Eigen::Triplet<double>> jt;
         jt.reserve(size_t(Y.nonZeros()) * 4);
@@ -186,12 +188,21 @@ PfResult SolvePowerFlow(const std::vector<PfBus>& buses, const std::vector<PfBra
         }
         Eigen::SparseMatrix<double> J(nx, nx);
         J.setFromTriplets(jt.begin(), jt.end());
-        Eigen::SparseLU<Eigen::SparseMatrix<double>> lu;
-        lu.compute(J);
+        if (res.iterations == 0) {
+            lu.analyzePattern(J); // the pattern stays: each iteration only refactorizes
+        }
+        lu.factorize(J);
         if (lu.info() != Eigen::Success) {
             break; // singular Jacobian: report as not converged
         }
-        const Eigen::VectorXd dx = lu.solve(mismatch);
+        Eigen::VectorXd dx = lu.solve(mismatch);
+        // From a flat start the first steps of a large network overshoot (the angle of the
+        // whole network against the slack is poorly held); a step moving an angle or a
+        // magnitude by more than kMaxStep is shortened to it. The answer is the same.
+        const double largest = dx.cwiseAbs().maxCoeff();
+        if (largest > kMaxStep) {
+            dx *= kMaxStep / largest;
+        }
         for (int i = 0; i < n; ++i) {
             if (angleIdx[i] >= 0)
                 va[i] += dx[angleIdx[i]];
@@ -201,6 +212,9 @@ PfResult SolvePowerFlow(const std::vector<PfBus>& buses, const std::vector<PfBra
         ++res.iterations;
         computeInjections();
         res.maxMismatch = computeMismatch();
+        if (onIteration) {
+            onIteration(res.iterations, res.maxMismatch);
+        }
     }
     res.converged = res.maxMismatch <= tolerance;
 

@@ -4,11 +4,13 @@
 // lies outside the library: the demo fills its input from the real-time records and
 // writes its answer back into them.
 //
-// All values are per unit on the system base; angles in degrees. A transformer's tap
-// ratio and phase shift sit at the I (from) end: the branch is an ideal transformer
-// of ratio tap·e^{j·shift} : 1 followed by the series impedance, with half the line
-// charging at each end. Reactive limits of PV buses are not enforced.
+// All values are per unit on the system base; angles in degrees. Every branch is an
+// ideal transformer of ratio tap·e^{j·shift} : 1 at its I (from) end (1 : 1 for a line)
+// followed by a pi-section: the series impedance with half the shunt admittance (a line's
+// charging, a transformer's magnetising branch) at each end. Reactive limits of PV buses
+// are not enforced.
 
+#include <functional>
 #include <vector>
 
 namespace demo {
@@ -29,7 +31,8 @@ struct PfBranch
 {
     int from = 0, to = 0;
     double r = 0, x = 0;
-    double bTotal = 0;   // total line charging; half at each end
+    double bTotal = 0;   // total shunt susceptance (charging positive); half at each end
+    double gTotal = 0;   // total shunt conductance; half at each end
     double tap = 1.0;    // off-nominal ratio at the from end; 0 is read as 1
     double shiftDeg = 0; // phase shift at the from end
     bool inService = true;
@@ -52,10 +55,14 @@ struct PfResult
     std::vector<PfFlow> flows;       // per branch; zero when out of service
 };
 
+// Tells the iterations as they end: their number and the largest mismatch left.
+using PfIterationHook = std::function<void(int iteration, double maxMismatch)>;
+
 // Solves the network. Islands without a slack bus are left dead (V = 0); a bus of
 // an island with more than one slack keeps its own set point. Stops when the largest
 // power mismatch is below `tolerance` or after `maxIterations`.
 PfResult SolvePowerFlow(const std::vector<PfBus>& buses, const std::vector<PfBranch>& branches,
-                        double tolerance = 1e-9, int maxIterations = 30);
+                        double tolerance = 1e-9, int maxIterations = 30,
+                        const PfIterationHook& onIteration = {});
 
 } // namespace demo

@@ -12,7 +12,7 @@ using namespace dtsdb;
 
 namespace demo {
 
-SolveSummary SolveOnRecords(dbDatabase* rtdb)
+SolveSummary SolveOnRecords(dbDatabase* rtdb, const PfIterationHook& onIteration)
 {
     SolveSummary out;
     std::map<int, int> busIndex; // bs id -> solver bus
@@ -112,6 +112,13 @@ SolveSummary SolveOnRecords(dbDatabase* rtdb)
                 br.x = c->X1;
                 br.tap = c->Tk;
                 br.shiftDeg = c->Ang_Shift;
+                // The magnetising branch as the import leaves it, Rm + jXm from Gm and Bm:
+                // its admittance 1 / (Rm + jXm) is Gm - jBm, split half to each end.
+                const double dm = double(c->Rm) * c->Rm + double(c->Xm) * c->Xm;
+                if (dm > 0) {
+                    br.gTotal = c->Rm / dm;
+                    br.bTotal = -c->Xm / dm;
+                }
                 br.inService =
                     !(c->q & XF_OUTSERVICE) && br.from >= 0 && br.to >= 0 && br.from != br.to;
                 if (!br.inService) {
@@ -122,7 +129,7 @@ SolveSummary SolveOnRecords(dbDatabase* rtdb)
         }
     }
 
-    const PfResult res = SolvePowerFlow(buses, branches);
+    const PfResult res = SolvePowerFlow(buses, branches, 1e-9, 30, onIteration);
     out.converged = res.converged;
     out.iterations = res.iterations;
     out.maxMismatch = res.maxMismatch;
@@ -183,11 +190,18 @@ SolveSummary SolveOnRecords(dbDatabase* rtdb)
         dbCursor<xf> c(dbCursorForUpdate);
         if (c.select() > 0) {
             do {
+                const PfBranch& b = branches[n];
                 const PfFlow& f = res.flows[n++];
                 c->Pi = static_cast<float>(f.pFrom);
                 c->Qi = static_cast<float>(f.qFrom);
                 c->Pj = static_cast<float>(f.pTo);
                 c->Qj = static_cast<float>(f.qTo);
+                // What the magnetising halves take: at the I end behind the tap, at the J end.
+                const double tap = b.tap == 0 ? 1.0 : b.tap;
+                const double vi = vOf(c->ibs) / tap, vj = vOf(c->zbs);
+                const double v2 = b.inService ? (vi * vi + vj * vj) / 2 : 0.0;
+                c->Pm = static_cast<float>(b.gTotal * v2);
+                c->Qm = static_cast<float>(-b.bTotal * v2);
                 c.update();
             } while (c.next());
         }

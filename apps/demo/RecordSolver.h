@@ -2,11 +2,14 @@
 // The demo's calculation engine on the real-time records: it reads the network from
 // the records as ImportLDataToRTDB left them (per unit), solves the load flow with
 // SolvePowerFlow and writes the answer back as an engine of the suite would: bus
-// voltages and angles (degrees) into bs and bus, end flows and charging into ln and xf,
+// voltages and angles (degrees) into bs and bus, end flows into ln and xf with the
+// charging of lines (Qci, Qcj) and the magnetising power of transformers (Pm, Qm),
 // outputs into un, shunt powers into cp. Out-of-service elements (their q bits) take
 // no part. Commits when done.
 //
 // Generators choose their bus type by Mode_Ctrl: 2 slack, 1 PV, anything else PQ.
+
+#include "PowerFlow.h"
 
 class dbDatabase;
 
@@ -20,6 +23,6 @@ struct SolveSummary
     int buses = 0, branches = 0, deadBuses = 0;
 };
 
-SolveSummary SolveOnRecords(dbDatabase* rtdb);
+SolveSummary SolveOnRecords(dbDatabase* rtdb, const PfIterationHook& onIteration = {});
 
 } // namespace demo

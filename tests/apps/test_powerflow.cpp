@@ -16,7 +16,7 @@ TEST(PowerFlow, TwoBusFeederSatisfiesOhmsLawAndBalancesPower)
     buses[1].pLoad = 0.5;
     buses[1].qLoad = 0.2;
     const cd z(0.01, 0.1);
-    std::vector<PfBranch> branches{{0, 1, z.real(), z.imag(), 0.0, 1.0, 0.0, true}};
+    std::vector<PfBranch> branches{{0, 1, z.real(), z.imag(), 0.0, 0.0, 1.0, 0.0, true}};
 
     const PfResult r = SolvePowerFlow(buses, branches);
     ASSERT_TRUE(r.converged);
@@ -45,9 +45,9 @@ TEST(PowerFlow, TapAndShuntAndDeadIslandAndOpenBranch)
     buses[2].qLoad = 0.1;
     buses[2].bShunt = 0.19;
     buses[3].pLoad = 1.0;
-    std::vector<PfBranch> branches{{0, 1, 0.0, 0.2, 0.0, 1.05, 0.0, true},
-                                   {1, 2, 0.02, 0.06, 0.05, 1.0, 0.0, true},
-                                   {2, 3, 0.01, 0.03, 0.0, 1.0, 0.0, false}};
+    std::vector<PfBranch> branches{{0, 1, 0.0, 0.2, 0.0, 0.0, 1.05, 0.0, true},
+                                   {1, 2, 0.02, 0.06, 0.05, 0.0, 1.0, 0.0, true},
+                                   {2, 3, 0.01, 0.03, 0.0, 0.0, 1.0, 0.0, false}};
     const PfResult r = SolvePowerFlow(buses, branches);
     ASSERT_TRUE(r.converged);
     EXPECT_NEAR(r.v[1], 1.01, 1e-12) << "a PV bus holds its set point";
