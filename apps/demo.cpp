@@ -1,40 +1,125 @@
-// The demo: a whole load-flow study with the library, against the private MariaDB on a
-// database of its own. The network is the IEEE 14-bus case unless told otherwise:
+// The study program: a whole load-flow study with the library, on a database of its own,
+// on the project's private MariaDB or on a server the user owns. Run it with --help for
+// its options. The network is the IEEE 14-bus case unless told otherwise.
 //
-//   calcdata_demo [--network FILE.json] [--synthetic N] [--faithful-saveback]
+// Each step's messages are printed as the suite's message window would show them: level,
+// then text. Steps over a second report their progress on standard error. Exit status: 0
+// done; 1 a step of the study failed in a way the design does not foresee; 2 a wrong
+// option, a network file that cannot be read, or a server that cannot be used, told in one
+// line on standard error, with nothing left behind on the server.
 //
 // The save-back runs in the mended statement mode, so that it goes to its end; with
 // --faithful-saveback it sends the design's texts as they stand and shows where this
 // server stops it.
-//
-// Each step's messages are printed as the suite's message window would show them:
-// level, then text. The program exits non-zero when a step fails in a way the design
-// does not foresee, and says which.
 
+#include "Progress.h"
 #include "SampleNetwork.h"
 #include "ServerConnection.h"
 #include "Study.h"
+#include "StudyOptions.h"
+#include "common/ModalBox.h"
 #include "platform/WinDockFeedback.h"
 #include "rtdb/rtdb.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
 #include <QSqlQuery>
-#include <QStringList>
 #include <QVariant>
-#include <cmath>
+#include <cstdarg>
 #include <cstdio>
 
 namespace {
 
+const char* const kProgram = "calcdata_demo";
+
+// One line on standard error: line breaks inside a server's or client's text are folded.
+int refuse(const QString& why)
+{
+    QString line = why.trimmed();
+    line.replace(QLatin1Char('\n'), QLatin1String("; "));
+    std::fprintf(stderr, "%s: %s\n", kProgram, qPrintable(line));
+    return 2;
+}
+
 int fail(const char* step, const QString& why)
 {
-    std::fprintf(stderr, "\ndemo: the step \"%s\" failed: %s\n", step, qPrintable(why));
+    std::fprintf(stderr, "%s: the step \"%s\" failed: %s\n", kProgram, step, qPrintable(why));
     return 1;
 }
 
-void heading(const char* text)
+class Output
 {
-    std::printf("\n== %s\n", text);
+public:
+    explicit Output(bool quiet) : m_quiet(quiet) {}
+    void heading(const char* text) const
+    {
+        if (!m_quiet) {
+            std::printf("\n== %s\n", text);
+        }
+    }
+    __attribute__((format(printf, 2, 3))) void line(const char* format, ...) const
+    {
+        if (!m_quiet) {
+            va_list args;
+            va_start(args, format);
+            std::vprintf(format, args);
+            va_end(args);
+        }
+    }
+    bool quiet() const { return m_quiet; }
+
+private:
+    bool m_quiet;
+};
+
+// The buses as the result table holds them: all of a small network, the extremes of a
+// large one (every bus goes into buses.csv with --out).
+void printBuses(QSqlDatabase* db, const Output& out)
+{
+    QSqlQuery q(*db);
+    q.exec("SELECT COUNT(*) FROM LFR_BS_R WHERE Case_No=0");
+    const int buses = q.next() ? q.value(0).toInt() : 0;
+    if (buses <= 30) {
+        q.exec("SELECT Bus_Name, V, Angle FROM LFR_BS_R WHERE Case_No=0 ORDER BY ibs");
+        out.line("  %-10s %10s %12s\n", "bus", "V (pu)", "angle (deg)");
+        while (q.next()) {
+            out.line("  %-10s %10.4f %12.3f\n", qPrintable(q.value(0).toString()),
+                     q.value(1).toDouble(), q.value(2).toDouble());
+        }
+        return;
+    }
+    out.line("  %d buses; the extremes (every bus in buses.csv with --out DIR):\n", buses);
+    out.line("  %-22s %-10s %10s %12s\n", "", "bus", "V (pu)", "angle (deg)");
+    const std::pair<const char*, const char*> extremes[] = {
+        {"lowest voltage", "V ASC"},
+        {"highest voltage", "V DESC"},
+        {"largest angle behind", "Angle ASC"},
+        {"largest angle ahead", "Angle DESC"}};
+    for (const auto& [label, order] : extremes) {
+        q.exec(QString("SELECT Bus_Name, V, Angle FROM LFR_BS_R WHERE Case_No=0 AND V>0 ORDER "
+                       "BY %1 LIMIT 1")
+                   .arg(order));
+        if (q.next()) {
+            out.line("  %-22s %-10s %10.4f %12.3f\n", label, qPrintable(q.value(0).toString()),
+                     q.value(1).toDouble(), q.value(2).toDouble());
+        }
+    }
+}
+
+void printLineFlows(QSqlDatabase* db, double sb, const Output& out)
+{
+    QSqlQuery q(*db);
+    q.exec("SELECT ID_Name, I_Name, J_Name, Pi, Qi FROM LFR_ACLINE_R WHERE Case_No=0 ORDER BY "
+           "ABS(Pi) DESC LIMIT 5");
+    out.line("  largest line flows:\n  %-8s %-8s %-8s %10s %10s\n", "line", "from", "to",
+             "P (MW)", "Q (Mvar)");
+    while (q.next()) {
+        out.line("  %-8s %-8s %-8s %10.2f %10.2f\n", qPrintable(q.value(0).toString()),
+                 qPrintable(q.value(1).toString()), qPrintable(q.value(2).toString()),
+                 q.value(3).toDouble() * sb, q.value(4).toDouble() * sb);
+    }
 }
 
 } // namespace
@@ -42,101 +127,170 @@ void heading(const char* text)
 int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
-    WinDockFeedback::SetSink(
-        [](const char* text, int level) { std::printf("  [%2d] %s\n", level, text); });
+    QCoreApplication::setApplicationName(kProgram);
+    QCoreApplication::setApplicationVersion(CALCDATA_VERSION);
 
+    demo::StudyCommandLine commandLine;
+    switch (commandLine.parse(app.arguments(), qEnvironmentVariable("MYSQL_PWD"))) {
+    case demo::StudyCommandLine::ShowHelp:
+        std::printf("%s", qPrintable(commandLine.helpText()));
+        return 0;
+    case demo::StudyCommandLine::ShowVersion:
+        std::printf("%s %s\n", kProgram, CALCDATA_VERSION);
+        return 0;
+    case demo::StudyCommandLine::Invalid:
+        return refuse(commandLine.error());
+    case demo::StudyCommandLine::Run:
+        break;
+    }
+    const demo::StudyOptions& options = commandLine.options();
+    const Output out(options.quiet);
+    QElapsedTimer wall;
+    wall.start();
+
+    // What can be checked without the server comes first: nothing is made on it for a
+    // network file that cannot be read or a results folder that cannot be written.
     samples::Network net;
     QString error;
-    const QStringList args = app.arguments();
-    const int synthetic = args.indexOf("--synthetic");
-    const int file = args.indexOf("--network");
-    const bool faithful = args.contains("--faithful-saveback");
-    if (synthetic > 0 && synthetic + 1 < args.size()) {
-        net = samples::MakeSyntheticNetwork(args[synthetic + 1].toInt());
-    } else {
-        const QString path = file > 0 && file + 1 < args.size()
-                                 ? args[file + 1]
-                                 : QString(CALCDATA_SAMPLES_DIR "/ieee14.json");
-        if (!samples::ReadNetworkJson(path, net, error)) {
-            return fail("read the network file", error);
+    if (options.syntheticBuses > 0) {
+        net = samples::MakeSyntheticNetwork(options.syntheticBuses);
+    } else if (!samples::ReadNetworkJson(options.networkFile.isEmpty()
+                                             ? QString(CALCDATA_SAMPLES_DIR "/ieee14.json")
+                                             : options.networkFile,
+                                         net, error)) {
+        return refuse(error);
+    } else if (net.buses.empty()) {
+        return refuse(options.networkFile + " holds no buses");
+    }
+    if (!options.outDir.isEmpty()) {
+        const QFileInfo dir(options.outDir);
+        if (!QDir().mkpath(options.outDir) || !QFileInfo(options.outDir).isWritable()) {
+            return refuse(QStringLiteral("cannot write the results into the folder %1")
+                              .arg(dir.absoluteFilePath()));
         }
     }
-    std::printf("network %s: %zu buses, %zu branches, %zu generators\n", qPrintable(net.name),
-                net.buses.size(), net.branches.size(), net.gens.size());
+    out.line("network %s: %zu buses, %zu branches, %zu generators\n", qPrintable(net.name),
+             net.buses.size(), net.branches.size(), net.gens.size());
 
-    dbserver::ScratchDatabase scratch(QStringLiteral("demo"));
+    // The server: reachable, and set as the library's statements need.
+    const dbserver::ServerAddress& server = options.server;
+    {
+        QString unreachable;
+        QStringList problems;
+        {
+            QSqlDatabase check =
+                dbserver::OpenConnection(server, "check", QString(), &unreachable);
+            if (check.isOpen()) {
+                unreachable.clear();
+                problems = dbserver::ServerModeProblems(check);
+            }
+        }
+        QSqlDatabase::removeDatabase("check");
+        if (!unreachable.isEmpty()) {
+            return refuse(QStringLiteral("cannot reach the %1 at %2: %3%4")
+                              .arg(options.ownServer ? "server" : "private server",
+                                   server.describe(), unreachable,
+                                   options.ownServer ? QString()
+                                                     : QStringLiteral(" (start it with: bash "
+                                                                      "scripts/db.sh start)")));
+        }
+        if (!problems.isEmpty()) {
+            return refuse(problems.join(QStringLiteral("; also ")) +
+                          QStringLiteral(" (README: The SQL server and its sql_mode)"));
+        }
+    }
+
+    demo::Progress progress(options.quiet ? nullptr : stderr, options.outDir.isEmpty() ? 9 : 10);
+    WinDockFeedback::SetSink([&](const char* text, int level) {
+        out.line("  [%2d] %s\n", level, text);
+        progress.note(QString::fromLocal8Bit(text));
+    });
+    SetModalBoxHook([&](ModalBoxKind kind, const QString& caption, const QString& text) {
+        out.line("  [%s] %s: %s\n", kind == ModalBoxKind::Warning ? "box!" : "box",
+                 qPrintable(caption), qPrintable(text));
+        progress.note(text);
+    });
+
+    QElapsedTimer setup;
+    setup.start();
+    progress.begin(QStringLiteral("a database on the server, with the schema"));
+    dbserver::ScratchDatabase scratch(
+        server, options.database.isEmpty()
+                    ? dbserver::ScratchDatabase::UniqueName(QStringLiteral("calcdata_study"))
+                    : options.database);
+    progress.end();
     if (!scratch.ok()) {
-        return fail("open a database on the private server", scratch.error());
+        return refuse(scratch.error());
+    }
+    const double setupMs = setup.nsecsElapsed() / 1e6;
+    if (options.keep) {
+        scratch.keep();
     }
     dbDatabase rtdb;
-    rtdb.open("demo");
+    rtdb.open("study");
     demo::Study study(scratch.db(), &rtdb);
+    study.setProgress(&progress);
 
-    heading("1. the network into the base database, extraction by scheme into job 0");
+    out.heading("1. the network into the base database, extraction by scheme into job 0");
     if (!study.LoadNetwork(net)) {
         return fail("load the network", study.error());
     }
     if (!study.Extract()) {
         return fail("ImportLDataFromBaseDB", study.error());
     }
-    heading("2. network records from the job tables, ImportLDataToRTDB, commit");
+    out.heading("2. network records from the job tables, ImportLDataToRTDB, commit");
     if (!study.BuildAndImport()) {
         return fail("records and ImportLDataToRTDB", study.error());
     }
     const demo::RecordCounts& c = study.counts();
-    std::printf("  records: %d nodes on %d calculation buses, %d lines, %d transformers, "
-                "%d shunts, %d generators, %d loads, %d switches\n",
-                c.nodes, c.buses, c.lines, c.transformers, c.shunts, c.generators, c.loads,
-                c.switches);
-    heading("3. load flow on the real-time records (Newton-Raphson)");
+    out.line("  records: %d nodes on %d calculation buses, %d lines, %d transformers, "
+             "%d shunts, %d generators, %d loads, %d switches\n",
+             c.nodes, c.buses, c.lines, c.transformers, c.shunts, c.generators, c.loads,
+             c.switches);
+    out.heading("3. load flow on the real-time records (Newton-Raphson)");
     if (!study.Solve()) {
         return fail("load flow", study.error());
     }
-    std::printf("  converged in %d iterations, largest mismatch %.2e pu\n",
-                study.solution().iterations, study.solution().maxMismatch);
-    heading("4. ImportRTDBDataToLFResultDB");
+    out.line("  converged in %d iterations, largest mismatch %.2e pu\n",
+             study.solution().iterations, study.solution().maxMismatch);
+    out.heading("4. ImportRTDBDataToLFResultDB");
     if (!study.StoreResults()) {
         return fail("ImportRTDBDataToLFResultDB", study.error());
     }
-    const double sb = study.basePower();
-    QSqlQuery q(*scratch.db());
-    q.exec("SELECT Bus_Name, V, Angle FROM LFR_BS_R WHERE Case_No=0 ORDER BY ibs LIMIT 20");
-    std::printf("  %-10s %10s %12s\n", "bus", "V (pu)", "angle (deg)");
-    while (q.next()) {
-        std::printf("  %-10s %10.4f %12.3f\n", qPrintable(q.value(0).toString()),
-                    q.value(1).toDouble(), q.value(2).toDouble());
+    printBuses(scratch.db(), out);
+    printLineFlows(scratch.db(), study.basePower(), out);
+    if (!options.outDir.isEmpty()) {
+        if (!study.WriteResultFiles(options.outDir)) {
+            return fail("results into CSV files", study.error());
+        }
+        out.line("  results written to %s (buses.csv, branches.csv, generators.csv, "
+                 "switches.csv)\n",
+                 qPrintable(QDir(options.outDir).absolutePath()));
     }
-    q.exec("SELECT ID_Name, I_Name, J_Name, Pi, Qi FROM LFR_ACLINE_R WHERE Case_No=0 ORDER BY "
-           "ABS(Pi) DESC LIMIT 5");
-    std::printf("  largest line flows:\n  %-8s %-8s %-8s %10s %10s\n", "line", "from", "to",
-                "P (MW)", "Q (Mvar)");
-    while (q.next()) {
-        std::printf("  %-8s %-8s %-8s %10.2f %10.2f\n", qPrintable(q.value(0).toString()),
-                    qPrintable(q.value(1).toString()), qPrintable(q.value(2).toString()),
-                    q.value(3).toDouble() * sb, q.value(4).toDouble() * sb);
-    }
-    heading(faithful ? "5. a change in the records, UpdateLDataFromRTDB, SaveLDataToBaseDB into "
-                       "group NEW (faithful statements)"
-                     : "5. a change in the records, UpdateLDataFromRTDB, SaveLDataToBaseDB into "
-                       "group NEW (mended statements)");
+
+    const bool faithful = options.faithfulSaveBack;
+    out.heading(faithful ? "5. a change in the records, UpdateLDataFromRTDB, SaveLDataToBaseDB "
+                           "into group NEW (faithful statements)"
+                         : "5. a change in the records, UpdateLDataFromRTDB, SaveLDataToBaseDB "
+                           "into group NEW (mended statements)");
     if (!study.ChangeAndSaveBack("NEW", faithful ? SaveStatementMode::Faithful
                                                  : SaveStatementMode::Mended)) {
         return fail("UpdateLDataFromRTDB", study.error());
     }
-    std::printf("  changed: generator %s gives 10 %% more, line %s is out of service\n",
-                qPrintable(study.changedGenerator()), qPrintable(study.lineTakenOut()));
+    out.line("  changed: generator %s gives 10 %% more, line %s is taken out of service\n",
+             qPrintable(study.changedGenerator()), qPrintable(study.lineTakenOut()));
+    QSqlQuery q(*scratch.db());
     q.exec("SELECT COUNT(*) FROM CDB_ACLINEBAK WHERE GrpName='NEW'");
     const int saved = q.next() ? q.value(0).toInt() : -1;
     if (study.saveBackResult() == 0) {
         if (faithful) {
-            std::printf("  the save-back completed; group NEW holds:\n");
+            out.line("  the save-back completed; group NEW holds:\n");
         } else {
-            std::printf(
-                "  the save-back ran to its end in the mended statement mode: the statements "
-                "that\n  MariaDB refuses as the design writes them (\"a.Gm*1.0e6*/(...)\", the "
-                "phase shifter's\n  missing comma, joins named across a comma) were sent as "
-                "intended; every other\n  statement as written (--faithful-saveback sends them "
-                "all as written).\n  group NEW holds:\n");
+            out.line("  the save-back ran to its end in the mended statement mode: the statements "
+                     "that\n  MariaDB refuses as the design writes them (\"a.Gm*1.0e6*/(...)\", "
+                     "the phase shifter's\n  missing comma, joins named across a comma) were "
+                     "sent as intended; every other\n  statement as written "
+                     "(--faithful-saveback sends them all as written).\n  group NEW holds:\n");
         }
         for (const char* table : {"CDB_ACLINEBAK", "CDB_PCAPREABAK", "CDB_SCAPREABAK",
                                   "CDB_TRANS_2WBAK", "CDB_SHIFTBAK", "CDB_TRANS_3WBAK",
@@ -148,27 +302,39 @@ int main(int argc, char** argv)
             while (q.next()) {
                 names << q.value(0).toString();
             }
-            if (!names.isEmpty()) {
-                std::printf("    %-17s %3lld row(s): %s\n", table, static_cast<long long>(names.size()),
-                            qPrintable(names.join(", ")));
+            // A large network's group holds thousands of rows: the first ten stand for them.
+            const long long rows = names.size();
+            if (rows > 10) {
+                names = names.mid(0, 10) << QStringLiteral("...");
+            }
+            if (rows > 0) {
+                out.line("    %-17s %3lld row(s): %s\n", table, rows, qPrintable(names.join(", ")));
             }
         }
     } else {
-        std::printf(
-            "  the save-back stopped where the design says this server stops it: the "
-            "two-winding\n  transformer statement (\"a.Gm*1.0e6*/(...)\") is refused by MariaDB, "
-            "so lines and\n  capacitors were saved (%d line rows now in group NEW) and "
-            "transformers,\n  generators, loads, switches, the group's own row and new nodes "
-            "were not.\n",
-            saved);
+        out.line("  the save-back stopped where the design says this server stops it: the "
+                 "two-winding\n  transformer statement (\"a.Gm*1.0e6*/(...)\") is refused by "
+                 "MariaDB, so lines and\n  capacitors were saved (%d line rows now in group "
+                 "NEW) and transformers,\n  generators, loads, switches, the group's own row and "
+                 "new nodes were not.\n",
+                 saved);
     }
-    heading("time of each step");
+
+    out.heading("time of each step");
+    out.line("  %-48s %10.1f ms\n", "a database on the server, with the schema", setupMs);
     double total = 0;
     for (const demo::StepTime& t : study.times()) {
-        std::printf("  %-48s %10.1f ms\n", qPrintable(t.step), t.ms);
+        out.line("  %-48s %10.1f ms\n", qPrintable(t.step), t.ms);
         total += t.ms;
     }
-    std::printf("  %-48s %10.1f ms\n", "whole study", total);
+    out.line("  %-48s %10.1f ms\n", "whole study (the steps above the database)", total);
+    out.line("  %-48s %10.1f ms\n", "whole run", wall.nsecsElapsed() / 1e6);
     rtdb.close();
+    if (options.keep) { // said also in quiet mode: it is what the user asked for
+        std::printf("%sthe study's database %s stays on %s; reach it with:\n  %s\n",
+                    out.quiet() ? "" : "\n", qPrintable(scratch.name()),
+                    qPrintable(server.describe()),
+                    qPrintable(server.clientCommand(scratch.name())));
+    }
     return 0;
 }

@@ -75,20 +75,31 @@ float number(const std::string& s)
 } // namespace
 
 bool BuildNetworkRecords(QSqlDatabase* db, int job, dbDatabase* rtdb, RecordCounts& counts,
-                         QString& error)
+                         QString& error,
+                         const std::function<void(long long done, long long total)>& progress)
 {
     using Rows = std::vector<std::vector<std::string>>;
     Rows nodes, acs, xfs, dcs, gens, loads, sws;
     const QString j = QString::number(job);
-    if (!rows(db, "SELECT Node_Name, Bus_Name, Base_kV, Vmax_kV, Vmin_kV, Zone_No FROM L1_" + j,
-              nodes, error) ||
-        !rows(db, "SELECT ID_Name, I_Name, J_Name, Ntype FROM L2_" + j, acs, error) ||
-        !rows(db, "SELECT ID_Name, I_Name, J_Name, Ntype FROM L3_" + j, xfs, error) ||
-        !rows(db, "SELECT ID_Name, I_Name, J_Name FROM L4_" + j, dcs, error) ||
-        !rows(db, "SELECT ID_Name, Node_Name FROM L5_" + j, gens, error) ||
-        !rows(db, "SELECT ID_Name, Node_Name, No_Load FROM L6_" + j, loads, error) ||
-        !rows(db, "SELECT ID_Name, I_Name, J_Name, Ntype, Lbreak, Valid FROM LK_" + j, sws,
-              error)) {
+    long long read = 0;
+    auto table = [&](const QString& sql, Rows& out) {
+        if (!rows(db, sql, out, error)) {
+            return false;
+        }
+        read += static_cast<long long>(out.size());
+        if (progress) {
+            progress(read, 0);
+        }
+        return true;
+    };
+    if (!table("SELECT Node_Name, Bus_Name, Base_kV, Vmax_kV, Vmin_kV, Zone_No FROM L1_" + j,
+               nodes) ||
+        !table("SELECT ID_Name, I_Name, J_Name, Ntype FROM L2_" + j, acs) ||
+        !table("SELECT ID_Name, I_Name, J_Name, Ntype FROM L3_" + j, xfs) ||
+        !table("SELECT ID_Name, I_Name, J_Name FROM L4_" + j, dcs) ||
+        !table("SELECT ID_Name, Node_Name FROM L5_" + j, gens) ||
+        !table("SELECT ID_Name, Node_Name, No_Load FROM L6_" + j, loads) ||
+        !table("SELECT ID_Name, I_Name, J_Name, Ntype, Lbreak, Valid FROM LK_" + j, sws)) {
         return false;
     }
 

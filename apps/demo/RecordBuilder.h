@@ -10,6 +10,7 @@
 // numbers; their values come later, from CLFCalDataToRTDB::ImportLDataToRTDB.
 
 #include <QString>
+#include <functional>
 
 class QSqlDatabase;
 class dbDatabase;
@@ -24,8 +25,10 @@ struct RecordCounts
 };
 
 // Empties the network tables of `rtdb` and builds them from job `job`; commits. False
-// with `error` set when a job table cannot be read.
+// with `error` set when a job table cannot be read. `progress`, when given, hears the job
+// rows read so far (total 0) and then the records made of how many.
 bool BuildNetworkRecords(QSqlDatabase* db, int job, dbDatabase* rtdb, RecordCounts& counts,
-                         QString& error);
+                         QString& error,
+                         const std::function<void(long long done, long long total)>& progress = {});
 
 } // namespace demo

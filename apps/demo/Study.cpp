@@ -1,5 +1,7 @@
 #include "Study.h"
 
+#include "Progress.h"
+#include "ResultFiles.h"
 #include "SampleNetwork.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 #include "loadflow/realtime/LFCalDataToRTDB.h"
@@ -16,17 +18,28 @@ namespace demo {
 
 bool Study::timed(const char* step, const std::function<bool()>& work)
 {
+    if (m_progress) {
+        m_progress->begin(QString::fromUtf8(step));
+    }
     QElapsedTimer t;
     t.start();
     const bool ok = work();
     m_times.push_back(StepTime{step, t.nsecsElapsed() / 1e6});
+    if (m_progress) {
+        m_progress->end();
+    }
     return ok;
 }
 
 bool Study::LoadNetwork(const samples::Network& net)
 {
     return timed("load the network into the base database", [&] {
-        return samples::WriteNetworkToBaseDb(m_db, net, kGroup, kScheme, m_error);
+        return samples::WriteNetworkToBaseDb(m_db, net, kGroup, kScheme, m_error,
+                                             [&](int done, int total) {
+                                                 if (m_progress) {
+                                                     m_progress->advance(done, total, "elements");
+                                                 }
+                                             });
     });
 }
 
@@ -47,7 +60,14 @@ bool Study::Extract()
 bool Study::BuildAndImport()
 {
     if (!timed("network records from the job tables",
-               [&] { return BuildNetworkRecords(m_db, kJob, m_rtdb, m_counts, m_error); })) {
+               [&] {
+                   return BuildNetworkRecords(m_db, kJob, m_rtdb, m_counts, m_error,
+                                              [&](long long done, long long total) {
+                                                  if (m_progress) {
+                                                      m_progress->advance(done, total, "job rows");
+                                                  }
+                                              });
+               })) {
         return false;
     }
     return timed("ImportLDataToRTDB and commit", [&] {
@@ -65,7 +85,13 @@ bool Study::BuildAndImport()
 bool Study::Solve()
 {
     return timed("load flow on the real-time records", [&] {
-        m_solution = SolveOnRecords(m_rtdb);
+        m_solution = SolveOnRecords(m_rtdb, [&](int iteration, double mismatch) {
+            if (m_progress) {
+                m_progress->note(QStringLiteral("iteration %1, largest mismatch %2 pu")
+                                     .arg(iteration)
+                                     .arg(mismatch, 0, 'g', 3));
+            }
+        });
         if (!m_solution.converged) {
             m_error = QString("the load flow did not converge: mismatch %1 after %2 iterations")
                           .arg(m_solution.maxMismatch)
@@ -98,10 +124,22 @@ bool Study::StoreResults()
     });
 }
 
+bool Study::WriteResultFiles(const QString& dir)
+{
+    return timed("results into CSV files", [&] {
+        return WriteResultCsv(m_db, kJob, m_baseMva, dir, m_error,
+                              [&](long long done, long long total) {
+                                  if (m_progress) {
+                                      m_progress->advance(done, total, "rows");
+                                  }
+                              });
+    });
+}
+
 bool Study::ChangeAndSaveBack(const QString& group, SaveStatementMode mode)
 {
     bool ok = timed("a change in the records, UpdateLDataFromRTDB", [&] {
-        // The second generator gives 10 % more; the last AC line goes out of service.
+        // The second generator gives 10 % more; the last AC line in service goes out.
         dbCursor<dtsdb::un> gens(dbCursorForUpdate);
         if (gens.select() > 1) {
             gens.next();
@@ -113,9 +151,13 @@ bool Study::ChangeAndSaveBack(const QString& group, SaveStatementMode mode)
         dbQuery q;
         q = "lntype=", 1, "order by id desc";
         if (lines.select(q) > 0) {
-            lines->q |= dtsdb::LN_OUTSERVICE;
-            m_lineOut = QString::fromLocal8Bit(lines->id);
-            lines.update();
+            while (lines->q & dtsdb::LN_OUTSERVICE && lines.next()) {
+            }
+            if (!(lines->q & dtsdb::LN_OUTSERVICE)) {
+                lines->q |= dtsdb::LN_OUTSERVICE;
+                m_lineOut = QString::fromLocal8Bit(lines->id);
+                lines.update();
+            }
         }
         m_rtdb->commit();
         CLFCalDataToRTDB toJob(kJob, m_db);

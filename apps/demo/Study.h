@@ -21,6 +21,8 @@ struct Network;
 
 namespace demo {
 
+class Progress;
+
 struct StepTime
 {
     QString step;
@@ -32,6 +34,9 @@ class Study
 public:
     Study(QSqlDatabase* db, dbDatabase* rtdb) : m_db(db), m_rtdb(rtdb) {}
 
+    // Steps report to `progress` (none: silent) as they go.
+    void setProgress(Progress* progress) { m_progress = progress; }
+
     // Each step returns false with error() set when it fails in a way the design does not
     // foresee; the time of each step is kept.
     bool LoadNetwork(const samples::Network& net);
@@ -40,7 +45,9 @@ public:
     bool Solve();
     // The solution into the LFR result tables, with the flows through switches.
     bool StoreResults();
-    // A change in the records (a generator's output, a line out of service), back into the
+    // The results as the library wrote them, into CSV files in `dir` (see ResultFiles.h).
+    bool WriteResultFiles(const QString& dir);
+    // A change in the records (a generator's output, an AC line in service taken out), back into the
     // job tables and saved into the data group `group`. The save-back's outcome is kept:
     // in the mended statement mode it runs to its end; in the faithful mode this server
     // stops it at the two-winding transformers, as designed.
@@ -64,6 +71,7 @@ private:
     bool timed(const char* step, const std::function<bool()>& work);
     QSqlDatabase* m_db;
     dbDatabase* m_rtdb;
+    Progress* m_progress = nullptr;
     QString m_error;
     std::vector<StepTime> m_times;
     SolveSummary m_solution;

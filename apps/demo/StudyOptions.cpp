@@ -1,0 +1,142 @@
+#include "StudyOptions.h"
+
+#include <QRegularExpression>
+
+namespace demo {
+
+StudyCommandLine::StudyCommandLine()
+    : m_help({"h", "help"}, "Show this help and exit."),
+      m_version("version", "Show the program's version and exit."),
+      m_network("network",
+                "Study the network in FILE, in the JSON form of the IEEE samples (default: "
+                "the IEEE 14-bus case, samples/ieee14.json).",
+                "FILE"),
+      m_synthetic("synthetic", "Study a generated meshed network of N buses (N >= 3) instead.",
+                  "N"),
+      m_server("server",
+               "Use the MariaDB or MySQL server at HOST:PORT (port 3306 when left out), which "
+               "you own, instead of the project's private server. Its sql_mode and "
+               "lower_case_table_names are checked first.",
+               "HOST:PORT"),
+      m_user("user", "Log in to --server as USER (default: the login name).", "USER"),
+      m_password("password",
+                 "Log in to --server with PASSWORD (default: the environment variable "
+                 "MYSQL_PWD, else none).",
+                 "PASSWORD"),
+      m_database("database",
+                 "Create the study's database under NAME (letters, digits, _ and $; it must "
+                 "not exist yet). Default: a fresh name calcdata_study_...",
+                 "NAME"),
+      m_keep("keep", "Keep the study's database afterwards and say how to reach it."),
+      m_out("out",
+            "Write the results as CSV files into DIR (created when missing): buses.csv, "
+            "branches.csv, generators.csv, switches.csv.",
+            "DIR"),
+      m_quiet("quiet", "Print nothing but errors (and, with --keep, where the database stays)."),
+      m_faithful("faithful-saveback",
+                 "Save back with the statements as the design writes them, which this server "
+                 "stops at the two-winding transformers (default: the mended statement mode, "
+                 "which sends the refused statements as intended and runs to the end).")
+{
+    m_parser.setApplicationDescription(
+        "Runs a whole load-flow study with the calcdata library: the network into a fresh "
+        "database, extraction by scheme into job 0, the real-time records, a Newton-Raphson "
+        "load flow, the results into the result tables, and a change saved back into a new "
+        "data group.\n"
+        "Exit status: 0 done; 1 a step of the study failed; 2 a wrong option, a network file "
+        "that cannot be read, or a server that cannot be used (nothing is left behind on it).");
+    m_parser.addOptions({m_help, m_version, m_network, m_synthetic, m_server, m_user, m_password,
+                         m_database, m_keep, m_out, m_quiet, m_faithful});
+}
+
+bool StudyCommandLine::invalid(const QString& why)
+{
+    m_error = why;
+    return false;
+}
+
+StudyCommandLine::Outcome StudyCommandLine::parse(const QStringList& arguments,
+                                                  const QString& environmentPassword)
+{
+    m_options = StudyOptions();
+    m_error.clear();
+    if (!m_parser.parse(arguments)) {
+        m_error = m_parser.errorText() + QStringLiteral(" (see --help)");
+        return Invalid;
+    }
+    if (m_parser.isSet(m_help)) {
+        return ShowHelp;
+    }
+    if (m_parser.isSet(m_version)) {
+        return ShowVersion;
+    }
+    auto check = [&]() -> bool {
+        if (!m_parser.positionalArguments().isEmpty()) {
+            return invalid(QStringLiteral("unexpected argument '%1' (see --help)")
+                               .arg(m_parser.positionalArguments().first()));
+        }
+        StudyOptions& o = m_options;
+        if (m_parser.isSet(m_network) && m_parser.isSet(m_synthetic)) {
+            return invalid(QStringLiteral("give either --network or --synthetic, not both"));
+        }
+        o.networkFile = m_parser.value(m_network);
+        if (m_parser.isSet(m_synthetic)) {
+            bool ok = false;
+            o.syntheticBuses = m_parser.value(m_synthetic).toInt(&ok);
+            if (!ok || o.syntheticBuses < 3) {
+                return invalid(QStringLiteral("--synthetic needs a whole number of buses, at "
+                                              "least 3, not '%1'")
+                                   .arg(m_parser.value(m_synthetic)));
+            }
+        }
+        o.ownServer = m_parser.isSet(m_server);
+        if (!o.ownServer && (m_parser.isSet(m_user) || m_parser.isSet(m_password))) {
+            return invalid(QStringLiteral("--user and --password go with --server (the "
+                                          "private server has a login of its own)"));
+        }
+        if (o.ownServer) {
+            // HOST, HOST:PORT or [IPV6]:PORT.
+            static const QRegularExpression form(
+                QStringLiteral("^(\\[[0-9A-Fa-f:.]+\\]|[^:\\[\\]\\s]+)(?::(\\d{1,5}))?$"));
+            const QString text = m_parser.value(m_server);
+            const QRegularExpressionMatch m = form.match(text);
+            const int port = m.hasMatch() && !m.captured(2).isEmpty() ? m.captured(2).toInt()
+                                                                    : 3306;
+            if (!m.hasMatch() || port < 1 || port > 65535) {
+                return invalid(
+                    QStringLiteral("--server needs HOST:PORT (a port from 1 to 65535), not '%1'")
+                        .arg(text));
+            }
+            QString host = m.captured(1);
+            if (host.startsWith('[')) {
+                host = host.mid(1, host.size() - 2);
+            }
+            o.server.host = host;
+            o.server.port = port;
+            o.server.user = m_parser.isSet(m_user) ? m_parser.value(m_user)
+                                                   : qEnvironmentVariable("USER", "root");
+            o.server.password =
+                m_parser.isSet(m_password) ? m_parser.value(m_password) : environmentPassword;
+        } else {
+            o.server = dbserver::ServerAddress::fromEnvironment();
+        }
+        o.database = m_parser.value(m_database);
+        static const QRegularExpression name(QStringLiteral("^[A-Za-z0-9_$]{1,64}$"));
+        if (m_parser.isSet(m_database) && !name.match(o.database).hasMatch()) {
+            return invalid(QStringLiteral("--database needs a name of 1 to 64 letters, digits, "
+                                          "_ or $, not '%1'")
+                               .arg(o.database));
+        }
+        o.keep = m_parser.isSet(m_keep);
+        if (m_parser.isSet(m_out) && m_parser.value(m_out).isEmpty()) {
+            return invalid(QStringLiteral("--out needs a folder"));
+        }
+        o.outDir = m_parser.value(m_out);
+        o.quiet = m_parser.isSet(m_quiet);
+        o.faithfulSaveBack = m_parser.isSet(m_faithful);
+        return true;
+    };
+    return check() ? Run : Invalid;
+}
+
+} // namespace demo

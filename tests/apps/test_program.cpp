@@ -1,0 +1,268 @@
+// The study program as a user meets it: its command line, its refusals (one line on
+// standard error, exit status 2, nothing left on the server), its result files, the check
+// of a server's settings, and its progress lines.
+
+#include "DbTest.h"
+#include "Progress.h"
+#include "StudyOptions.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QSqlError>
+#include <QTemporaryDir>
+#include <cstdio>
+#include <thread>
+
+using demo::StudyCommandLine;
+
+namespace {
+
+StudyCommandLine::Outcome Parse(StudyCommandLine& cl, QStringList args,
+                                const QString& environmentPassword = QString())
+{
+    args.prepend(QStringLiteral("calcdata_demo"));
+    return cl.parse(args, environmentPassword);
+}
+
+struct ProgramRun
+{
+    int status = -1;
+    QString out, err;
+};
+
+ProgramRun RunProgram(const QStringList& args, const QProcessEnvironment& env =
+                                             QProcessEnvironment::systemEnvironment())
+{
+    QProcess p;
+    p.setProcessEnvironment(env);
+    p.start(QStringLiteral(CALCDATA_DEMO_PROGRAM), args);
+    ProgramRun r;
+    if (p.waitForFinished(600000) && p.exitStatus() == QProcess::NormalExit) {
+        r.status = p.exitCode();
+    }
+    r.out = QString::fromUtf8(p.readAllStandardOutput());
+    r.err = QString::fromUtf8(p.readAllStandardError());
+    return r;
+}
+
+QStringList Lines(const QString& path)
+{
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    return QString::fromUtf8(f.readAll()).split('\n', Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+TEST(StudyOptions, AcceptsWhatTheHelpOffersAndRefusesTheRestInOneLine)
+{
+    StudyCommandLine cl;
+    ASSERT_EQ(Parse(cl, {}), StudyCommandLine::Run);
+    EXPECT_TRUE(cl.options().networkFile.isEmpty()) << "the IEEE 14 sample by default";
+    EXPECT_FALSE(cl.options().ownServer);
+    EXPECT_FALSE(cl.options().keep);
+
+    EXPECT_FALSE(cl.options().faithfulSaveBack) << "the mended statement mode by default";
+    ASSERT_EQ(Parse(cl, {"--synthetic", "500", "--out", "res", "--keep", "--quiet", "--database",
+                         "study_1", "--faithful-saveback"}),
+              StudyCommandLine::Run);
+    EXPECT_TRUE(cl.options().faithfulSaveBack);
+    EXPECT_EQ(cl.options().syntheticBuses, 500);
+    EXPECT_EQ(cl.options().outDir, "res");
+    EXPECT_TRUE(cl.options().keep && cl.options().quiet);
+    EXPECT_EQ(cl.options().database, "study_1");
+
+    ASSERT_EQ(Parse(cl, {"--server", "db.example:3307", "--user", "eng", "--password", "pw"}),
+              StudyCommandLine::Run);
+    EXPECT_TRUE(cl.options().ownServer);
+    EXPECT_EQ(cl.options().server.host, "db.example");
+    EXPECT_EQ(cl.options().server.port, 3307);
+    EXPECT_EQ(cl.options().server.user, "eng");
+    EXPECT_EQ(cl.options().server.password, "pw");
+    EXPECT_TRUE(cl.options().server.socket.isEmpty());
+    ASSERT_EQ(Parse(cl, {"--server", "[::1]"}, "from-env"), StudyCommandLine::Run);
+    EXPECT_EQ(cl.options().server.host, "::1");
+    EXPECT_EQ(cl.options().server.port, 3306);
+    EXPECT_EQ(cl.options().server.password, "from-env");
+
+    EXPECT_EQ(Parse(cl, {"--help"}), StudyCommandLine::ShowHelp);
+    EXPECT_EQ(Parse(cl, {"--version"}), StudyCommandLine::ShowVersion);
+    for (const char* option : {"--network", "--synthetic", "--server", "--user", "--password",
+                                  "--database", "--keep", "--out", "--quiet", "--version",
+                                  "--faithful-saveback"}) {
+        EXPECT_TRUE(cl.helpText().contains(option)) << option;
+    }
+
+    const QList<QStringList> refused = {
+        {"--netwrok", "x.json"},         {"--network"},
+        {"--network", "a.json", "--synthetic", "9"},
+        {"--synthetic", "2"},            {"--synthetic", "many"},
+        {"--server", "host:99999"},      {"--server", "host:port"},
+        {"--user", "eng"},               {"--database", "x;DROP DATABASE y"},
+        {"--out", ""},                   {"--keep=yes"},
+        {"ieee14.json"}};
+    for (const QStringList& args : refused) {
+        EXPECT_EQ(Parse(cl, args), StudyCommandLine::Invalid) << args.join(' ').toStdString();
+        EXPECT_FALSE(cl.error().isEmpty());
+        EXPECT_FALSE(cl.error().contains('\n')) << cl.error().toStdString();
+    }
+}
+
+class ServerMode : public testsupport::DbTest
+{};
+
+TEST_F(ServerMode, NamesTheModesTheStatementsDoNotSurviveAndWhatToSetInstead)
+{
+    EXPECT_TRUE(dbserver::ServerModeProblems(*db()).isEmpty()) << "the private server suits";
+
+    // The save-back's statements for new buses, stations and zones group by one column and
+    // take the others as they come, which ONLY_FULL_GROUP_BY refuses.
+    QSqlQuery q(*db());
+    ASSERT_TRUE(q.exec("SET SESSION sql_mode='ONLY_FULL_GROUP_BY,STRICT_ALL_TABLES,"
+                       "NO_ENGINE_SUBSTITUTION,ERROR_FOR_DIVISION_BY_ZERO'"));
+    EXPECT_FALSE(q.exec("SELECT Bus_Name, PS_Name, Base_kV FROM L1_0 GROUP BY Bus_Name"));
+    EXPECT_TRUE(q.lastError().text().contains("GROUP BY")) << q.lastError().text().toStdString();
+
+    const QStringList problems = dbserver::ServerModeProblems(*db());
+    ASSERT_EQ(problems.size(), 1) << problems.join('\n').toStdString();
+    EXPECT_TRUE(problems[0].contains("ONLY_FULL_GROUP_BY, STRICT_ALL_TABLES"));
+    EXPECT_TRUE(problems[0].contains("sql_mode='ERROR_FOR_DIVISION_BY_ZERO,NO_ENGINE_SUBSTITUTION'"))
+        << "the present mode less what must go: " << problems[0].toStdString();
+    EXPECT_FALSE(problems[0].contains("lower_case_table_names"));
+
+    ASSERT_TRUE(q.exec("SET SESSION sql_mode='EMPTY_STRING_IS_NULL'"));
+    ASSERT_EQ(dbserver::ServerModeProblems(*db()).size(), 1);
+    EXPECT_TRUE(dbserver::ServerModeProblems(*db())[0].contains("sql_mode='NO_ENGINE_SUBSTITUTION'"));
+    ASSERT_TRUE(q.exec("SET SESSION sql_mode=@@GLOBAL.sql_mode"));
+    EXPECT_TRUE(dbserver::ServerModeProblems(*db()).isEmpty());
+}
+
+class Program : public testsupport::DbTest
+{
+protected:
+    static bool DatabaseExists(const QString& name)
+    {
+        return Scalar(QString("SELECT COUNT(*) FROM information_schema.SCHEMATA WHERE "
+                              "SCHEMA_NAME='%1'")
+                          .arg(name)) == "1";
+    }
+};
+
+TEST_F(Program, RefusesInOneLineWithStatusTwoAndLeavesNothingBehind)
+{
+    QTemporaryDir tmp;
+    ASSERT_TRUE(tmp.isValid());
+    const QString malformed = tmp.filePath("malformed.json");
+    {
+        QFile f(malformed);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("{\"buses\": [ {\"num\": 1,");
+    }
+    const QString never = QString("t_never_%1").arg(QCoreApplication::applicationPid());
+    const QList<QStringList> refused = {
+        {"--bogus"},
+        {"--network", tmp.filePath("missing.json"), "--database", never},
+        {"--network", malformed, "--database", never},
+        {"--server", "127.0.0.1:1", "--database", never},
+        // A database of that name stands: it is refused and left as it is.
+        {"--database", scratch().name()},
+    };
+    for (const QStringList& args : refused) {
+        const ProgramRun r = RunProgram(args);
+        EXPECT_EQ(r.status, 2) << args.join(' ').toStdString() << "\n" << r.err.toStdString();
+        EXPECT_TRUE(r.err.startsWith("calcdata_demo: ")) << r.err.toStdString();
+        EXPECT_EQ(r.err.count('\n'), 1) << r.err.toStdString();
+        EXPECT_FALSE(DatabaseExists(never));
+    }
+    EXPECT_TRUE(DatabaseExists(scratch().name()));
+    EXPECT_EQ(Count("LF_CASE"), 0) << "the suite's own database still answers";
+
+    // The schema cannot be loaded (no client to load it with): the database made for the
+    // study is dropped again before the program ends.
+    QProcessEnvironment noClient = QProcessEnvironment::systemEnvironment();
+    noClient.insert("PATH", tmp.path());
+    const ProgramRun r = RunProgram({"--database", never}, noClient);
+    EXPECT_EQ(r.status, 2) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains("cannot load the schema into " + never)) << r.err.toStdString();
+    EXPECT_EQ(r.err.count('\n'), 1) << r.err.toStdString();
+    EXPECT_FALSE(DatabaseExists(never));
+}
+
+TEST_F(Program, WritesTheResultTablesAsCsvAndKeepsTheDatabaseWhenAsked)
+{
+    QTemporaryDir tmp;
+    ASSERT_TRUE(tmp.isValid());
+    const QString out = tmp.filePath("results/ieee14");
+    const QString kept = QString("t_kept_%1").arg(QCoreApplication::applicationPid());
+    const ProgramRun r = RunProgram({"--out", out, "--keep", "--database", kept, "--quiet"});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.isEmpty()) << "quiet: " << r.err.toStdString();
+    EXPECT_TRUE(r.out.startsWith("the study's database " + kept + " stays on")) << r.out.toStdString();
+    ASSERT_TRUE(DatabaseExists(kept));
+
+    const QStringList buses = Lines(out + "/buses.csv");
+    ASSERT_EQ(buses.size(), 15);
+    EXPECT_EQ(buses[0], "bus,V_pu,V_kV,angle_deg");
+    EXPECT_EQ(Lines(out + "/branches.csv").value(0),
+              "branch,kind,from_node,to_node,circuit,P_from_MW,Q_from_Mvar,P_to_MW,Q_to_Mvar,"
+              "loading_pct");
+    EXPECT_EQ(Lines(out + "/branches.csv").size(), 21);
+    EXPECT_EQ(Lines(out + "/generators.csv").value(0), "generator,node,P_MW,Q_Mvar,V_pu,angle_deg");
+    EXPECT_EQ(Lines(out + "/generators.csv").size(), 6);
+    EXPECT_EQ(Lines(out + "/switches.csv").value(0), "switch,from_node,to_node,P_MW,Q_Mvar");
+    EXPECT_EQ(Lines(out + "/switches.csv").size(), 11);
+
+    // The files say what the result tables hold, in MW on the base of 100 MVA.
+    QStringList fromTables;
+    QSqlQuery q(checker());
+    ASSERT_TRUE(q.exec(QString("SELECT Bus_Name, V, Angle FROM %1.LFR_BS_R WHERE Case_No=0 "
+                               "ORDER BY ibs")
+                           .arg(kept)));
+    while (q.next()) {
+        fromTables << QString("%1,%2,,%3")
+                          .arg(q.value(0).toString())
+                          .arg(q.value(1).toDouble(), 0, 'f', 6)
+                          .arg(q.value(2).toDouble(), 0, 'f', 4);
+    }
+    EXPECT_EQ(buses.mid(1), fromTables) << "IEEE 14 has no base voltages, so no kV";
+    ASSERT_TRUE(q.exec(QString("SELECT Pi*100, Qj*100 FROM %1.LFR_ACLINE_R WHERE ID_Name='L1'")
+                           .arg(kept)) &&
+                q.next());
+    const QStringList l1 = Lines(out + "/branches.csv").value(1).split(',');
+    EXPECT_EQ(l1.value(0), "L1");
+    EXPECT_EQ(l1.value(1), "line");
+    EXPECT_NEAR(l1.value(5).toDouble(), q.value(0).toDouble(), 1e-4);
+    EXPECT_NEAR(l1.value(8).toDouble(), q.value(1).toDouble(), 1e-4);
+    EXPECT_EQ(l1.value(9), "") << "unrated";
+    Exec("DROP DATABASE " + kept);
+}
+
+TEST(StudyProgress, TellsAStepOverASecondAndIsSilentForShortStepsAndQuietMode)
+{
+    std::FILE* sink = std::tmpfile();
+    ASSERT_NE(sink, nullptr);
+    {
+        demo::Progress progress(sink, 2);
+        progress.begin("short");
+        progress.end();
+        progress.begin("long");
+        progress.advance(300, 1200, "rows");
+        std::this_thread::sleep_for(std::chrono::milliseconds(2500));
+        progress.end();
+    }
+    std::rewind(sink);
+    char buf[4096] = {};
+    const size_t n = std::fread(buf, 1, sizeof buf - 1, sink);
+    std::fclose(sink);
+    const QString text = QString::fromUtf8(buf, int(n));
+    EXPECT_FALSE(text.contains("short")) << text.toStdString();
+    EXPECT_TRUE(text.contains("  [2/2] long: 300 of 1200 rows (25 %), 1 s\n")) << text.toStdString();
+    EXPECT_TRUE(text.contains("  [2/2] long: done in 2.")) << text.toStdString();
+
+    demo::Progress quiet(nullptr, 1);
+    quiet.begin("silent");
+    quiet.end(); // nothing to write to, and no thread to stop
+}
