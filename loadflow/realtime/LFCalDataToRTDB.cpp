@@ -12,7 +12,11 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QVariant>
+#include <cstdarg>
+#include <cstdio>
 #include <cstring>
+#include <string>
+#include <vector>
 
 using namespace dtsdb;
 using namespace lfrt;
@@ -35,11 +39,63 @@ bool runSelect(CSqlRows& rows, QSqlQuery& q, const QByteArray& sql)
     return rows.exec(q, QString::fromLocal8Bit(sql));
 }
 
-bool runUpdate(QSqlDatabase* db, const QByteArray& sql)
+// The way back sends one statement per record. One query object serves a whole family
+// and one buffer takes each statement's text, so that a record costs its formatting and
+// the server's round trip and little else (no query object, result and text copies of
+// its own).
+class JobTableUpdate
 {
-    QSqlQuery q(*db);
-    return q.exec(QString::fromLocal8Bit(sql));
-}
+public:
+    explicit JobTableUpdate(QSqlDatabase* db) : m_query(*db), m_text(512) {}
+
+    // Formats the statement and runs it; false when the server refused it.
+    bool run(const char* format, ...) __attribute__((format(printf, 2, 3)))
+    {
+        va_list args;
+        va_start(args, format);
+        int n = std::vsnprintf(m_text.data(), m_text.size(), format, args);
+        va_end(args);
+        if (n >= static_cast<int>(m_text.size())) {
+            m_text.resize(static_cast<std::size_t>(n) + 1);
+            va_start(args, format);
+            n = std::vsnprintf(m_text.data(), m_text.size(), format, args);
+            va_end(args);
+        }
+        return n > 0 && m_query.exec(QString::fromLocal8Bit(m_text.data(), n));
+    }
+
+private:
+    QSqlQuery m_query;
+    std::vector<char> m_text;
+};
+
+// A real-time id on the way back, less its family's suffix once chop() has cut it.
+class RecordName
+{
+public:
+    explicit RecordName(const char* id) : m_text(id) {}
+    const char* text() const { return m_text.c_str(); }
+    // Whether the id ends in `suffix`, compared on the tail lower-cased (ASCII letters).
+    bool endsWith(const char* suffix) const
+    {
+        const std::size_t n = std::strlen(suffix);
+        if (m_text.size() < n) {
+            return false;
+        }
+        for (std::size_t i = 0; i < n; ++i) {
+            const char c = m_text[m_text.size() - n + i];
+            if ((c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c) != suffix[i]) {
+                return false;
+            }
+        }
+        return true;
+    }
+    // Cuts the last n characters (all of them when shorter).
+    void chop(std::size_t n) { m_text.resize(n < m_text.size() ? m_text.size() - n : 0); }
+
+private:
+    std::string m_text;
+};
 
 void warn(const char* text)
 {
@@ -76,13 +132,6 @@ template <class T> bool findRecord(dbCursor<T>& cursor, const char* id, const ch
 float real(const CSqlRows& r, int column)
 {
     return static_cast<float>(r.toDouble(column));
-}
-
-// Whether `id` ends in `suffix`, compared on the lower-cased tail.
-bool endsWith(const QByteArray& id, const char* suffix)
-{
-    const int n = static_cast<int>(std::strlen(suffix));
-    return id.size() >= n && id.right(n).toLower() == suffix;
 }
 
 // A row's Bus_Ctrl into its buffer, cut to 20 bytes and terminated.
@@ -412,7 +461,8 @@ int CLFCalDataToRTDB::UpdateL1DataFromRTDB()
 int CLFCalDataToRTDB::UpdateL2DataFromRTDB()
 {
     const QByteArray table = FormatText(L2_TABLE, m_nJobNumber);
-    if (!runUpdate(m_pDB, FormatText(SQL_ALL_OUT, table.constData()))) {
+    JobTableUpdate update(m_pDB);
+    if (!update.run(SQL_ALL_OUT, table.constData())) {
         warn(MSG_LN_UPDATE);
         return CALC_FAIL;
     }
@@ -423,11 +473,11 @@ int CLFCalDataToRTDB::UpdateL2DataFromRTDB()
             if (r.q & LN_OUTSERVICE) {
                 continue;
             }
-            QByteArray name(r.id);
+            RecordName name(r.id);
             int ntype = 0;
-            if (endsWith(name, "_ac")) {
+            if (name.endsWith("_ac")) {
                 ntype = 1;
-            } else if (endsWith(name, "_sc")) {
+            } else if (name.endsWith("_sc")) {
                 ntype = 2;
             }
             if (ntype) {
@@ -435,8 +485,8 @@ int CLFCalDataToRTDB::UpdateL2DataFromRTDB()
             }
             const int iBreak = (r.q & LN_IOPEN) ? 0 : 1;
             const int jBreak = (r.q & LN_JOPEN) ? 0 : 1;
-            if (!runUpdate(m_pDB, FormatText(SQL_LN_UPDATE, table.constData(), 1, iBreak, jBreak,
-                                             name.constData(), ntype))) {
+            if (!update.run(SQL_LN_UPDATE, table.constData(), 1, iBreak, jBreak, name.text(),
+                            ntype)) {
                 warn(MSG_LN_UPDATE);
                 return CALC_FAIL;
             }
@@ -451,8 +501,7 @@ int CLFCalDataToRTDB::UpdateL2DataFromRTDB()
             }
             // Both ends follow the one bit, clear here: always 1.
             const int brk = (r.q & CP_OUTSERVICE) ? 0 : 1;
-            if (!runUpdate(m_pDB,
-                           FormatText(SQL_CP_UPDATE, table.constData(), 1, brk, brk, r.id, 3))) {
+            if (!update.run(SQL_CP_UPDATE, table.constData(), 1, brk, brk, r.id, 3)) {
                 warn(MSG_CP_UPDATE);
                 return CALC_FAIL;
             }
@@ -464,7 +513,8 @@ int CLFCalDataToRTDB::UpdateL2DataFromRTDB()
 int CLFCalDataToRTDB::UpdateL3DataFromRTDB()
 {
     const QByteArray table = FormatText(L3_TABLE, m_nJobNumber);
-    if (!runUpdate(m_pDB, FormatText(SQL_ALL_OUT, table.constData()))) {
+    JobTableUpdate update(m_pDB);
+    if (!update.run(SQL_ALL_OUT, table.constData())) {
         warn(MSG_XF_UPDATE);
         return CALC_FAIL;
     }
@@ -480,17 +530,16 @@ int CLFCalDataToRTDB::UpdateL3DataFromRTDB()
             if (r.q & XF_OUTSERVICE) {
                 continue;
             }
-            QByteArray name(r.id);
+            RecordName name(r.id);
             int ntype = 0;
             for (const auto& s : suffixes) {
-                if (endsWith(name, s.suffix)) {
+                if (name.endsWith(s.suffix)) {
                     ntype = s.ntype;
-                    name.chop(static_cast<int>(std::strlen(s.suffix)));
+                    name.chop(std::strlen(s.suffix));
                     break;
                 }
             }
-            if (!runUpdate(m_pDB, FormatText(SQL_XF_UPDATE, table.constData(), 1, name.constData(),
-                                             ntype))) {
+            if (!update.run(SQL_XF_UPDATE, table.constData(), 1, name.text(), ntype)) {
                 warn(MSG_XF_UPDATE);
                 return CALC_FAIL;
             }
@@ -502,7 +551,8 @@ int CLFCalDataToRTDB::UpdateL3DataFromRTDB()
 int CLFCalDataToRTDB::UpdateL4DataFromRTDB()
 {
     const QByteArray table = FormatText(L4_TABLE, m_nJobNumber);
-    if (!runUpdate(m_pDB, FormatText(SQL_ALL_OUT, table.constData()))) {
+    JobTableUpdate update(m_pDB);
+    if (!update.run(SQL_ALL_OUT, table.constData())) {
         warn(MSG_DLN_UPDATE);
         return CALC_FAIL;
     }
@@ -512,7 +562,7 @@ int CLFCalDataToRTDB::UpdateL4DataFromRTDB()
             if (cursor->q & DLN_OUTSERVICE) {
                 continue;
             }
-            if (!runUpdate(m_pDB, FormatText(SQL_DLN_UPDATE, table.constData(), 1, cursor->id))) {
+            if (!update.run(SQL_DLN_UPDATE, table.constData(), 1, cursor->id)) {
                 warn(MSG_DLN_UPDATE);
                 return CALC_FAIL;
             }
@@ -524,7 +574,8 @@ int CLFCalDataToRTDB::UpdateL4DataFromRTDB()
 int CLFCalDataToRTDB::UpdateL5DataFromRTDB()
 {
     const QByteArray table = FormatText(L5_TABLE, m_nJobNumber);
-    if (!runUpdate(m_pDB, FormatText(SQL_ALL_OUT, table.constData()))) {
+    JobTableUpdate update(m_pDB);
+    if (!update.run(SQL_ALL_OUT, table.constData())) {
         warn(MSG_UN_UPDATE);
         return CALC_FAIL;
     }
@@ -535,8 +586,8 @@ int CLFCalDataToRTDB::UpdateL5DataFromRTDB()
             if (r.q & UN_OUTSERVICE) {
                 continue;
             }
-            if (!runUpdate(m_pDB, FormatText(SQL_UN_UPDATE, table.constData(), 1, r.Pg, r.Qg, r.V0,
-                                             r.Angle, r.id))) {
+            if (!update.run(SQL_UN_UPDATE, table.constData(), 1, r.Pg, r.Qg, r.V0, r.Angle,
+                            r.id)) {
                 warn(MSG_UN_UPDATE);
                 return CALC_FAIL;
             }
@@ -548,7 +599,8 @@ int CLFCalDataToRTDB::UpdateL5DataFromRTDB()
 int CLFCalDataToRTDB::UpdateL6DataFromRTDB()
 {
     const QByteArray table = FormatText(L6_TABLE, m_nJobNumber);
-    if (!runUpdate(m_pDB, FormatText(SQL_ALL_OUT, table.constData()))) {
+    JobTableUpdate update(m_pDB);
+    if (!update.run(SQL_ALL_OUT, table.constData())) {
         warn(MSG_LD_UPDATE);
         return CALC_FAIL;
     }
@@ -559,8 +611,8 @@ int CLFCalDataToRTDB::UpdateL6DataFromRTDB()
             if (r.q & LD_OUTSERVICE) {
                 continue;
             }
-            if (!runUpdate(m_pDB, FormatText(SQL_LD_UPDATE, table.constData(), 1, r.Pl, r.Ql, r.V0,
-                                             r.Angle, r.id))) {
+            if (!update.run(SQL_LD_UPDATE, table.constData(), 1, r.Pl, r.Ql, r.V0, r.Angle,
+                            r.id)) {
                 warn(MSG_LD_UPDATE);
                 return CALC_FAIL;
             }
@@ -572,7 +624,8 @@ int CLFCalDataToRTDB::UpdateL6DataFromRTDB()
 int CLFCalDataToRTDB::UpdateLKDataFromRTDB()
 {
     const QByteArray table = FormatText(LK_TABLE, m_nJobNumber);
-    if (!runUpdate(m_pDB, FormatText(SQL_ALL_OUT, table.constData()))) {
+    JobTableUpdate update(m_pDB);
+    if (!update.run(SQL_ALL_OUT, table.constData())) {
         warn(MSG_CB_UPDATE);
         return CALC_FAIL;
     }
@@ -583,17 +636,16 @@ int CLFCalDataToRTDB::UpdateLKDataFromRTDB()
             if (r.q & CB_OUTSERVICE) {
                 continue;
             }
-            QByteArray name(r.id);
+            RecordName name(r.id);
             int ntype = 2;
-            if (endsWith(name, "_brk")) {
+            if (name.endsWith("_brk")) {
                 ntype = 1;
                 name.chop(4);
             } else {
                 name.chop(3); // "_sw" or whatever else stands there
             }
             const int lbreak = (r.q & CB_OPEN) ? 0 : 1;
-            if (!runUpdate(m_pDB, FormatText(SQL_CB_UPDATE, table.constData(), 1, lbreak,
-                                             name.constData(), ntype))) {
+            if (!update.run(SQL_CB_UPDATE, table.constData(), 1, lbreak, name.text(), ntype)) {
                 warn(MSG_CB_UPDATE);
                 return CALC_FAIL;
             }
