@@ -31,15 +31,21 @@ bool Study::timed(const char* step, const std::function<bool()>& work)
     return ok;
 }
 
+std::function<void(long long, long long)> Study::counter(const char* unit) const
+{
+    Progress* progress = m_progress;
+    return [progress, unit](long long done, long long total) {
+        if (progress) {
+            progress->advance(done, total, unit);
+        }
+    };
+}
+
 bool Study::LoadNetwork(const samples::Network& net)
 {
     return timed("load the network into the base database", [&] {
         return samples::WriteNetworkToBaseDb(m_db, net, kGroup, kScheme, m_error,
-                                             [&](int done, int total) {
-                                                 if (m_progress) {
-                                                     m_progress->advance(done, total, "elements");
-                                                 }
-                                             });
+                                             counter("elements"));
     });
 }
 
@@ -62,11 +68,7 @@ bool Study::BuildAndImport()
     if (!timed("network records from the job tables",
                [&] {
                    return BuildNetworkRecords(m_db, kJob, m_rtdb, m_counts, m_error,
-                                              [&](long long done, long long total) {
-                                                  if (m_progress) {
-                                                      m_progress->advance(done, total, "job rows");
-                                                  }
-                                              });
+                                              counter("job rows"));
                })) {
         return false;
     }
@@ -127,12 +129,7 @@ bool Study::StoreResults()
 bool Study::WriteResultFiles(const QString& dir)
 {
     return timed("results into CSV files", [&] {
-        return WriteResultCsv(m_db, kJob, m_baseMva, dir, m_error,
-                              [&](long long done, long long total) {
-                                  if (m_progress) {
-                                      m_progress->advance(done, total, "rows");
-                                  }
-                              });
+        return WriteResultCsv(m_db, kJob, m_baseMva, dir, m_error, counter("rows"));
     });
 }
 

@@ -69,6 +69,8 @@ public:
 
 private:
     bool timed(const char* step, const std::function<bool()>& work);
+    // Tells the progress how many `unit` of how many a step has done.
+    std::function<void(long long, long long)> counter(const char* unit) const;
     QSqlDatabase* m_db;
     dbDatabase* m_rtdb;
     Progress* m_progress = nullptr;
