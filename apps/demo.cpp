@@ -226,6 +226,22 @@ int main(int argc, char** argv)
     if (options.keep) {
         scratch.keep();
     }
+    // The kept database is told also when a step fails (and in quiet mode: it is what the
+    // user asked for); without --keep the scratch database goes with the program.
+    auto tellKept = [&]() {
+        if (options.keep) {
+            std::printf("%sthe study's database %s stays on %s; reach it with:\n  %s\n",
+                        out.quiet() ? "" : "\n", qPrintable(scratch.name()),
+                        qPrintable(server.describe()),
+                        qPrintable(server.clientCommand(scratch.name())));
+        }
+    };
+    auto failed = [&](const char* step, const QString& why) {
+        std::fflush(stdout);
+        const int status = fail(step, why);
+        tellKept();
+        return status;
+    };
     dbDatabase rtdb;
     rtdb.open("study");
     demo::Study study(scratch.db(), &rtdb);
@@ -233,14 +249,14 @@ int main(int argc, char** argv)
 
     out.heading("1. the network into the base database, extraction by scheme into job 0");
     if (!study.LoadNetwork(net)) {
-        return fail("load the network", study.error());
+        return failed("load the network", study.error());
     }
     if (!study.Extract()) {
-        return fail("ImportLDataFromBaseDB", study.error());
+        return failed("ImportLDataFromBaseDB", study.error());
     }
     out.heading("2. network records from the job tables, ImportLDataToRTDB, commit");
     if (!study.BuildAndImport()) {
-        return fail("records and ImportLDataToRTDB", study.error());
+        return failed("records and ImportLDataToRTDB", study.error());
     }
     const demo::RecordCounts& c = study.counts();
     out.line("  records: %d nodes on %d calculation buses, %d lines, %d transformers, "
@@ -249,19 +265,19 @@ int main(int argc, char** argv)
              c.switches);
     out.heading("3. load flow on the real-time records (Newton-Raphson)");
     if (!study.Solve()) {
-        return fail("load flow", study.error());
+        return failed("load flow", study.error());
     }
     out.line("  converged in %d iterations, largest mismatch %.2e pu\n",
              study.solution().iterations, study.solution().maxMismatch);
     out.heading("4. ImportRTDBDataToLFResultDB");
     if (!study.StoreResults()) {
-        return fail("ImportRTDBDataToLFResultDB", study.error());
+        return failed("ImportRTDBDataToLFResultDB", study.error());
     }
     printBuses(scratch.db(), out);
     printLineFlows(scratch.db(), study.basePower(), out);
     if (!options.outDir.isEmpty()) {
         if (!study.WriteResultFiles(options.outDir)) {
-            return fail("results into CSV files", study.error());
+            return failed("results into CSV files", study.error());
         }
         out.line("  results written to %s (buses.csv, branches.csv, generators.csv, "
                  "switches.csv)\n",
@@ -275,7 +291,7 @@ int main(int argc, char** argv)
                            "into group NEW (mended statements)");
     if (!study.ChangeAndSaveBack("NEW", faithful ? SaveStatementMode::Faithful
                                                  : SaveStatementMode::Mended)) {
-        return fail("UpdateLDataFromRTDB", study.error());
+        return failed("UpdateLDataFromRTDB", study.error());
     }
     out.line("  changed: generator %s gives 10 %% more, line %s is taken out of service\n",
              qPrintable(study.changedGenerator()), qPrintable(study.lineTakenOut()));
@@ -330,11 +346,6 @@ int main(int argc, char** argv)
     out.line("  %-48s %10.1f ms\n", "whole study (the steps above the database)", total);
     out.line("  %-48s %10.1f ms\n", "whole run", wall.nsecsElapsed() / 1e6);
     rtdb.close();
-    if (options.keep) { // said also in quiet mode: it is what the user asked for
-        std::printf("%sthe study's database %s stays on %s; reach it with:\n  %s\n",
-                    out.quiet() ? "" : "\n", qPrintable(scratch.name()),
-                    qPrintable(server.describe()),
-                    qPrintable(server.clientCommand(scratch.name())));
-    }
+    tellKept();
     return 0;
 }

@@ -22,7 +22,7 @@ struct PfBus
     BusType type = BusType::PQ;
     double pGen = 0, qGen = 0;     // scheduled generation (P at PV buses; Q ignored at PV/slack)
     double pLoad = 0, qLoad = 0;   // load
-    double vSet = 1.0;             // voltage magnitude at PV and slack buses, start value elsewhere
+    double vSet = 1.0;             // voltage magnitude at PV and slack buses (not read at PQ buses)
     double angleSetDeg = 0;        // angle at the slack bus
     double gShunt = 0, bShunt = 0; // shunt admittance to ground at 1.0 pu voltage
 };

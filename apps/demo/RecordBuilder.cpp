@@ -57,9 +57,11 @@ bool rows(QSqlDatabase* db, const QString& sql, std::vector<std::vector<std::str
         error = sql + ": " + q.lastError().text();
         return false;
     }
+    const int columns = q.record().count(); // a record per call: ask once
     while (q.next()) {
         std::vector<std::string> row;
-        for (int i = 0; i < q.record().count(); ++i) {
+        row.reserve(columns);
+        for (int i = 0; i < columns; ++i) {
             row.push_back(q.value(i).toString().toLocal8Bit().toStdString());
         }
         out.push_back(std::move(row));
