@@ -69,10 +69,14 @@ TEST_F(Study14, SolvedVoltagesMatchThePublishedSolution)
                     .toDouble(),
                 0.44, 1e-6);
     EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 1);
+    // A second change takes the next line in service out; both are out against the base.
     ASSERT_TRUE(study.ChangeAndSaveBack("OLD", SaveStatementMode::Faithful));
     EXPECT_EQ(study.saveBackResult(), 1);
-    EXPECT_EQ(Rows("SELECT ID_Name, Valid FROM CDB_ACLINEBAK WHERE GrpName='OLD'"),
-              (std::vector<std::string>{line + "|0"}));
+    const std::string second = study.lineTakenOut().chopped(3).toStdString();
+    EXPECT_NE(second, line);
+    EXPECT_EQ(Rows("SELECT ID_Name, Valid FROM CDB_ACLINEBAK WHERE GrpName='OLD' ORDER BY "
+                   "ID_Name"),
+              (std::vector<std::string>{second + "|0", line + "|0"}));
     EXPECT_EQ(Count("CDB_GENERATBAK WHERE GrpName='OLD'"), 0);
     rtdb.close();
 }
