@@ -29,7 +29,7 @@ const char* const WORKING_COPY = "BAK";
 // Runs `sql`; true with the query on its first row.
 bool firstRow(QSqlQuery& q, const QByteArray& sql)
 {
-    return q.exec(QString::fromLocal8Bit(sql)) && q.next();
+    return ExecStatement(q, sql) && q.next();
 }
 
 bool stOutFlag(QSqlDatabase* db, const char* format, int caseNo)
@@ -53,8 +53,9 @@ double GetBasekV_FromDB(QSqlDatabase* db, const char* name, bool bBus)
 {
     QSqlQuery q(*db);
     const QByteArray sql =
-        bBus ? FormatText(SQL_BUS_KV, "CDB_BUS", WORKING_COPY, name)
-             : FormatText(SQL_NODE_KV, "CDB_NODE", WORKING_COPY, "CDB_BUS", WORKING_COPY, name);
+        bBus ? FormatText(SQL_BUS_KV, "CDB_BUS", WORKING_COPY, SqlText(db, name).constData())
+             : FormatText(SQL_NODE_KV, "CDB_NODE", WORKING_COPY, "CDB_BUS", WORKING_COPY,
+                          SqlText(db, name).constData());
     if (firstRow(q, sql)) {
         return q.value(0).toDouble();
     }
@@ -68,8 +69,8 @@ int GetCase_NoByCase_Name(char* table, QSqlDatabase* db, const QString& name)
         return -1;
     }
     QSqlQuery q(*db);
-    if (!q.exec(QString::fromLocal8Bit(
-            FormatText(SQL_CASE_NO, table, name.toLocal8Bit().constData())))) {
+    if (!ExecStatement(
+            q, FormatText(SQL_CASE_NO, table, SqlText(db, name.toLocal8Bit()).constData()))) {
         qWarning("查询作业号出错！");
         return -1;
     }
@@ -86,7 +87,7 @@ QString GetCase_NameByCase_No(char* table, QSqlDatabase* db, int caseNo)
         return QString();
     }
     QSqlQuery q(*db);
-    if (!q.exec(QString::fromLocal8Bit(FormatText(SQL_CASE_NAME, table, caseNo)))) {
+    if (!ExecStatement(q, FormatText(SQL_CASE_NAME, table, caseNo))) {
         qWarning("查询作业号出错！");
         return QStringLiteral("");
     }
@@ -105,7 +106,8 @@ int GetSDataCase_No(int caseNo)
 int GetTransNType(int job, QSqlDatabase* db, char* idName, char* iName, char* jName)
 {
     QSqlQuery q(*db);
-    if (firstRow(q, FormatText(SQL_TRANS_NTYPE, job, idName, iName, jName))) {
+    if (firstRow(q, FormatText(SQL_TRANS_NTYPE, job, SqlText(db, idName).constData(),
+                               SqlText(db, iName).constData(), SqlText(db, jName).constData()))) {
         return q.value(0).toInt();
     }
     qWarning("查询变压器类型出现错误！");

@@ -2,8 +2,16 @@
 
 #include "platform/WinDockFeedback.h"
 
+#include <QSqlDatabase>
+#include <QSqlDriver>
+#include <QSqlQuery>
+#include <QString>
+#include <QVariant>
+#include <cctype>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
+#include <mysql.h>
 
 namespace {
 QByteArray vformat(const char* format, va_list args)
@@ -42,4 +50,116 @@ void ShowMessagef(int level, const char* format, ...)
     const QByteArray text = vformat(format, args);
     va_end(args);
     ShowMessage(text, level);
+}
+
+namespace {
+
+// Whether the session of `db` reads a backslash in a string literal as an escape. The
+// server sends its status with every reply, NO_BACKSLASH_ESCAPES among it, so this follows
+// a sql_mode changed during the session with no statement of its own. A connection that is
+// not MariaDB's (or not open) is taken to escape, the server's default: doubling a
+// backslash there is the safe side for a server that escapes.
+bool backslashEscapes(QSqlDatabase* db)
+{
+    if (!db || !db->driver()) {
+        return true;
+    }
+    const QVariant handle = db->driver()->handle();
+    const char* type = handle.isValid() ? handle.typeName() : nullptr;
+    if (!type || (qstrcmp(type, "MYSQL*") != 0 && qstrcmp(type, "st_mysql*") != 0)) {
+        return true;
+    }
+    MYSQL* mysql = *static_cast<MYSQL* const*>(handle.constData());
+    unsigned int status = 0;
+    if (!mysql || mariadb_get_infov(mysql, MARIADB_CONNECTION_SERVER_STATUS, &status) != 0) {
+        return true;
+    }
+    return (status & SERVER_STATUS_NO_BACKSLASH_ESCAPES) == 0;
+}
+
+// The escaped copy of text[0, size), starting at `first`, the first byte to escape.
+QByteArray escapedFrom(QSqlDatabase* db, const char* text, qsizetype size, const char* first)
+{
+    const bool backslash = backslashEscapes(db);
+    QByteArray out;
+    out.reserve(size + 8);
+    out.append(text, first - text);
+    for (const char* p = first; p != text + size; ++p) {
+        out.append(*p);
+        if (*p == '\'' || (*p == '\\' && backslash)) {
+            out.append(*p);
+        }
+    }
+    return out;
+}
+
+// The first quote or backslash of text[0, size), or its end.
+const char* firstToEscape(const char* text, qsizetype size)
+{
+    const char* p = text;
+    while (p != text + size && *p != '\'' && *p != '\\') {
+        ++p;
+    }
+    return p;
+}
+
+} // namespace
+
+QByteArray SqlText(QSqlDatabase* db, const char* text)
+{
+    if (!text) {
+        return QByteArray("");
+    }
+    const qsizetype size = qsizetype(std::strlen(text));
+    const char* first = firstToEscape(text, size);
+    if (first == text + size) { // the common case: nothing to escape, nothing copied
+        return QByteArray::fromRawData(text, size);
+    }
+    return escapedFrom(db, text, size, first);
+}
+
+QByteArray SqlText(QSqlDatabase* db, const QByteArray& text)
+{
+    const char* first = firstToEscape(text.constData(), text.size());
+    if (first == text.constData() + text.size()) {
+        return text; // shared, not copied
+    }
+    return escapedFrom(db, text.constData(), text.size(), first);
+}
+
+QByteArray SqlWord(const QByteArray& text)
+{
+    bool word = !text.isEmpty();
+    for (qsizetype i = 0; word && i < text.size(); ++i) {
+        const unsigned char c = static_cast<unsigned char>(text[i]);
+        word = c >= 0x80 || std::isalnum(c) || c == '_' || c == '.' || c == '$' ||
+               (i == 0 && (c == '-' || c == '+'));
+    }
+    if (word) {
+        return text;
+    }
+    QByteArray out("`");
+    for (const char c : text) {
+        out.append(c);
+        if (c == '`') {
+            out.append(c);
+        }
+    }
+    out.append('`');
+    return out;
+}
+
+bool ExecStatement(QSqlQuery& query, const QByteArray& sql)
+{
+    const QString text = QString::fromLocal8Bit(sql);
+    for (const char c : sql) {
+        if (static_cast<unsigned char>(c) >= 0x80) { // only then can the decoding alter it
+            if (text.toLocal8Bit() != sql) {
+                query.finish(); // no result of an earlier statement stands for this one
+                return false;
+            }
+            break;
+        }
+    }
+    return query.exec(text);
 }

@@ -7,6 +7,9 @@
 
 #include <QByteArray>
 
+class QSqlDatabase;
+class QSqlQuery;
+
 // Return codes of transfer operations.
 constexpr int CALC_OK = 0;
 constexpr int CALC_FAIL = 1;
@@ -29,3 +32,34 @@ void ShowMessage(const QByteArray& text, int level);
 
 // Composes the message printf-style and shows it at `level`.
 void ShowMessagef(int level, const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+// ---- Text values in statements ----
+//
+// A statement is formatted printf-style from its template; a text value stands between
+// the template's single quotes ('%s'). SqlText gives the value as the server's string
+// literals need it, so that no name can end the literal and change which rows the
+// statement touches: each single quote doubled, and each backslash doubled where the
+// session reads a backslash as an escape (sql_mode without NO_BACKSLASH_ESCAPES, which
+// the server reports with every reply on `db`'s connection). A text with neither
+// character comes back as it stands, so its statement keeps its text byte for byte.
+// The bytes are the local 8-bit encoding (UTF-8), in which no byte of a multi-byte
+// character is a quote or a backslash. Given a `const char*`, the result refers to `text`
+// where nothing needs escaping: use it while `text` stands.
+QByteArray SqlText(QSqlDatabase* db, const char* text);
+QByteArray SqlText(QSqlDatabase* db, const QByteArray& text);
+
+// A text that a statement holds without quotes, where the design puts a value as a bare
+// word (a number, or a column's name). One word (letters, digits, '_', '.', '$', the bytes
+// of multi-byte characters, after an optional sign) stands as it is, so the statement
+// keeps its text. Anything else could add a condition to the statement (`1 OR 1`), and
+// goes as a quoted identifier (backticks, inner ones doubled): the server reads it as the
+// name of a column it does not have and refuses the statement, as it refuses any other
+// word that is neither a number nor a column.
+QByteArray SqlWord(const QByteArray& text);
+
+// Runs a statement formatted in the local 8-bit encoding on `query`; every statement that
+// holds a name reaches the server here. A text that is not valid in that encoding (a name
+// cut inside a multi-byte character) is not sent: Qt would put U+FFFD in place of the
+// bad bytes and the server would store or match a name nobody gave. It fails as a
+// statement the server refuses fails, with false, and the caller reports as it does then.
+bool ExecStatement(QSqlQuery& query, const QByteArray& sql);

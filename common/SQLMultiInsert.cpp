@@ -1,5 +1,6 @@
 #include "common/SQLMultiInsert.h"
 
+#include "common/Feedback.h"
 #include "common/ModalBox.h"
 
 #include <QObject>
@@ -55,7 +56,7 @@ bool SQLMultiInsert::exec()
         return true;
     }
     const QByteArray statement = "insert into " + m_table + "(" + m_fields + ") values" + m_content;
-    const bool ok = m_query->exec(QString::fromLocal8Bit(statement));
+    const bool ok = ExecStatement(*m_query, statement);
     if (!ok) {
         ShowModalBox(ModalBoxKind::Information, QStringLiteral("Fail"),
                      QObject::tr("Fail to excute SQL:") + QObject::tr(statement.constData()));

@@ -3,7 +3,7 @@
 //
 // Order of use: construct, SetTableName, SetFldNamelst, AddRecord per row, and exec
 // once at the end for the rows still waiting. A full batch is sent by AddRecord
-// itself. Values are not escaped here: the caller quotes each value.
+// itself. Values are not escaped here: the caller quotes each value, its texts through SqlText.
 
 #include <QByteArray>
 

@@ -9,7 +9,7 @@
 
 bool CSaveBackPattern::Send(QSqlQuery& query, const QByteArray& sql) const
 {
-    return query.exec(QString::fromLocal8Bit(sql));
+    return ExecStatement(query, sql);
 }
 
 bool CSaveBackPattern::Exec(QSqlQuery& query, const QByteArray& sql) const

@@ -87,7 +87,7 @@ const JobFamily JOB_FAMILIES[] = {
 
 bool run(QSqlQuery& q, const QByteArray& sql)
 {
-    return q.exec(QString::fromLocal8Bit(sql));
+    return ExecStatement(q, sql);
 }
 
 QByteArray local(const QVariant& v)
@@ -343,9 +343,11 @@ bool WinDlgCalBranchChoose::CopyRows(const QByteArray& select, int eleType, int 
     int counter = 0;
     while (rows.next()) {
         const int type = typeOfRow ? typeOfRow(rows.value(4).toInt()) : eleType;
-        // Values go in as read, without escaping.
-        const QByteArray id = local(rows.value(0)), i = local(rows.value(1)),
-                         j = local(rows.value(2));
+        // Values go in as read; a quote or backslash in one is escaped so that it cannot
+        // end its literal.
+        const QByteArray id = SqlText(m_pDB, local(rows.value(0))),
+                         i = SqlText(m_pDB, local(rows.value(1))),
+                         j = SqlText(m_pDB, local(rows.value(2)));
         if (counter == 0) {
             statement = FormatText(SQL_INSERT_FIRST, TEMP_TABLE, id.constData(), i.constData(),
                                    j.constData(), rows.value(3).toInt(), type);
@@ -393,7 +395,7 @@ void WinDlgCalBranchChoose::AddJ_Names(const QString& name)
     if (!m_pDB) {
         return;
     }
-    const QByteArray node = name.toLocal8Bit();
+    const QByteArray node = SqlText(m_pDB, name.toLocal8Bit());
     QSqlQuery q(*m_pDB);
     QMap<QString, int> seen;
     // The other ends in either orientation: where the node is the I side, then where it
@@ -443,7 +445,7 @@ void WinDlgCalBranchChoose::SetCurrentID_Name(const QString& i, const QString& j
     if (!m_pDB) {
         return;
     }
-    const QByteArray bi = i.toLocal8Bit(), bj = j.toLocal8Bit();
+    const QByteArray bi = SqlText(m_pDB, i.toLocal8Bit()), bj = SqlText(m_pDB, j.toLocal8Bit());
     QSqlQuery q(*m_pDB);
     if (run(q, FormatText(SQL_ID_OF_ENDS, TEMP_TABLE, bi.constData(), bj.constData(),
                           bj.constData(), bi.constData())) &&
@@ -484,7 +486,7 @@ void WinDlgCalBranchChoose::SetCurrentIDNo(const QString& name)
         return;
     }
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_ID_NO, TEMP_TABLE, name.toLocal8Bit().constData()))) {
+    if (!run(q, FormatText(SQL_ID_NO, TEMP_TABLE, SqlText(m_pDB, name.toLocal8Bit()).constData()))) {
         return;
     }
     while (q.next()) {
@@ -524,7 +526,7 @@ int WinDlgCalBranchChoose::GetFirstBranch(char* name, char* i, char* j)
         return 0;
     }
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_FIRST_BRANCH, TEMP_TABLE, name ? name : ""))) {
+    if (!run(q, FormatText(SQL_FIRST_BRANCH, TEMP_TABLE, SqlText(m_pDB, name).constData()))) {
         return 1;
     }
     if (!q.next()) {
@@ -677,8 +679,9 @@ void WinDlgCalBranchChoose::ToolButton_OK_clicked()
                      j = LineEdit_BusName2->text().toLocal8Bit();
     if (m_pDB) {
         QSqlQuery q(*m_pDB);
-        if (!run(q, FormatText(SQL_CHOSEN, TEMP_TABLE, name.constData(), i.constData(),
-                               j.constData(), name.constData(), i.constData(), j.constData()))) {
+        const QByteArray n = SqlText(m_pDB, name), si = SqlText(m_pDB, i), sj = SqlText(m_pDB, j);
+        if (!run(q, FormatText(SQL_CHOSEN, TEMP_TABLE, n.constData(), si.constData(),
+                               sj.constData(), n.constData(), si.constData(), sj.constData()))) {
             return;
         }
         if (q.next()) {

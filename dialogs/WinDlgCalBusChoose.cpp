@@ -56,7 +56,7 @@ QString NameChooseDialog::GetName() const
 bool NameChooseDialog::AppendQueryToList(const QByteArray& sql)
 {
     QSqlQuery q(ConnectionOrNone(m_pDB));
-    if (!q.exec(QString::fromLocal8Bit(sql))) {
+    if (!ExecStatement(q, sql)) {
         return false;
     }
     while (q.next()) {
@@ -260,9 +260,10 @@ void WinDlgCalEleTerm1Choose::ToolButton_OK_clicked()
     const QString name = GetName();
     if (m_strField.toUpper() == QLatin1String("ID_NAME")) {
         QSqlQuery q(ConnectionOrNone(m_pDB));
-        const QByteArray sql = FormatText(SQL_ELEMENT_NODE, m_strTable.toLocal8Bit().constData(),
-                                          name.toLocal8Bit().constData());
-        if (!q.exec(QString::fromLocal8Bit(sql))) {
+        const QByteArray sql =
+            FormatText(SQL_ELEMENT_NODE, m_strTable.toLocal8Bit().constData(),
+                       SqlText(m_pDB, name.toLocal8Bit()).constData());
+        if (!ExecStatement(q, sql)) {
             // The dialog still closes: the name was chosen, only its node is unknown.
             ShowModalBox(ModalBoxKind::Warning, QString::fromUtf8(BOX_LOOKUP_CAPTION),
                          q.lastError().text());

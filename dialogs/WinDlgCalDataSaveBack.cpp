@@ -118,14 +118,14 @@ bool WinDlgCalDataSaveBack::IsNewDataGroupValid(const QString& name)
 
 int WinDlgCalDataSaveBack::DelDBGroup(const QString& name)
 {
-    const QByteArray group = name.toLocal8Bit();
+    const QByteArray group = SqlText(m_pDB, name.toLocal8Bit());
     QSqlQuery q(ConnectionOrNone(m_pDB));
     int total = 0;
     // No transaction: the tables before a refused statement stay changed.
     for (const char* table : GROUP_TABLES) {
         const QByteArray sql =
             FormatText(SQL_DELETE_GROUP, table, dlgsql::WORKING_COPY, group.constData());
-        if (!q.exec(QString::fromLocal8Bit(sql))) {
+        if (!ExecStatement(q, sql)) {
             ShowMessagef(MSG_ERROR, dlgsql::MSG_SQL_FAIL, sql.constData());
             return -1;
         }

@@ -17,7 +17,13 @@ namespace {
 bool run(QSqlDatabase* db, const QByteArray& sql)
 {
     QSqlQuery q(*db);
-    return q.exec(QString::fromLocal8Bit(sql));
+    return ExecStatement(q, sql);
+}
+
+// The scheme's name for its statement: the member holds no terminator at full length.
+QByteArray schemeText(QSqlDatabase* db, const char* name, size_t size)
+{
+    return SqlText(db, QByteArray(name, static_cast<int>(qstrnlen(name, size))));
 }
 
 } // namespace
@@ -42,7 +48,7 @@ void CLFCalDataTransfer::Init(char* schemeName)
     std::strncpy(m_SchName, schemeName ? schemeName : "", sizeof m_SchName);
     m_dBaseMva = 1.0;
     QSqlQuery q(*m_pDB);
-    if (q.exec(QString::fromLocal8Bit(FormatText(SQL_BASE_POWER, "CDB_SB", WORKING_COPY))) &&
+    if (ExecStatement(q, FormatText(SQL_BASE_POWER, "CDB_SB", WORKING_COPY)) &&
         q.next()) {
         m_dBaseMva = q.value(0).toDouble();
     }
@@ -80,7 +86,7 @@ int CLFCalDataTransfer::ImportLDataFromBaseDB()
 
     if (m_nJobNumber == 0) { // the working job's row is made when missing
         QSqlQuery q(*m_pDB);
-        if (!q.exec(QString::fromLocal8Bit(FormatText(SQL_CASE_ROW, "LF_CASE")))) {
+        if (!ExecStatement(q, FormatText(SQL_CASE_ROW, "LF_CASE"))) {
             ShowMessage(MSG_CASE_COUNTS, MSG_ERROR);
         }
         // A failed select has the size -1, so the insert is tried after a failure too.
@@ -119,7 +125,7 @@ void CLFCalDataTransfer::DropTmp()
 
 bool CLFCalDataTransfer::SelectByScheme(const QByteArray& source)
 {
-    const QByteArray scheme(m_SchName, static_cast<int>(qstrnlen(m_SchName, sizeof m_SchName)));
+    const QByteArray scheme = schemeText(m_pDB, m_SchName, sizeof m_SchName);
     if (!run(m_pDB, FormatText(SQL_SCHEME_SOURCE, source.constData(), "CDB_SCHEMEINF", WORKING_COPY,
                                "CDB_SCHEMECONT", WORKING_COPY, scheme.constData()))) {
         ShowMessage(MSG_SCHEME, MSG_ERROR);
@@ -144,7 +150,7 @@ int CLFCalDataTransfer::ImportL5DataFromBaseDB()
         return CALC_FAIL;
     }
     const QByteArray job = FormatText("%s_%d", "L5", m_nJobNumber);
-    const QByteArray scheme(m_SchName, static_cast<int>(qstrnlen(m_SchName, sizeof m_SchName)));
+    const QByteArray scheme = schemeText(m_pDB, m_SchName, sizeof m_SchName);
     if (!run(m_pDB, FormatText(SQL_SCHEME, "CDB_GENERAT", WORKING_COPY, "CDB_SCHEMEINF",
                                WORKING_COPY, "CDB_SCHEMECONT", WORKING_COPY, scheme.constData()))) {
         ShowMessage(MSG_SCHEME, MSG_ERROR);
@@ -174,7 +180,7 @@ int CLFCalDataTransfer::ImportL6DataFromBaseDB()
         return CALC_FAIL;
     }
     const QByteArray job = FormatText("%s_%d", "L6", m_nJobNumber);
-    const QByteArray scheme(m_SchName, static_cast<int>(qstrnlen(m_SchName, sizeof m_SchName)));
+    const QByteArray scheme = schemeText(m_pDB, m_SchName, sizeof m_SchName);
     if (!run(m_pDB, FormatText(SQL_SCHEME, "CDB_LOAD", WORKING_COPY, "CDB_SCHEMEINF", WORKING_COPY,
                                "CDB_SCHEMECONT", WORKING_COPY, scheme.constData()))) {
         ShowMessage(MSG_SCHEME, MSG_ERROR);
@@ -204,7 +210,7 @@ int CLFCalDataTransfer::ImportLKDataFromBaseDB()
         return CALC_FAIL;
     }
     const QByteArray job = FormatText("%s_%d", "LK", m_nJobNumber);
-    const QByteArray scheme(m_SchName, static_cast<int>(qstrnlen(m_SchName, sizeof m_SchName)));
+    const QByteArray scheme = schemeText(m_pDB, m_SchName, sizeof m_SchName);
     struct Kind
     {
         const char* table;
@@ -238,7 +244,7 @@ int CLFCalDataTransfer::ImportL4DataFromBaseDB()
     if (!CreateTmp()) {
         return CALC_FAIL;
     }
-    const QByteArray scheme(m_SchName, static_cast<int>(qstrnlen(m_SchName, sizeof m_SchName)));
+    const QByteArray scheme = schemeText(m_pDB, m_SchName, sizeof m_SchName);
     if (!run(m_pDB, FormatText(SQL_SCHEME, "CDB_DCLINE", WORKING_COPY, "CDB_SCHEMEINF",
                                WORKING_COPY, "CDB_SCHEMECONT", WORKING_COPY, scheme.constData()))) {
         ShowMessage(MSG_SCHEME, MSG_ERROR);

@@ -33,8 +33,7 @@ int CLFCalDataTransfer::ImportL1DataFromBaseDB()
     for (const Source& s : sources) {
         QSqlQuery q(*m_pDB);
         q.setForwardOnly(true);
-        q.exec(QString::fromLocal8Bit(
-            FormatText(s.twoEnds ? SQL_ENDS_OF : SQL_NODES_OF, s.prefix, m_nJobNumber)));
+        ExecStatement(q, FormatText(s.twoEnds ? SQL_ENDS_OF : SQL_NODES_OF, s.prefix, m_nJobNumber));
         int rows = 0;
         if (q.isActive()) {
             while (q.next()) {
@@ -51,7 +50,7 @@ int CLFCalDataTransfer::ImportL1DataFromBaseDB()
     }
 
     QSqlQuery q(*m_pDB);
-    if (!q.exec(QString::fromLocal8Bit(SQL_CREATE_TNODE))) {
+    if (!ExecStatement(q, SQL_CREATE_TNODE)) {
         ShowMessage(MSG_TNODE, MSG_ERROR);
         return CALC_FAIL;
     }
@@ -59,18 +58,18 @@ int CLFCalDataTransfer::ImportL1DataFromBaseDB()
     ins.SetTableName("Tnode");
     ins.SetFldNamelst("node_name");
     for (auto it = nodes.constBegin(); it != nodes.constEnd(); ++it) {
-        ins.AddRecord("'" + it.key().toLocal8Bit() + "'");
+        ins.AddRecord("'" + SqlText(m_pDB, it.key().toLocal8Bit()) + "'");
     }
     ins.exec();
 
     const QByteArray fill =
         FormatText(SQL_L1_FILL, FormatText("L1_%d", m_nJobNumber).constData(), m_nJobNumber,
                    "CDB_NODE", WORKING_COPY, "CDB_BUS", WORKING_COPY);
-    if (!q.exec(QString::fromLocal8Bit(fill))) {
+    if (!ExecStatement(q, fill)) {
         ShowMessagef(MSG_ERROR, MSG_L1_SQL, fill.constData());
         return CALC_FAIL;
     }
-    if (!q.exec(QString::fromLocal8Bit(SQL_DROP_TNODE))) {
+    if (!ExecStatement(q, SQL_DROP_TNODE)) {
         ShowMessagef(MSG_ERROR, MSG_L1_SQL, SQL_DROP_TNODE);
         return CALC_FAIL;
     }

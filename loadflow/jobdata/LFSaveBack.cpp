@@ -106,7 +106,7 @@ int CLFCalDataTransfer::SaveLDataToBaseDB(QString groupName, bool newGroup)
         const QByteArray group = m_strGroupName.toLocal8Bit();
         QSqlQuery q(*m_pDB);
         if (!m_saveBack.Send(q, FormatText(SQL_ADD_GROUP, "CDB_DATAGROUP", WORKING_COPY,
-                                           group.constData()))) {
+                                           SqlText(m_pDB, group).constData()))) {
             ShowMessagef(MSG_GROUP_FAIL, MSG_ADD_GROUP, group.constData());
             return CALC_FAIL;
         }
@@ -137,7 +137,7 @@ int CLFCalDataTransfer::SaveL1DataToBaseDB()
     ins.SetTableName("Tnode");
     ins.SetFldNamelst("node_name");
     for (auto it = m_NewNodes.constBegin(); it != m_NewNodes.constEnd(); ++it) {
-        ins.AddRecord("'" + it.key().toLocal8Bit() + "'");
+        ins.AddRecord("'" + SqlText(m_pDB, it.key().toLocal8Bit()) + "'");
     }
     ins.exec();
     const struct
@@ -164,7 +164,7 @@ int CLFCalDataTransfer::SaveL2DataToAC()
 {
     CRunTimeLog frame("SaveL2DataToAC");
     const QByteArray job = FormatText("L2_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const QByteArray group = SqlText(m_pDB, m_strGroupName.toLocal8Bit());
     const char* B = "CDB_ACLINE";
     const double sb = m_dBaseMva, tol = TOLERANCE;
     SaveBackFamily f;
@@ -188,7 +188,7 @@ int CLFCalDataTransfer::SaveL2DataToPCR()
 {
     CRunTimeLog frame("SaveL2DataToPCR");
     const QByteArray job = FormatText("L2_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const QByteArray group = SqlText(m_pDB, m_strGroupName.toLocal8Bit());
     const char* B = "CDB_PCAPREA";
     const double sb = m_dBaseMva, tol = TOLERANCE;
     SaveBackFamily f;
@@ -211,7 +211,7 @@ int CLFCalDataTransfer::SaveL2DataToSCR()
 {
     CRunTimeLog frame("SaveL2DataToSCR");
     const QByteArray job = FormatText("L2_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const QByteArray group = SqlText(m_pDB, m_strGroupName.toLocal8Bit());
     const char* B = "CDB_SCAPREA";
     const double sb = m_dBaseMva, tol = TOLERANCE;
     SaveBackFamily f;
@@ -248,7 +248,7 @@ int CLFCalDataTransfer::SaveL3DataToShift()
 int CLFCalDataTransfer::SaveL3Transformer(bool shifter)
 {
     const QByteArray job = FormatText("L3_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const QByteArray group = SqlText(m_pDB, m_strGroupName.toLocal8Bit());
     const char* B = shifter ? "CDB_SHIFT" : "CDB_TRANS_2W";
     const char* T = shifter ? "TShift" : "T2W";
     const int ntype = shifter ? 2 : 1;
@@ -290,7 +290,7 @@ int CLFCalDataTransfer::SaveL3DataToT3W()
 {
     CRunTimeLog frame("SaveL3DataToT3W");
     const QByteArray job = FormatText("L3_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const QByteArray group = SqlText(m_pDB, m_strGroupName.toLocal8Bit());
     const char* B = "CDB_TRANS_3W";
     const double sb = m_dBaseMva, tol = TOLERANCE;
     SaveBackFamily f;
@@ -335,7 +335,7 @@ int CLFCalDataTransfer::SaveL4DataToBaseDB()
 {
     CRunTimeLog frame("SaveL4DataToBaseDB");
     const QByteArray job = FormatText("L4_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const QByteArray group = SqlText(m_pDB, m_strGroupName.toLocal8Bit());
     const char* B = "CDB_DCLINE";
     const double tol = TOLERANCE;
     const QByteArray values = prefixed(COLS_DCLINE_VALUES);
@@ -362,7 +362,7 @@ int CLFCalDataTransfer::SaveL5DataToBaseDB()
 {
     CRunTimeLog frame("SaveL5DataToBaseDB");
     const QByteArray job = FormatText("L5_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const QByteArray group = SqlText(m_pDB, m_strGroupName.toLocal8Bit());
     const char* B = "CDB_GENERAT";
     const double sb = m_dBaseMva, tol = TOLERANCE;
     SaveBackFamily f;
@@ -387,7 +387,7 @@ int CLFCalDataTransfer::SaveL6DataToBaseDB()
 {
     CRunTimeLog frame("SaveL6DataToBaseDB");
     const QByteArray job = FormatText("L6_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const QByteArray group = SqlText(m_pDB, m_strGroupName.toLocal8Bit());
     const char* B = "CDB_LOAD";
     const double sb = m_dBaseMva, tol = TOLERANCE;
     SaveBackFamily f;
@@ -425,7 +425,7 @@ int CLFCalDataTransfer::SaveLKDataToSwitch()
 int CLFCalDataTransfer::SaveLKFamily(bool breaker)
 {
     const QByteArray job = FormatText("LK_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const QByteArray group = SqlText(m_pDB, m_strGroupName.toLocal8Bit());
     const char* B = breaker ? "CDB_BREAKER" : "CDB_ISOSWITCH";
     const char* T = breaker ? "TBrk" : "Tswitch";
     const int ntype = breaker ? 1 : 2;

@@ -61,7 +61,7 @@ public:
             n = std::vsnprintf(m_text.data(), m_text.size(), format, args);
             va_end(args);
         }
-        return n > 0 && m_query.exec(QString::fromLocal8Bit(m_text.data(), n));
+        return n > 0 && ExecStatement(m_query, QByteArray::fromRawData(m_text.data(), n));
     }
 
 private:
@@ -485,8 +485,8 @@ int CLFCalDataToRTDB::UpdateL2DataFromRTDB()
             }
             const int iBreak = (r.q & LN_IOPEN) ? 0 : 1;
             const int jBreak = (r.q & LN_JOPEN) ? 0 : 1;
-            if (!update.run(SQL_LN_UPDATE, table.constData(), 1, iBreak, jBreak, name.text(),
-                            ntype)) {
+            if (!update.run(SQL_LN_UPDATE, table.constData(), 1, iBreak, jBreak,
+                            SqlText(m_pDB, name.text()).constData(), ntype)) {
                 warn(MSG_LN_UPDATE);
                 return CALC_FAIL;
             }
@@ -501,7 +501,8 @@ int CLFCalDataToRTDB::UpdateL2DataFromRTDB()
             }
             // Both ends follow the one bit, clear here: always 1.
             const int brk = (r.q & CP_OUTSERVICE) ? 0 : 1;
-            if (!update.run(SQL_CP_UPDATE, table.constData(), 1, brk, brk, r.id, 3)) {
+            if (!update.run(SQL_CP_UPDATE, table.constData(), 1, brk, brk,
+                            SqlText(m_pDB, r.id).constData(), 3)) {
                 warn(MSG_CP_UPDATE);
                 return CALC_FAIL;
             }
@@ -539,7 +540,8 @@ int CLFCalDataToRTDB::UpdateL3DataFromRTDB()
                     break;
                 }
             }
-            if (!update.run(SQL_XF_UPDATE, table.constData(), 1, name.text(), ntype)) {
+            if (!update.run(SQL_XF_UPDATE, table.constData(), 1,
+                            SqlText(m_pDB, name.text()).constData(), ntype)) {
                 warn(MSG_XF_UPDATE);
                 return CALC_FAIL;
             }
@@ -562,7 +564,8 @@ int CLFCalDataToRTDB::UpdateL4DataFromRTDB()
             if (cursor->q & DLN_OUTSERVICE) {
                 continue;
             }
-            if (!update.run(SQL_DLN_UPDATE, table.constData(), 1, cursor->id)) {
+            if (!update.run(SQL_DLN_UPDATE, table.constData(), 1,
+                            SqlText(m_pDB, cursor->id).constData())) {
                 warn(MSG_DLN_UPDATE);
                 return CALC_FAIL;
             }
@@ -587,7 +590,7 @@ int CLFCalDataToRTDB::UpdateL5DataFromRTDB()
                 continue;
             }
             if (!update.run(SQL_UN_UPDATE, table.constData(), 1, r.Pg, r.Qg, r.V0, r.Angle,
-                            r.id)) {
+                            SqlText(m_pDB, r.id).constData())) {
                 warn(MSG_UN_UPDATE);
                 return CALC_FAIL;
             }
@@ -612,7 +615,7 @@ int CLFCalDataToRTDB::UpdateL6DataFromRTDB()
                 continue;
             }
             if (!update.run(SQL_LD_UPDATE, table.constData(), 1, r.Pl, r.Ql, r.V0, r.Angle,
-                            r.id)) {
+                            SqlText(m_pDB, r.id).constData())) {
                 warn(MSG_LD_UPDATE);
                 return CALC_FAIL;
             }
@@ -645,7 +648,8 @@ int CLFCalDataToRTDB::UpdateLKDataFromRTDB()
                 name.chop(3); // "_sw" or whatever else stands there
             }
             const int lbreak = (r.q & CB_OPEN) ? 0 : 1;
-            if (!update.run(SQL_CB_UPDATE, table.constData(), 1, lbreak, name.text(), ntype)) {
+            if (!update.run(SQL_CB_UPDATE, table.constData(), 1, lbreak,
+                            SqlText(m_pDB, name.text()).constData(), ntype)) {
                 warn(MSG_CB_UPDATE);
                 return CALC_FAIL;
             }

@@ -35,7 +35,7 @@ QByteArray cut(const char* id, int n)
 void run(QSqlDatabase* db, const QByteArray& sql)
 {
     QSqlQuery q(*db);
-    q.exec(QString::fromLocal8Bit(sql));
+    ExecStatement(q, sql);
 }
 
 // The frame the batched families share: the case's old rows deleted, the records that
@@ -127,8 +127,9 @@ int CLFResultDataTransfer::ImportRTDBToBs_R()
             static const SKV none = {0, "", 0, 0, 0};
             const SKV& k = r.ikv >= 0 && r.ikv < m_pKVList->size() ? (*m_pKVList)[r.ikv] : none;
             QByteArray row =
-                FormatText("%d,'%s',%12.9f,%12.6f,'%s',%d,%f,%f,%f ", m_caseNo, r.name, r.V,
-                           r.Angle, k.KV, k.Zone_No, k.Base_kV, k.Vmax_kV, k.Vmin_kV);
+                FormatText("%d,'%s',%12.9f,%12.6f,'%s',%d,%f,%f,%f ", m_caseNo,
+                           SqlText(m_pDB, r.name).constData(), r.V, r.Angle,
+                           SqlText(m_pDB, k.KV).constData(), k.Zone_No, k.Base_kV, k.Vmax_kV, k.Vmin_kV);
             if (!m_bOptimal) {
                 row += FormatText(",%d,%d,%d,%d,%d", r.id, r.ikv, r.iisland, r.q, r.qq);
             }
@@ -147,7 +148,8 @@ int CLFResultDataTransfer::ImportRTDBToBus_R()
                 return QByteArray();
             }
             QByteArray row =
-                FormatText("%d,'%s',%12.9f,%12.6f,'%s'", m_caseNo, r.nd, r.V, r.Angle, r.KV);
+                FormatText("%d,'%s',%12.9f,%12.6f,'%s'", m_caseNo, SqlText(m_pDB, r.nd).constData(),
+                           r.V, r.Angle, SqlText(m_pDB, r.KV).constData());
             if (!m_bOptimal) {
                 row += FormatText(",%d,%d", r.ibs, r.topflags);
             }
@@ -169,8 +171,10 @@ static int linesToTable(QSqlDatabase* db, const QByteArray& t, int caseNo, bool 
             return QByteArray();
         }
         QByteArray row = FormatText("%d,'%s','%s','%s',%d,%f,%f,%f,%f,%f,%f,%f,%f,", caseNo,
-                                    cut(r.id, 3).constData(), r.I_Name, r.J_Name, r.ID_No, r.Pi,
-                                    r.Qi, r.Pj, r.Qj, r.Qci, r.Qcj, GetNodeVol_FromRTDB(r.I_Name),
+                                    SqlText(db, cut(r.id, 3)).constData(),
+                                    SqlText(db, r.I_Name).constData(),
+                                    SqlText(db, r.J_Name).constData(), r.ID_No, r.Pi, r.Qi, r.Pj,
+                                    r.Qj, r.Qci, r.Qcj, GetNodeVol_FromRTDB(r.I_Name),
                                     GetNodeVol_FromRTDB(r.J_Name));
         if (ac) {
             row += FormatText("%f,%f,%d,%f,%f", GetNodeAngle_FromRTDB(r.I_Name),
@@ -204,8 +208,11 @@ int CLFResultDataTransfer::ImportRTDBToPCR_R()
                                    return QByteArray();
                                }
                                QByteArray row = FormatText(
-                                   "%d,'%s','%s',%d,%f,%f,%f,'%s'", m_caseNo, r.id, r.Bus_Name,
-                                   r.ID_No, r.Pi, r.Qi, GetNodeVol_FromRTDB(r.Bus_Name), r.KV);
+                                   "%d,'%s','%s',%d,%f,%f,%f,'%s'", m_caseNo,
+                                   SqlText(m_pDB, r.id).constData(),
+                                   SqlText(m_pDB, r.Bus_Name).constData(), r.ID_No, r.Pi, r.Qi,
+                                   GetNodeVol_FromRTDB(r.Bus_Name),
+                                   SqlText(m_pDB, r.KV).constData());
                                if (!m_bOptimal) {
                                    row += FormatText(",%d,%d,%d", r.ibs, r.q, r.topflags);
                                }
@@ -221,8 +228,9 @@ int CLFResultDataTransfer::ImportRTDBToGen_R()
                                    return QByteArray();
                                }
                                QByteArray row = FormatText(
-                                   "%d,'%s','%s',%15.9f,%15.9f,%12.9f,%f,%d ", m_caseNo, r.id,
-                                   r.Bus_Name, r.Pg, r.Qg, GetNodeVol_FromRTDB(r.Bus_Name),
+                                   "%d,'%s','%s',%15.9f,%15.9f,%12.9f,%f,%d ", m_caseNo,
+                                   SqlText(m_pDB, r.id).constData(),
+                                   SqlText(m_pDB, r.Bus_Name).constData(), r.Pg, r.Qg, GetNodeVol_FromRTDB(r.Bus_Name),
                                    GetNodeAngle_FromRTDB(r.Bus_Name), r.Mode_Ctrl);
                                if (!m_bOptimal) {
                                    row += FormatText(",%d,%d,%d", r.ibs, r.q, r.topflags);
@@ -240,7 +248,9 @@ int CLFResultDataTransfer::ImportRTDBToLoad_R()
                                }
                                QByteArray row =
                                    FormatText("%d,'%s','%s',%d,%15.9f,%15.9f,%12.9f,%f,%d ",
-                                              m_caseNo, r.id, r.Bus_Name, r.No_Load, r.Pl, r.Ql,
+                                              m_caseNo, SqlText(m_pDB, r.id).constData(),
+                                              SqlText(m_pDB, r.Bus_Name).constData(), r.No_Load,
+                                              r.Pl, r.Ql,
                                               GetNodeVol_FromRTDB(r.Bus_Name),
                                               GetNodeAngle_FromRTDB(r.Bus_Name), r.Mode_Ctrl);
                                if (!m_bOptimal) {
@@ -264,14 +274,15 @@ static int transformersToTable(QSqlDatabase* db, const QByteArray& t, int caseNo
             return QByteArray();
         }
         QByteArray row = FormatText("%d,'%s','%s','%s',%d,%f,%f,%f,%f,%f,%f,%f,%f,%f,", caseNo,
-                                    cut(r.id, 3).constData(), r.I_Name, r.J_Name, r.ID_No, r.Pi,
-                                    r.Qi, r.Pj, r.Qj, r.Pm, r.Qm, r.Tk,
+                                    SqlText(db, cut(r.id, 3)).constData(),
+                                    SqlText(db, r.I_Name).constData(),
+                                    SqlText(db, r.J_Name).constData(), r.ID_No, r.Pi, r.Qi, r.Pj, r.Qj, r.Pm, r.Qm, r.Tk,
                                     GetNodeVol_FromRTDB(r.I_Name), GetNodeVol_FromRTDB(r.J_Name));
         if (t2w) {
             row += FormatText("%f,%f,", GetNodeAngle_FromRTDB(r.I_Name),
                               GetNodeAngle_FromRTDB(r.J_Name));
         }
-        row += FormatText("%f,%f,'%s'", r.Rate_MVA, r.Up_Limit, r.ST);
+        row += FormatText("%f,%f,'%s'", r.Rate_MVA, r.Up_Limit, SqlText(db, r.ST).constData());
         if (!optimal) {
             row += FormatText(",%d,%d,%d,%d", r.ibs, r.zbs, r.q, r.topflags);
         }
@@ -324,12 +335,14 @@ int CLFResultDataTransfer::ImportRTDBToT3W_R()
                 if (!alive) {
                     return QByteArray(); // no live winding: no row
                 }
-                row = FormatText("%d,'%s','%s',%f,'%s',", m_caseNo, name.constData(), r.I_Name,
-                                 r.Up_Limit, r.ST);
+                row = FormatText("%d,'%s','%s',%f,'%s',", m_caseNo,
+                                 SqlText(m_pDB, name).constData(),
+                                 SqlText(m_pDB, r.I_Name).constData(), r.Up_Limit,
+                                 SqlText(m_pDB, r.ST).constData());
             }
             const QByteArray idText(r.id);
             const int k = idText.isEmpty() ? 0 : idText.back() - '0';
-            row += FormatText("'%s',%d,", r.J_Name, r.ID_No);
+            row += FormatText("'%s',%d,", SqlText(m_pDB, r.J_Name).constData(), r.ID_No);
             if (r.topflags & XF_TOP_INVALID) {
                 row += FormatText("%f,%f,%f,%f,%f,%f,%f,", 0.0, 0.0, 0.0, 0.0, r.Tk, 0.0, 0.0);
                 if (k == 1) {
@@ -378,9 +391,10 @@ int CLFResultDataTransfer::ImportRTDBToBreaker_R()
         // Four characters go, also from a switch's three-letter suffix, as designed.
         QSqlQuery q(*m_pDB);
         const QByteArray sql =
-            FormatText(SQL_BREAKER_ROW, t.constData(), m_caseNo, cut(r.id, 4).constData(), r.I_Name,
-                       r.J_Name, r.P, r.Q, GetNodeVol_FromRTDB(r.I_Name));
-        if (!q.exec(QString::fromLocal8Bit(sql))) {
+            FormatText(SQL_BREAKER_ROW, t.constData(), m_caseNo,
+                       SqlText(m_pDB, cut(r.id, 4)).constData(), SqlText(m_pDB, r.I_Name).constData(),
+                       SqlText(m_pDB, r.J_Name).constData(), r.P, r.Q, GetNodeVol_FromRTDB(r.I_Name));
+        if (!ExecStatement(q, sql)) {
             ShowModalBox(ModalBoxKind::Warning, QObject::tr(BOX_CAPTION),
                          QObject::tr(MSG_BREAKER_ROW));
         }
@@ -406,8 +420,10 @@ int CLFResultDataTransfer::ImportRTDBToDCLine_R()
         if (r.topflags & DLN_TOP_INVALID) {
             continue;
         }
-        QByteArray sql = FormatText(SQL_DCLINE_ROW_HEAD, t.constData(), m_caseNo, r.id, r.I_Name,
-                                    r.J_Name, r.ID_No, std::atoi(r.Owner), r.OP_Mode);
+        QByteArray sql = FormatText(SQL_DCLINE_ROW_HEAD, t.constData(), m_caseNo,
+                                    SqlText(m_pDB, r.id).constData(),
+                                    SqlText(m_pDB, r.I_Name).constData(),
+                                    SqlText(m_pDB, r.J_Name).constData(), r.ID_No, std::atoi(r.Owner), r.OP_Mode);
         const char* base = reinterpret_cast<const char*>(&r);
         for (int k = 0; k < 52; ++k) {
             double v;

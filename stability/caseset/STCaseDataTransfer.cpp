@@ -25,7 +25,7 @@ constexpr int kNoteBytes = 100;
 
 bool run(QSqlQuery& q, const QByteArray& sql)
 {
-    return q.exec(QString::fromLocal8Bit(sql));
+    return ExecStatement(q, sql);
 }
 
 QByteArray text(const QSqlQuery& q, int column, int maxBytes = -1)
@@ -213,9 +213,10 @@ struct UdBranchPlace
 // that is no value of the case (an address, a number read as an address, a slot past the
 // arguments) it gets what the C library prints for a zero there: 0 for a %d and "(null)"
 // for a %s, which is the machine's own output whenever UD_TIME is 0.
-QByteArray shiftedRunStateSet(const case_st& r)
+QByteArray shiftedRunStateSet(QSqlDatabase* db, const case_st& r)
 {
-    return FormatText(SQL_RUNSTATE_SET, r.UDOUT, 0, r.CAL_TIME, "(null)", r.Nup, r.case_no, 0);
+    return FormatText(SQL_RUNSTATE_SET, r.UDOUT, 0, SqlText(db, r.CAL_TIME).constData(), "(null)",
+                      r.Nup, r.case_no, 0);
 }
 
 } // namespace
@@ -424,10 +425,11 @@ int CSTCaseDataTransfer::UpdateSTCaseDataFromRTDB()
     }
     const case_st& r = *cases;
     if (m_bIntended) {
-        sql += FormatText(SQL_RUNSTATE_SET_INTENDED, truncated(r.Calculate), r.UDOUT, r.CAL_DATE,
-                          r.CAL_TIME, r.UD_TIME, r.Nup, m_nCaseNo);
+        sql += FormatText(SQL_RUNSTATE_SET_INTENDED, truncated(r.Calculate), r.UDOUT,
+                          SqlText(m_pDB, r.CAL_DATE).constData(),
+                          SqlText(m_pDB, r.CAL_TIME).constData(), r.UD_TIME, r.Nup, m_nCaseNo);
     } else {
-        sql += shiftedRunStateSet(r);
+        sql += shiftedRunStateSet(m_pDB, r);
     }
     QSqlQuery q(*m_pDB);
     if (!run(q, sql)) { // the ordinary outcome of the designed statement
@@ -670,7 +672,7 @@ int CSTCaseDataTransfer::ImportCurve(const SDist_Inf& inf, const char* table, bo
 {
     QSqlQuery q(*m_pDB);
     const char* select = power ? SQL_DIST_T1_SELECT : SQL_DIST_VCURVE_SELECT;
-    if (!selectDetail(q, FormatText(select, table, m_nCaseNo, inf.Bus_Name), queryMessage,
+    if (!selectDetail(q, FormatText(select, table, m_nCaseNo, SqlText(m_pDB, inf.Bus_Name).constData()), queryMessage,
                       noneMessage)) {
         return CALC_FAIL;
     }
@@ -720,7 +722,8 @@ int CSTCaseDataTransfer::ImportDist_T4DataToRTDB(SDist_Inf& inf)
 {
     QSqlQuery q(*m_pDB);
     if (!selectDetail(
-            q, FormatText(SQL_DIST_T4_SELECT, ST_DIST_T4, m_nCaseNo, inf.Bus_Name, inf.ID_Name),
+            q, FormatText(SQL_DIST_T4_SELECT, ST_DIST_T4, m_nCaseNo, SqlText(m_pDB, inf.Bus_Name).constData(),
+                          SqlText(m_pDB, inf.ID_Name).constData()),
             MSG_DIST_T4_QUERY, MSG_DIST_T4_NONE)) {
         return CALC_FAIL;
     }
@@ -740,7 +743,8 @@ int CSTCaseDataTransfer::ImportDist_T5DataToRTDB(SDist_Inf& inf)
 {
     QSqlQuery q(*m_pDB);
     if (!selectDetail(
-            q, FormatText(SQL_DIST_T5_SELECT, ST_DIST_T5, m_nCaseNo, inf.Bus_Name, inf.ID_Name),
+            q, FormatText(SQL_DIST_T5_SELECT, ST_DIST_T5, m_nCaseNo, SqlText(m_pDB, inf.Bus_Name).constData(),
+                          SqlText(m_pDB, inf.ID_Name).constData()),
             MSG_DIST_T5_QUERY, MSG_DIST_T5_NONE)) {
         return CALC_FAIL;
     }
@@ -763,7 +767,8 @@ int CSTCaseDataTransfer::ImportDist_T6DataToRTDB(SDist_Inf& inf)
 {
     // The disturbance row carries the load text in Bus_Name and the range in ID_No.
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_DIST_T6_SELECT, ST_DIST_T6, m_nCaseNo, inf.Bus_Name, inf.ID_No))) {
+    if (!run(q, FormatText(SQL_DIST_T6_SELECT, ST_DIST_T6, m_nCaseNo, SqlText(m_pDB, inf.Bus_Name).constData(),
+                           inf.ID_No))) {
         ShowMessage(MSG_DIST_T6_QUERY, MSG_ERROR);
         return CALC_FAIL;
     }
@@ -794,8 +799,8 @@ int CSTCaseDataTransfer::ImportDist_T6DataToRTDB(SDist_Inf& inf)
             loads = FormatText(SQL_RANGE_ZONE, std::atoi(row->Load_Name.constData()));
             break;
         case -3:
-            loads = FormatText(SQL_RANGE_VOLTAGE, row->Load_Name.constData(),
-                               row->Load_Name.constData());
+            loads = FormatText(SQL_RANGE_VOLTAGE, SqlWord(row->Load_Name).constData(),
+                               SqlWord(row->Load_Name).constData());
             break;
         default:
             break;
@@ -832,7 +837,7 @@ int CSTCaseDataTransfer::InsertDT6(const char* loadName, SDist_T6* row)
         return 1;
     }
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_DT6_FIND, loadName))) {
+    if (!run(q, FormatText(SQL_DT6_FIND, SqlText(m_pDB, loadName).constData()))) {
         return 3;
     }
     if (q.next()) {
@@ -842,12 +847,12 @@ int CSTCaseDataTransfer::InsertDT6(const char* loadName, SDist_T6* row)
         if (old == 0 || old < row->Nrange) {
             return 0;
         }
-        if (!run(q, FormatText(SQL_DT6_DELETE, loadName))) {
+        if (!run(q, FormatText(SQL_DT6_DELETE, SqlWord(loadName).constData()))) {
             return 2;
         }
     }
-    if (!run(q, FormatText(SQL_DT6_INSERT, row->ID_Name.constData(), loadName, row->Nrange,
-                           row->Sub_Type, row->Ref_Name.constData(), row->V_Crit, row->K_Ratio,
+    if (!run(q, FormatText(SQL_DT6_INSERT, SqlText(m_pDB, row->ID_Name).constData(), SqlText(m_pDB, loadName).constData(),
+                           row->Nrange, row->Sub_Type, SqlText(m_pDB, row->Ref_Name).constData(), row->V_Crit, row->K_Ratio,
                            row->T_Delay, row->ID_No, row->T_Start, row->T_End))) {
         return 3;
     }
@@ -878,8 +883,9 @@ int CSTCaseDataTransfer::ImportDist_T7DataToRTDB(SDist_Inf& inf)
 {
     QSqlQuery q(*m_pDB);
     if (!selectDetail(q,
-                      FormatText(SQL_DIST_T7_SELECT, ST_DIST_T7, m_nCaseNo, inf.ID_No, inf.I_Name,
-                                 inf.J_Name, inf.ID_Name),
+                      FormatText(SQL_DIST_T7_SELECT, ST_DIST_T7, m_nCaseNo, inf.ID_No,
+                                 SqlText(m_pDB, inf.I_Name).constData(), SqlText(m_pDB, inf.J_Name).constData(),
+                                 SqlText(m_pDB, inf.ID_Name).constData()),
                       MSG_DIST_T7_QUERY, MSG_DIST_T7_NONE)) {
         return CALC_FAIL;
     }
@@ -898,7 +904,8 @@ int CSTCaseDataTransfer::ImportDist_T8DataToRTDB(SDist_Inf& inf)
 {
     QSqlQuery q(*m_pDB);
     if (!selectDetail(
-            q, FormatText(SQL_DIST_T8_SELECT, ST_DIST_T8, m_nCaseNo, inf.Bus_Name, inf.ID_Name),
+            q, FormatText(SQL_DIST_T8_SELECT, ST_DIST_T8, m_nCaseNo, SqlText(m_pDB, inf.Bus_Name).constData(),
+                          SqlText(m_pDB, inf.ID_Name).constData()),
             MSG_DIST_T8_QUERY, MSG_DIST_T8_NONE)) {
         return CALC_FAIL;
     }
@@ -922,7 +929,8 @@ int CSTCaseDataTransfer::ImportDist_T9DataToRTDB(SDist_Inf& inf)
 {
     QSqlQuery q(*m_pDB);
     if (!selectDetail(
-            q, FormatText(SQL_DIST_T9_SELECT, ST_DIST_T9, m_nCaseNo, inf.Bus_Name, inf.ID_Name),
+            q, FormatText(SQL_DIST_T9_SELECT, ST_DIST_T9, m_nCaseNo, SqlText(m_pDB, inf.Bus_Name).constData(),
+                          SqlText(m_pDB, inf.ID_Name).constData()),
             MSG_DIST_T9_QUERY, MSG_DIST_T9_NONE)) {
         return CALC_FAIL;
     }
@@ -993,8 +1001,8 @@ QByteArray CSTCaseDataTransfer::BranchOutputId(const QByteArray& name, const QBy
     case 12: {
         // The output does not say which winding: the load-flow case's transformer table does.
         QSqlQuery q(*m_pDB);
-        if (!run(q, FormatText(SQL_WINDING_NTYPE, m_nCaseLF, name.constData(), iName.constData(),
-                               jName.constData()))) {
+        if (!run(q, FormatText(SQL_WINDING_NTYPE, m_nCaseLF, SqlText(m_pDB, name).constData(), SqlText(m_pDB, iName).constData(),
+                               SqlText(m_pDB, jName).constData()))) {
             ShowMessage(MSG_WINDING_QUERY, MSG_ERROR);
             return QByteArray();
         }
@@ -1020,7 +1028,7 @@ QByteArray CSTCaseDataTransfer::BranchOutputId(const QByteArray& name, const QBy
 int CSTCaseDataTransfer::GeneratorBusNo(const QByteArray& generator, int current)
 {
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_GEN_NODE, m_nCaseLF, generator.constData()))) {
+    if (!run(q, FormatText(SQL_GEN_NODE, m_nCaseLF, SqlText(m_pDB, generator).constData()))) {
         ShowMessage(MSG_GEN_NODE_QUERY, MSG_ERROR);
         return current;
     }

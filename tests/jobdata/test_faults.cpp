@@ -1,0 +1,439 @@
+// Extraction and save-back under server faults, and with names that hold quotes,
+// backslashes and multi-byte text.
+
+#include "DbTest.h"
+#include "Faults.h"
+#include "SampleNetwork.h"
+#include "common/SaveBackPattern.h"
+#include "loadflow/jobdata/LFCalDataTransfer.h"
+#include "platform/CDatabase.h"
+
+#include <QSqlError>
+#include <map>
+
+using testsupport::DbTest;
+using testsupport::Fault;
+using testsupport::FaultInjector;
+using testsupport::Hold;
+
+namespace {
+
+char kScheme[] = "SCH";
+const char* const kJobTables[] = {"L1_0", "L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"};
+
+// CHECKSUM TABLE of every base table, plain and working copy.
+std::map<std::string, std::string> BaseChecksums(QSqlDatabase db)
+{
+    QSqlQuery q(db);
+    q.exec("SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_SCHEMA=DATABASE() "
+           "AND TABLE_NAME LIKE 'cdb\\_%' ORDER BY TABLE_NAME");
+    QStringList tables;
+    while (q.next()) {
+        tables << q.value(0).toString();
+    }
+    std::map<std::string, std::string> sums;
+    EXPECT_GT(tables.size(), 30) << "the base tables, plain and working copies";
+    EXPECT_TRUE(q.exec("CHECKSUM TABLE " + tables.join(", "))) << q.lastError().text().toStdString();
+    while (q.next()) {
+        sums[q.value(0).toString().toStdString()] = q.value(1).toString().toStdString();
+    }
+    return sums;
+}
+
+// The job tables that still hold the marker row put in before a run: those the run
+// neither emptied nor refilled.
+std::vector<std::string> Marked(QSqlDatabase db)
+{
+    std::vector<std::string> out;
+    for (const char* t : kJobTables) {
+        QSqlQuery q(db);
+        const QString column = QString(t).startsWith("L1") ? "Node_Name" : "ID_Name";
+        if (q.exec(QString("SELECT COUNT(*) FROM %1 WHERE %2='MARK'").arg(t, column)) && q.next() &&
+            q.value(0).toInt() > 0) {
+            out.push_back(t);
+        }
+    }
+    return out;
+}
+
+} // namespace
+
+// ---- Extraction ----
+
+struct ExtractionFault
+{
+    Fault fault;
+    Hold hold;
+    std::vector<std::string> errors; // level-2 messages, in order (a trailing '*': a prefix)
+    std::vector<std::string> marked; // job tables the run left alone
+    enum { Untouched, Partial } l2; // L2_0 after the run: its rows as before, or a part of the new
+};
+
+void PrintTo(const ExtractionFault& f, std::ostream* os)
+{
+    *os << testsupport::FaultName(f.fault);
+}
+
+class ExtractionFaults : public DbTest, public ::testing::WithParamInterface<ExtractionFault>
+{
+protected:
+    static constexpr int kLines = 150; // AC lines of the network: more than a full L2_0 holds
+
+    void SetUp() override
+    {
+        DbTest::SetUp();
+        Truncate({"CDB_SBBAK", "CDB_BUSBAK", "CDB_NODEBAK", "CDB_PSTATIONBAK", "CDB_ZONEBAK",
+                  "CDB_ACLINEBAK", "CDB_TRANS_2WBAK", "CDB_SHIFTBAK", "CDB_GENERATBAK",
+                  "CDB_LOADBAK", "CDB_PCAPREABAK", "CDB_DATAGROUPBAK", "CDB_SCHEMEINFBAK",
+                  "CDB_SCHEMECONTBAK", "LF_CASE"});
+        samples::Network net = samples::MakeSyntheticNetwork(100);
+        QString error;
+        ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error))
+            << error.toStdString();
+        CLFCalDataTransfer first(0, kScheme, db(), nullptr);
+        ASSERT_EQ(first.ImportLDataFromBaseDB(), 0);
+        m_lines = Count("L2_0");
+        ASSERT_GT(m_lines, 0);
+        for (const char* t : kJobTables) {
+            Exec(QString("INSERT INTO %1 (Case_No, %2) VALUES (0, 'MARK')")
+                     .arg(t, QString(t).startsWith("L1") ? "Node_Name" : "ID_Name"));
+        }
+        feedback().clear();
+    }
+    int m_lines = 0;
+};
+
+TEST_P(ExtractionFaults, TheRunReportsLeavesTheBaseTablesAloneAndTheNextRunSucceeds)
+{
+    const ExtractionFault& f = GetParam();
+    const auto before = BaseChecksums(checker());
+    if (f.fault == Fault::Full) {
+        Exec("DELETE FROM L2_0"); // what the run does first; a full table takes no more
+    }
+    {
+        // Full: the emptied table holds fewer rows than the network has lines.
+        FaultInjector fault(scratch(), db(), f.fault, "L2_0", f.hold);
+        QSqlDatabase* connection = fault.Arm();
+        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
+        CLFCalDataTransfer job(0, kScheme, connection, nullptr);
+        EXPECT_EQ(job.ImportLDataFromBaseDB(), 1);
+        fault.Disarm();
+        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+    }
+    std::vector<std::string> errors = feedback().texts(2);
+    ASSERT_EQ(errors.size(), f.errors.size()) << ::testing::PrintToString(errors);
+    for (size_t i = 0; i < errors.size(); ++i) {
+        const std::string& want = f.errors[i];
+        if (!want.empty() && want.back() == '*') {
+            EXPECT_EQ(errors[i].substr(0, want.size() - 1), want.substr(0, want.size() - 1));
+        } else {
+            EXPECT_EQ(errors[i], want);
+        }
+    }
+    EXPECT_EQ(Marked(checker()), f.marked);
+    const int l2 = Count("L2_0");
+    if (f.l2 == ExtractionFault::Untouched) {
+        EXPECT_EQ(l2, m_lines + 1) << "the lines of the run before and the marker";
+    } else {
+        EXPECT_GT(l2, 0);
+        EXPECT_LT(l2, m_lines) << "a full table stops the insert part of the way";
+    }
+    EXPECT_EQ(BaseChecksums(checker()), before) << "a base table changed";
+    QSqlQuery(*db()).exec("DROP TABLE IF EXISTS tmp");
+
+    // The next run, on a fresh connection, fills every job table again.
+    QSqlDatabase fresh =
+        scratch().openSecondConnection(QString::fromStdString("fresh_x_" + testsupport::FaultName(f.fault)));
+    feedback().clear();
+    CLFCalDataTransfer again(0, kScheme, &fresh, nullptr);
+    EXPECT_EQ(again.ImportLDataFromBaseDB(), 0);
+    EXPECT_TRUE(feedback().texts(2).empty()) << ::testing::PrintToString(feedback().texts(2));
+    EXPECT_EQ(Count("L2_0"), m_lines);
+    EXPECT_TRUE(Marked(checker()).empty());
+    EXPECT_EQ(BaseChecksums(checker()), before);
+    fresh.close();
+}
+
+namespace {
+const std::string kFamiliesFail = "数据库操作发生错误！";
+const std::string kCaseCounts = "更新潮流作业表元件个数信息发生错误！";
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ExtractionFaults,
+    ::testing::Values(
+        // Killed while L2_0's rows are locked: the driver's delete of L2_0 waits and the
+        // connection dies there. L1_0 was emptied before; nothing after it runs.
+        ExtractionFault{Fault::Killed, Hold::Rows,
+                        {"L2_0表可能不存在, 导入计算数据发生错误！", kFamiliesFail, kFamiliesFail,
+                         kFamiliesFail, kFamiliesFail, kFamiliesFail, kFamiliesFail,
+                         "ImportL1DataFromBaseDB: 无法创建表Tnode！", kCaseCounts, kCaseCounts,
+                         kCaseCounts},
+                        {"L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"},
+                        ExtractionFault::Untouched},
+        // L2_0 missing: the delete stops at it (L2_0 .. LK_0 keep their rows, and the
+        // families add theirs beside them); the AC family fails; the others run.
+        ExtractionFault{Fault::MissingTable, Hold::Rows,
+                        {"L2_0表可能不存在, 导入计算数据发生错误！", "按计算方案抽取交流线数据发生错误！"},
+                        {"L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"},
+                        ExtractionFault::Untouched},
+        // A user who may only read: nothing is written anywhere.
+        ExtractionFault{Fault::ReadOnly, Hold::Rows,
+                        {"L1_0表可能不存在, 导入计算数据发生错误！", kFamiliesFail, kFamiliesFail,
+                         kFamiliesFail, kFamiliesFail, kFamiliesFail, kFamiliesFail,
+                         "ImportL1DataFromBaseDB: 无法执行SQL语句 insert into L1_0*", kCaseCounts},
+                        {"L1_0", "L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"},
+                        ExtractionFault::Untouched},
+        // L2_0 full: the AC insert stops with the rows it had written (the MEMORY engine
+        // keeps them); the other families and the node table are done.
+        ExtractionFault{Fault::Full, Hold::Rows, {"按计算方案抽取交流线数据发生错误！"}, {},
+                        ExtractionFault::Partial},
+        // L2_0's rows locked and a session that waits one second: the delete and then the
+        // AC insert time out; the other tables keep their rows beside the new ones.
+        ExtractionFault{Fault::LockTimeout, Hold::Rows,
+                        {"L2_0表可能不存在, 导入计算数据发生错误！", "按计算方案抽取交流线数据发生错误！"},
+                        {"L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"},
+                        ExtractionFault::Untouched}),
+    [](const ::testing::TestParamInfo<ExtractionFault>& info) {
+        return testsupport::FaultName(info.param.fault);
+    });
+
+// ---- Save-back ----
+
+struct SaveBackFault
+{
+    Fault fault;
+    Hold hold;
+    std::string error; // the level-2 message's start
+    bool lineSaved;    // the AC family before the faulted one kept its work
+};
+
+void PrintTo(const SaveBackFault& f, std::ostream* os)
+{
+    *os << testsupport::FaultName(f.fault);
+}
+
+class SaveBackFaults : public DbTest, public ::testing::WithParamInterface<SaveBackFault>
+{
+protected:
+    void SetUp() override
+    {
+        DbTest::SetUp();
+        Truncate({"CDB_SBBAK", "CDB_BUSBAK", "CDB_NODEBAK", "CDB_PSTATIONBAK", "CDB_ZONEBAK",
+                  "CDB_ACLINEBAK", "CDB_TRANS_2WBAK", "CDB_TRANS_3WBAK", "CDB_SHIFTBAK",
+                  "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_PCAPREABAK", "CDB_BREAKERBAK",
+                  "CDB_DATAGROUPBAK", "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "LF_CASE"});
+        samples::Network net;
+        QString error;
+        ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
+        ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error));
+        CLFCalDataTransfer extract(0, kScheme, db(), nullptr);
+        ASSERT_EQ(extract.ImportLDataFromBaseDB(), 0);
+        Exec("UPDATE L2_0 SET R1=R1+0.01 WHERE ID_Name='L1'");
+        Exec("UPDATE L2_0 SET X1=X1*2 WHERE Ntype=3"); // the shunt of bus 9
+        // A run before may have stopped with its family's table on this connection.
+        QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS Tac, TPCR, TSCR, Tnode");
+        feedback().clear();
+    }
+    // Rows of the group NEW in the line and the shunt tables.
+    static std::string Copies()
+    {
+        return Scalar("SELECT COUNT(*) FROM CDB_ACLINEBAK WHERE GrpName='NEW'").toStdString() +
+               "/" + Scalar("SELECT COUNT(*) FROM CDB_PCAPREABAK WHERE GrpName='NEW'").toStdString();
+    }
+};
+
+TEST_P(SaveBackFaults, TheRunStopsAtTheFaultedFamilyAndTheNextRunSavesEverything)
+{
+    const SaveBackFault& f = GetParam();
+    const std::string shunts = Rows("SELECT GrpName, X1 FROM CDB_PCAPREABAK ORDER BY ID")[0];
+    CDatabase base;
+    {
+        FaultInjector fault(scratch(), db(), f.fault, "CDB_PCAPREABAK", f.hold);
+        fault.SetFiller("INSERT INTO CDB_PCAPREABAK (GrpName, ID_Name) SELECT 'FILLER', seq FROM "
+                        "seq_1_to_100000",
+                        "DELETE FROM CDB_PCAPREABAK WHERE GrpName='FILLER'");
+        QSqlDatabase* connection = fault.Arm();
+        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
+        CLFCalDataTransfer job(0, kScheme, connection, &base);
+        job.SetStatementMode(SaveStatementMode::Mended);
+        EXPECT_EQ(job.SaveLDataToBaseDB("NEW", true), 1);
+        fault.Disarm();
+        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+    }
+    const auto errors = feedback().texts(2);
+    ASSERT_EQ(errors.size(), 1u) << ::testing::PrintToString(errors);
+    EXPECT_EQ(errors[0].substr(0, f.error.size()), f.error) << errors[0];
+    EXPECT_TRUE(feedback().texts(3).empty()) << "no group row was tried";
+    EXPECT_EQ(Copies(), f.lineSaved ? "1/0" : "0/0");
+    EXPECT_EQ(base.ModifiedTableTypes(), f.lineSaved ? std::vector<int>{102} : std::vector<int>{});
+    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 0);
+    EXPECT_EQ(Rows("SELECT GrpName, X1 FROM CDB_PCAPREABAK ORDER BY ID")[0], shunts);
+
+    // The next run, on a fresh connection: every family, the group's row last.
+    QSqlDatabase fresh = scratch().openSecondConnection(
+        QString::fromStdString("fresh_s_" + testsupport::FaultName(f.fault)));
+    Exec("DELETE FROM CDB_ACLINEBAK WHERE GrpName='NEW'");
+    feedback().clear();
+    CLFCalDataTransfer again(0, kScheme, &fresh, nullptr);
+    again.SetStatementMode(SaveStatementMode::Mended);
+    EXPECT_EQ(again.SaveLDataToBaseDB("NEW", true), 0);
+    EXPECT_TRUE(feedback().texts(2).empty()) << ::testing::PrintToString(feedback().texts(2));
+    EXPECT_EQ(Copies(), "1/1");
+    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 1);
+    fresh.close();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, SaveBackFaults,
+    ::testing::Values(
+        // The shunts' rows locked: the family's first statement, whose select reads them
+        // with shared locks, waits, and the connection dies there. The lines were saved.
+        SaveBackFault{Fault::Killed, Hold::Rows,
+                      "Fail to execute SQL: Create temporary Table TPCR", true},
+        SaveBackFault{Fault::MissingTable, Hold::Rows,
+                      "Fail to execute SQL: Create temporary Table TPCR", true},
+        // Read only: the first write, the lines' copy into the group, is refused.
+        SaveBackFault{Fault::ReadOnly, Hold::Rows,
+                      "Fail to execute SQL: insert into CDB_ACLINEBAK(GrpName, ", false},
+        SaveBackFault{Fault::Full, Hold::Rows,
+                      "Fail to execute SQL: insert into CDB_PCAPREABAK(GrpName, ", true},
+        SaveBackFault{Fault::LockTimeout, Hold::Rows,
+                      "Fail to execute SQL: Create temporary Table TPCR", true}),
+    [](const ::testing::TestParamInfo<SaveBackFault>& info) {
+        return testsupport::FaultName(info.param.fault);
+    });
+
+// ---- Names that hold quotes, backslashes and multi-byte text ----
+
+class JobNames : public DbTest
+{
+protected:
+    void SetUp() override
+    {
+        DbTest::SetUp();
+        Truncate({"CDB_SBBAK", "CDB_BUSBAK", "CDB_NODEBAK", "CDB_PSTATIONBAK", "CDB_ZONEBAK",
+                  "CDB_ACLINEBAK", "CDB_TRANS_2WBAK", "CDB_TRANS_3WBAK", "CDB_SHIFTBAK",
+                  "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_PCAPREABAK", "CDB_BREAKERBAK",
+                  "CDB_DATAGROUPBAK", "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "LF_CASE", "L1_0",
+                  "L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"});
+        samples::Network net;
+        QString error;
+        ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
+        ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error));
+        // Nodes, lines and a generator renamed; every table that names them follows.
+        for (const auto& [from, to] : kRenames) {
+            const QString f = QString("'%1'").arg(QString::fromStdString(from));
+            const QString t = Literal(to);
+            Exec("UPDATE CDB_NODEBAK SET Node_Name=" + t + " WHERE Node_Name=" + f);
+            for (const char* table : {"CDB_ACLINEBAK", "CDB_TRANS_2WBAK", "CDB_SHIFTBAK"}) {
+                Exec(QString("UPDATE %1 SET I_Name=%2 WHERE I_Name=%3").arg(table, t, f));
+                Exec(QString("UPDATE %1 SET J_Name=%2 WHERE J_Name=%3").arg(table, t, f));
+                Exec(QString("UPDATE %1 SET ID_Name=%2 WHERE ID_Name=%3").arg(table, t, f));
+            }
+            for (const char* table : {"CDB_GENERATBAK", "CDB_LOADBAK", "CDB_PCAPREABAK"}) {
+                Exec(QString("UPDATE %1 SET Node_Name=%2 WHERE Node_Name=%3").arg(table, t, f));
+                Exec(QString("UPDATE %1 SET ID_Name=%2 WHERE ID_Name=%3").arg(table, t, f));
+            }
+        }
+        // The scheme's name holds a quote; a second scheme, whose group stands higher,
+        // holds another line L3 and must not take part.
+        Exec("UPDATE CDB_SCHEMEINFBAK SET SchName=" + Literal(kQuotedScheme));
+        Exec("INSERT INTO CDB_SCHEMEINFBAK (ID, SchName) VALUES (77, 'DECOY')");
+        Exec("INSERT INTO CDB_SCHEMECONTBAK (IDSch, GrpName, Nlever) VALUES (77, 'G9', 9)");
+        Exec("INSERT INTO CDB_ACLINEBAK (GrpName, ID_Name, Valid, I_Name, J_Name, ID_No, Unit, "
+             "R1, X1, Owner) SELECT 'G9', ID_Name, Valid, I_Name, J_Name, ID_No, 1, 9.9, 9.9, "
+             "Owner FROM CDB_ACLINEBAK WHERE ID_Name='L3'");
+        feedback().clear();
+    }
+    // A text as an SQL literal, written by the test itself.
+    static QString Literal(const std::string& text)
+    {
+        QString s = QString::fromStdString(text);
+        s.replace("\\", "\\\\").replace("'", "''");
+        return "'" + s + "'";
+    }
+    static inline const std::string kQuotedScheme = "x' OR '1'='1";
+    static inline const std::vector<std::pair<std::string, std::string>> kRenames = {
+        {"N1", "x' OR '1'='1"},
+        {"N2", "a\\b"},
+        {"N3", "N3\\"},
+        {"N4", "节点甲乙丙丁N4"}, // 20 bytes of UTF-8
+        {"L1", "L1' --"},
+        {"L2", "\\'"},
+        {"G1", "G1\\"},
+    };
+};
+
+TEST_F(JobNames, ExtractionAndSaveBackTouchOnlyTheRowsOfTheNamesTheyWereGiven)
+{
+    ASSERT_EQ(std::string("节点甲乙丙丁N4").size(), 20u);
+    std::vector<char> scheme(kQuotedScheme.begin(), kQuotedScheme.end());
+    scheme.push_back('\0');
+    CLFCalDataTransfer job(0, scheme.data(), db(), nullptr);
+    EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
+    EXPECT_TRUE(feedback().texts(2).empty()) << ::testing::PrintToString(feedback().texts(2));
+    // The scheme's own group only: 17 lines and the shunt, L3 from G1.
+    EXPECT_EQ(Count("L2_0"), 18);
+    EXPECT_EQ(Scalar("SELECT R1 FROM L2_0 WHERE ID_Name='L3'").toDouble() < 1, true);
+    // Every node, renamed ones included, reached the node table through Tnode.
+    EXPECT_GE(Count("L1_0"), 14) << ::testing::PrintToString(Rows("SELECT Node_Name FROM L1_0"));
+    for (const auto& [from, to] : kRenames) {
+        if (from[0] == 'N') {
+            EXPECT_EQ(Count("L1_0 WHERE Node_Name=" + Literal(to)), 1) << to;
+        }
+    }
+    EXPECT_EQ(Count("L5_0 WHERE ID_Name=" + Literal("G1\\") + " AND Node_Name='N1G'"), 1);
+
+    // Save-back into a group whose name holds a quote: a changed line with a quote in its
+    // name, an orphan generator on a new node whose name ends in a backslash.
+    Exec("UPDATE L2_0 SET R1=R1+0.01 WHERE ID_Name=" + Literal("L1' --"));
+    Exec("INSERT INTO L5_0 (Case_No, EleID, ID_Name, Valid, Node_Name, Pg) VALUES (0, 99999, "
+         "'GX', 1, " +
+         Literal("新\\节点") + ", 0.3)");
+    Exec("INSERT INTO L1_0 (Case_No, Node_Name, Bus_Name, Base_kV) VALUES (0, " +
+         Literal("新\\节点") + ", 'B1', 135)");
+    const int lines = Count("CDB_ACLINEBAK");
+    const std::string g1Line =
+        Rows("SELECT R1 FROM CDB_ACLINEBAK WHERE GrpName='G1' AND ID_Name=" + Literal("L1' --"))[0];
+    const QString group = QString::fromStdString("x' OR '1'='1");
+    CLFCalDataTransfer save(0, scheme.data(), db(), nullptr);
+    save.SetStatementMode(SaveStatementMode::Mended);
+    EXPECT_EQ(save.SaveLDataToBaseDB(group, true), 0);
+    EXPECT_EQ(feedback().texts(2),
+              std::vector<std::string>{"发电机作业数据中有 1 条记录与基础库元件不对应, "
+                                       "被保存至数据组 x' OR '1'='1 。"});
+    EXPECT_EQ(Count("CDB_ACLINEBAK"), lines + 1) << "one copy, in the group";
+    EXPECT_EQ(Rows("SELECT GrpName FROM CDB_ACLINEBAK WHERE ID_Name=" + Literal("L1' --") +
+                   " ORDER BY ID"),
+              (std::vector<std::string>{"G1", "x' OR '1'='1"}));
+    EXPECT_EQ(Rows("SELECT R1 FROM CDB_ACLINEBAK WHERE GrpName='G1' AND ID_Name=" +
+                   Literal("L1' --"))[0],
+              g1Line)
+        << "the base row stays as it was";
+    EXPECT_EQ(Count("CDB_ACLINEBAK WHERE GrpName='G9' AND R1=9.9"), 1) << "the decoy untouched";
+    EXPECT_EQ(Rows("SELECT GrpName, Node_Name FROM CDB_GENERATBAK WHERE ID_Name='GX'"),
+              std::vector<std::string>{"x' OR '1'='1|新\\节点"});
+    EXPECT_EQ(Count("CDB_NODEBAK WHERE Node_Name=" + Literal("新\\节点")), 1) << "the new node";
+    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName=" + Literal("x' OR '1'='1")), 1);
+}
+
+// A scheme name cut inside a multi-byte character (the transfer keeps 32 bytes of it)
+// cannot be sent as it stands: every family shows its message, instead of asking for a
+// scheme of another name.
+TEST_F(JobNames, ASchemeNameCutInsideACharacterFailsEachFamilyWithItsMessage)
+{
+    std::string name = "方案";
+    while (name.size() < 33) {
+        name += "甲"; // three bytes each: the 32nd byte falls inside one
+    }
+    std::vector<char> scheme(name.begin(), name.end());
+    scheme.push_back('\0');
+    StartStatementLog();
+    CLFCalDataTransfer job(0, scheme.data(), db(), nullptr);
+    EXPECT_EQ(job.ImportLDataFromBaseDB(), 1);
+    EXPECT_EQ(feedback().texts(2), std::vector<std::string>(6, "按计算方案抽取数据发生错误！"));
+    for (const std::string& s : SentStatements()) {
+        EXPECT_EQ(s.find("SchName="), std::string::npos) << "sent: " << s;
+    }
+}

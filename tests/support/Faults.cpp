@@ -1,0 +1,197 @@
+#include "Faults.h"
+
+#include <QAtomicInt>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QVariant>
+#include <chrono>
+#include <unistd.h>
+
+namespace testsupport {
+
+namespace {
+QAtomicInt serial;
+}
+
+std::string FaultName(Fault fault)
+{
+    switch (fault) {
+    case Fault::Killed: return "Killed";
+    case Fault::MissingTable: return "MissingTable";
+    case Fault::ReadOnly: return "ReadOnly";
+    case Fault::Full: return "Full";
+    case Fault::LockTimeout: return "LockTimeout";
+    }
+    return "?";
+}
+
+FaultInjector::FaultInjector(fixtures::ScratchDatabase& scratch, QSqlDatabase* library,
+                             Fault fault, const QString& table, Hold hold)
+    : m_scratch(scratch), m_library(library), m_fault(fault), m_table(table), m_hold(hold)
+{
+    const int n = serial.fetchAndAddRelaxed(1);
+    m_admin = m_scratch.openSecondConnection(QStringLiteral("fault_admin_%1").arg(n));
+    m_blocker = m_scratch.openSecondConnection(QStringLiteral("fault_blocker_%1").arg(n));
+    m_readOnlyName = QStringLiteral("fault_ro_%1_%2").arg(::getpid()).arg(n);
+    m_user = QStringLiteral("ro_%1_%2").arg(::getpid()).arg(n);
+}
+
+FaultInjector::~FaultInjector()
+{
+    Disarm();
+}
+
+void FaultInjector::SetFiller(const QString& fill, const QString& unfill)
+{
+    m_fill = fill;
+    m_unfill = unfill;
+}
+
+bool FaultInjector::run(QSqlDatabase& db, const QString& sql)
+{
+    QSqlQuery q(db);
+    if (!q.exec(sql)) {
+        m_error = q.lastError().text() + QStringLiteral(" in: ") + sql;
+        return false;
+    }
+    return true;
+}
+
+QSqlDatabase* FaultInjector::Arm()
+{
+    m_armed = true;
+    switch (m_fault) {
+    case Fault::MissingTable:
+        m_struck = run(m_admin, QStringLiteral("RENAME TABLE %1 TO %1_gone").arg(m_table));
+        return m_struck ? m_library : nullptr;
+    case Fault::ReadOnly: {
+        const QString db = m_scratch.name();
+        for (const char* host : {"localhost", "127.0.0.1"}) {
+            if (!run(m_admin, QStringLiteral("CREATE USER '%1'@'%2'").arg(m_user, host)) ||
+                !run(m_admin, QStringLiteral("GRANT SELECT, CREATE TEMPORARY TABLES ON `%1`.* TO "
+                                             "'%2'@'%3'")
+                                  .arg(db, m_user, host))) {
+                return nullptr;
+            }
+        }
+        const fixtures::ServerAddress a = fixtures::ServerAddress::fromEnvironment();
+        m_readOnly = QSqlDatabase::addDatabase(QStringLiteral("QMYSQL"), m_readOnlyName);
+        m_readOnly.setUserName(m_user);
+        m_readOnly.setDatabaseName(db);
+        if (!a.socket.isEmpty()) {
+            m_readOnly.setConnectOptions(QStringLiteral("UNIX_SOCKET=") + a.socket);
+        } else {
+            m_readOnly.setHostName(a.host);
+            m_readOnly.setPort(a.port);
+        }
+        if (!m_readOnly.open()) {
+            m_error = m_readOnly.lastError().text();
+            return nullptr;
+        }
+        m_struck = true;
+        return &m_readOnly;
+    }
+    case Fault::Full:
+        // The smallest MEMORY table the server makes holds some 16 KB of rows.
+        if (!run(m_admin, QStringLiteral("SET SESSION max_heap_table_size=16384")) ||
+            !run(m_admin, QStringLiteral("ALTER TABLE %1 ENGINE=MEMORY").arg(m_table))) {
+            return nullptr;
+        }
+        if (!m_fill.isEmpty()) {
+            QSqlQuery q(m_admin);
+            q.exec(m_fill); // runs until the table is full
+        }
+        m_struck = true;
+        return m_library;
+    case Fault::Killed:
+    case Fault::LockTimeout: {
+        const bool locked =
+            m_hold == Hold::Table
+                ? run(m_blocker, QStringLiteral("LOCK TABLES %1 WRITE").arg(m_table))
+                : run(m_blocker, QStringLiteral("START TRANSACTION")) &&
+                      run(m_blocker, QStringLiteral("SELECT * FROM %1 FOR UPDATE").arg(m_table));
+        if (!locked) {
+            return nullptr;
+        }
+        if (m_fault == Fault::LockTimeout) {
+            m_struck = run(*m_library, QStringLiteral("SET SESSION innodb_lock_wait_timeout=1, "
+                                                      "lock_wait_timeout=1"));
+            return m_struck ? m_library : nullptr;
+        }
+        QSqlQuery id(*m_library);
+        if (!id.exec(QStringLiteral("SELECT CONNECTION_ID()")) || !id.next()) {
+            m_error = id.lastError().text();
+            return nullptr;
+        }
+        const qlonglong victim = id.value(0).toLongLong();
+        const QString database = m_scratch.name();
+        const QString name = m_readOnlyName + QStringLiteral("_killer");
+        m_killer = std::thread([this, victim, database, name] {
+            {
+                QSqlDatabase k = fixtures::OpenConnection(name, database);
+                QSqlQuery q(k);
+                // Bounded: ten seconds at most for the transfer to reach the lock.
+                for (int i = 0; i < 500 && !m_stop && !m_killed; ++i) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+                    q.exec(QStringLiteral("SELECT 1 FROM information_schema.PROCESSLIST WHERE "
+                                          "ID=%1 AND COMMAND='Query' AND TIME_MS>200")
+                               .arg(victim));
+                    if (q.next()) {
+                        m_killed = q.exec(QStringLiteral("KILL CONNECTION %1").arg(victim));
+                    }
+                }
+            }
+            QSqlDatabase::removeDatabase(name);
+        });
+        return m_library;
+    }
+    }
+    return nullptr;
+}
+
+void FaultInjector::Disarm()
+{
+    if (!m_armed) {
+        return;
+    }
+    m_armed = false;
+    if (m_killer.joinable()) {
+        m_stop = true;
+        m_killer.join();
+        m_struck = m_killed;
+    }
+    switch (m_fault) {
+    case Fault::MissingTable:
+        run(m_admin, QStringLiteral("RENAME TABLE %1_gone TO %1").arg(m_table));
+        break;
+    case Fault::ReadOnly:
+        m_readOnly.close();
+        m_readOnly = QSqlDatabase();
+        QSqlDatabase::removeDatabase(m_readOnlyName);
+        for (const char* host : {"localhost", "127.0.0.1"}) {
+            run(m_admin, QStringLiteral("DROP USER IF EXISTS '%1'@'%2'").arg(m_user, host));
+        }
+        break;
+    case Fault::Full:
+        if (!m_unfill.isEmpty()) {
+            run(m_admin, m_unfill);
+        }
+        run(m_admin, QStringLiteral("ALTER TABLE %1 ENGINE=InnoDB").arg(m_table));
+        break;
+    case Fault::Killed:
+    case Fault::LockTimeout:
+        run(m_blocker, m_hold == Hold::Table ? QStringLiteral("UNLOCK TABLES")
+                                             : QStringLiteral("ROLLBACK"));
+        if (m_fault == Fault::LockTimeout) {
+            run(*m_library, QStringLiteral("SET SESSION innodb_lock_wait_timeout=DEFAULT, "
+                                           "lock_wait_timeout=DEFAULT"));
+        } else {
+            // The killed session is gone: the suite's connection starts a new one.
+            m_library->close();
+            m_library->open();
+        }
+        break;
+    }
+}
+
+} // namespace testsupport

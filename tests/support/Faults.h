@@ -1,0 +1,80 @@
+#pragma once
+// Server faults for the fault tables of the transfers: one fault on one table of a test
+// suite's database, armed before a transfer runs and disarmed after it.
+//
+//   Killed        a second session holds a lock on the table; when the transfer's
+//                 connection has waited on it for a moment, a third session kills that
+//                 connection (the server stopped in the middle of a transfer)
+//   MissingTable  the table is renamed away
+//   ReadOnly      the transfer runs as a user with SELECT (and temporary tables) only
+//   Full          the table is moved to the MEMORY engine at its smallest size and filled
+//                 with rows of its own, so the server answers "The table ... is full"
+//   LockTimeout   a second session holds a lock on the table and the transfer's session
+//                 waits one second for locks (innodb_lock_wait_timeout, lock_wait_timeout)
+//
+// The lock is either on the rows (a locking read of every row in an open transaction:
+// writes wait, plain reads pass) or on the whole table (LOCK TABLES ... WRITE: every
+// statement on it waits). Disarm puts everything back; after a kill it opens the suite's
+// connection again, so that the next run has a fresh session.
+
+#include "ServerConnection.h"
+
+#include <QSqlDatabase>
+#include <QString>
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+
+namespace testsupport {
+
+enum class Fault { Killed, MissingTable, ReadOnly, Full, LockTimeout };
+enum class Hold { Rows, Table };
+
+std::string FaultName(Fault fault);
+
+class FaultInjector
+{
+public:
+    // `library` is the connection the transfer normally runs on.
+    FaultInjector(fixtures::ScratchDatabase& scratch, QSqlDatabase* library, Fault fault,
+                  const QString& table, Hold hold = Hold::Rows);
+    ~FaultInjector();
+    FaultInjector(const FaultInjector&) = delete;
+    FaultInjector& operator=(const FaultInjector&) = delete;
+
+    // For Full: the statement that fills the table with rows of its own (it runs until the
+    // server refuses it), and the one that takes them out again.
+    void SetFiller(const QString& fill, const QString& unfill);
+
+    // Readies the fault; the connection to give the transfer (the library's, or the
+    // read-only user's). Null with Error() set when the fault cannot be readied.
+    QSqlDatabase* Arm();
+    // Puts the table, the locks, the user and the library's connection back.
+    void Disarm();
+    // Killed: whether the kill was done. The other faults: whether they were armed.
+    bool Struck() const { return m_struck; }
+    const QString& Error() const { return m_error; }
+
+private:
+    bool run(QSqlDatabase& db, const QString& sql);
+
+    fixtures::ScratchDatabase& m_scratch;
+    QSqlDatabase* m_library;
+    Fault m_fault;
+    QString m_table;
+    Hold m_hold;
+    QString m_fill, m_unfill;
+    QString m_error;
+    QSqlDatabase m_admin;   // renames, engines, users
+    QSqlDatabase m_blocker; // holds the lock
+    QSqlDatabase m_readOnly;
+    QString m_readOnlyName, m_user;
+    std::thread m_killer;
+    std::atomic<bool> m_stop{false};
+    std::atomic<bool> m_killed{false};
+    bool m_struck = false;
+    bool m_armed = false;
+};
+
+} // namespace testsupport
