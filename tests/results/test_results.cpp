@@ -2,6 +2,7 @@
 // through breakers and switches.
 
 #include "DbTest.h"
+#include "Faults.h"
 #include "RecordAccess.h"
 #include "loadflow/results/LFResultDataTransfer.h"
 #include "platform/NetModel.h"
@@ -623,4 +624,165 @@ TEST_F(Results, NamesOfTwentyBytesAndQuotesTravelWhileANaNLosesOnlyItsOwnTable)
     EXPECT_EQ(in.ImportLFResultDataToRTDB(), 0);
     EXPECT_FLOAT_EQ(Fetch<un>(twenty.c_str()).Pg, 0.5f);
     EXPECT_FLOAT_EQ(Fetch<un>("G1").Pg, 0.75f);
+}
+
+// ---- The write of results under server faults ----
+
+namespace {
+const std::string kXAcline = "交流线结果数据回存到结果库发生错误，可能存在正序阻抗为0的线路导致功率无穷大,"
+                             "\n请数据检查后再计算！";
+const std::string kXPcr = "并联电容电抗器结果数据回存到结果库发生错误，可能存在正序阻抗为0的并联电容"
+                          "电抗器导致功率无穷大,\n请数据检查后再计算！";
+const std::string kXGen = "发电机结果数据回存到结果库发生错误，\n请数据检查后再计算！";
+const std::string kXLoad = "负荷结果数据回存到结果库发生错误，\n请数据检查后再计算！";
+const std::string kXT2w = "两绕组变压器结果数据回存到结果库发生错误，\n请数据检查后再计算！";
+} // namespace
+
+struct ResultFault
+{
+    testsupport::Fault fault;
+    std::vector<std::string> errors; // level 2, in order
+    size_t boxes;                    // the refused batches' boxes
+    std::string values;              // Pi of L1, Pg of G1, Pl of D1 in the tables afterwards
+};
+
+void PrintTo(const ResultFault& f, std::ostream* os)
+{
+    *os << testsupport::FaultName(f.fault);
+}
+
+class ResultFaults : public DbTest, public ::testing::WithParamInterface<ResultFault>
+{
+protected:
+    void SetUp() override
+    {
+        DbTest::SetUp();
+        ASSERT_TRUE(m_rtdb.open("resultfaults"));
+        Truncate({"LFR_BS_R", "LFR_BUS_R", "LFR_ACLINE_R", "LFR_PCR_R", "LFR_GEN_R", "LFR_LOAD_R",
+                  "LFR_T2W_R"});
+        SmallNetwork();
+        m_rtdb.commit();
+        // A first write; then the solution changes, so that a table written again shows it.
+        CLFResultDataTransfer out(6, db(), &m_rtdb, false, 0);
+        ASSERT_EQ(out.ImportRTDBDataToLFResultDB(), 0);
+        ASSERT_EQ(Values(), "0.5|0.75|0.5");
+        Set<ln>("L1_ac", [](ln& r) { r.Pi = 0.625f; });
+        Set<un>("G1", [](un& r) { r.Pg = 0.875f; });
+        Set<ld>("D1", [](ld& r) { r.Pl = 0.375f; });
+        un g2; // one generator more than the table held for the case
+        g2.id = "G2";
+        g2.Bus_Name = "N2";
+        g2.Pg = 0.25f;
+        Put(g2);
+        m_rtdb.commit();
+        feedback().clear();
+        boxes().clear();
+    }
+    void TearDown() override
+    {
+        m_rtdb.rollback();
+        m_rtdb.close();
+    }
+    template <class T, class Change> static void Set(const char* id, Change change)
+    {
+        dbCursor<T> c(dbCursorForUpdate);
+        dbQuery q;
+        q = "id=", id;
+        ASSERT_EQ(c.select(q), 1);
+        change(*c.get());
+        c.update();
+    }
+    static std::string Values()
+    {
+        return Scalar("SELECT Pi FROM LFR_ACLINE_R WHERE Case_No=6").toStdString() + "|" +
+               Scalar("SELECT Pg FROM LFR_GEN_R WHERE Case_No=6 AND ID_Name='G1'").toStdString() + "|" +
+               Scalar("SELECT Pl FROM LFR_LOAD_R WHERE Case_No=6").toStdString();
+    }
+    dbDatabase m_rtdb;
+};
+
+TEST_P(ResultFaults, TheFaultedTableKeepsItsRowsTheOthersAreWrittenAndTheNextRunWritesAll)
+{
+    const ResultFault& f = GetParam();
+    {
+        testsupport::FaultInjector fault(scratch(), db(), f.fault, "LFR_GEN_R",
+                                         testsupport::Hold::Rows);
+        fault.SetFiller("INSERT INTO LFR_GEN_R (Case_No) SELECT 99 FROM seq_1_to_100000",
+                        "DELETE FROM LFR_GEN_R WHERE Case_No=99");
+        QSqlDatabase* connection = fault.Arm();
+        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
+        CLFResultDataTransfer out(6, connection, &m_rtdb, false, 0);
+        EXPECT_EQ(out.ImportRTDBDataToLFResultDB(), 0) << "the driver passes no failure on";
+        fault.Disarm();
+        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+    }
+    EXPECT_EQ(feedback().texts(2), f.errors);
+    EXPECT_EQ(boxes().boxes().size(), f.boxes);
+    EXPECT_EQ(Values(), f.values);
+
+    QSqlDatabase fresh = scratch().openSecondConnection(
+        QString::fromStdString("fresh_r_" + testsupport::FaultName(f.fault)));
+    feedback().clear();
+    CLFResultDataTransfer again(6, &fresh, &m_rtdb, false, 0);
+    EXPECT_EQ(again.ImportRTDBDataToLFResultDB(), 0);
+    EXPECT_TRUE(feedback().texts(2).empty());
+    EXPECT_EQ(Values(), "0.625|0.875|0.375");
+    EXPECT_EQ(Count("LFR_GEN_R WHERE Case_No=6"), 2);
+    fresh.close();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ResultFaults,
+    ::testing::Values(
+        // The generators' result rows locked: their delete waits and the connection dies;
+        // the lines were written, the loads after them find no server.
+        ResultFault{testsupport::Fault::Killed, {kXGen, kXLoad, kXT2w}, 3, "0.625|0.75|0.5"},
+        ResultFault{testsupport::Fault::MissingTable, {kXGen}, 1, "0.625|0.75|0.375"},
+        // Read only: every batch is refused; the bus tables' failures are not looked at.
+        ResultFault{testsupport::Fault::ReadOnly, {kXAcline, kXPcr, kXGen, kXLoad, kXT2w}, 7,
+                    "0.5|0.75|0.5"},
+        // Full: the case's old row was deleted and its place taken by the first new row; the
+        // second does not fit, and the MEMORY engine keeps the first of the refused batch.
+        ResultFault{testsupport::Fault::Full, {kXGen}, 1, "0.625|0.875|0.375"},
+        ResultFault{testsupport::Fault::LockTimeout, {kXGen}, 1, "0.625|0.75|0.375"}),
+    [](const ::testing::TestParamInfo<ResultFault>& info) {
+        return testsupport::FaultName(info.param.fault);
+    });
+
+// Names from the records with quotes and backslashes arrive whole; a name cut inside a
+// character is refused with its family's message, and no row carries it.
+TEST_F(Results, RecordNamesWithQuotesAndBackslashesArriveWholeAndACutNameIsRefused)
+{
+    SmallNetwork();
+    const char* names[] = {"x' OR '1'='1", "a\\b", "G\\", "\\'"};
+    for (const char* n : names) {
+        un g;
+        g.id = n;
+        g.Bus_Name = "N1";
+        g.Pg = 0.5f;
+        Put(g);
+    }
+    m_rtdb.commit();
+    Exec("DELETE FROM LFR_GEN_R");
+    Exec("INSERT INTO LFR_GEN_R (Case_No, ID_Name, Pg) VALUES (5, 'x', 9)"); // another case
+    CLFResultDataTransfer out(6, db(), &m_rtdb, false, 0);
+    EXPECT_EQ(out.ImportRTDBDataToLFResultDB(), 0);
+    EXPECT_TRUE(feedback().texts(2).empty()) << feedback().texts(2).front();
+    EXPECT_EQ(Rows("SELECT Case_No, ID_Name, Pg FROM LFR_GEN_R ORDER BY Case_No, ID_Name"),
+              (std::vector<std::string>{"5|x|9", "6|G1|0.75", "6|G\\|0.5", "6|\\'|0.5",
+                                        "6|a\\b|0.5", "6|x' OR '1'='1|0.5"}));
+
+    const std::string cut = std::string("机组甲乙丙丁戊己").substr(0, 20);
+    un bad;
+    bad.id = cut.c_str();
+    bad.Bus_Name = "N1";
+    Put(bad);
+    m_rtdb.commit();
+    feedback().clear();
+    EXPECT_EQ(out.ImportRTDBDataToLFResultDB(), 0);
+    EXPECT_EQ(feedback().texts(2), std::vector<std::string>{kXGen});
+    EXPECT_EQ(Count("LFR_GEN_R WHERE Case_No=6"), 0)
+        << "the family's batch is refused whole, the deleted rows of the case included";
+    EXPECT_EQ(Count("LFR_GEN_R WHERE Case_No=5"), 1);
+    EXPECT_EQ(Count("LFR_LOAD_R WHERE Case_No=6"), 1) << "the next family is written";
 }

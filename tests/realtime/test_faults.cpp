@@ -1,0 +1,186 @@
+// The update of a job from the real-time records under server faults, and with record
+// names that hold quotes, backslashes and multi-byte text.
+
+#include "DbTest.h"
+#include "Faults.h"
+#include "RecordAccess.h"
+#include "loadflow/realtime/LFCalDataToRTDB.h"
+#include "records/NetworkRecords.h"
+#include "records/RecordFlags.h"
+
+using namespace dtsdb;
+using testsupport::DbTest;
+using testsupport::Fault;
+using testsupport::FaultInjector;
+using testsupport::Hold;
+
+namespace {
+
+template <class T> void Put(const char* id, unsigned int q = 0)
+{
+    T r;
+    r.id = id;
+    r.q = q;
+    testsupport::Put(r);
+}
+
+const std::string kGen = "实时数据库数据更新发电机计算数据表发生错误！";
+const std::string kDc = "实时数据库数据更新直流线计算数据表发生错误！";
+const std::string kXf = "实时数据库数据更新变压器计算数据表发生错误！";
+const std::string kLine = "实时数据库数据更新线路计算数据表发生错误！";
+const std::string kLoad = "实时数据库数据更新负荷计算数据表发生错误！";
+const std::string kSwitch = "实时数据库数据更新开关刀闸计算数据表发生错误！";
+
+} // namespace
+
+struct UpdateFault
+{
+    Fault fault;
+    int result;
+    std::vector<std::string> boxes; // the warnings, in order
+    std::string states;             // Valid of K1, D1, G1, G2 after the run
+};
+
+void PrintTo(const UpdateFault& f, std::ostream* os)
+{
+    *os << testsupport::FaultName(f.fault);
+}
+
+class UpdateFaults : public DbTest, public ::testing::WithParamInterface<UpdateFault>
+{
+protected:
+    void SetUp() override
+    {
+        DbTest::SetUp();
+        ASSERT_TRUE(m_rtdb.open("updatefaults"));
+        Truncate({"L1_1", "L2_1", "L3_1", "L4_1", "L5_1", "L6_1", "LK_1"});
+        Put<un>("G1");
+        Put<un>("G2");
+        Put<ld>("D1");
+        Put<cb>("K1_brk");
+        m_rtdb.commit();
+        Exec("INSERT INTO L5_1 (ID_Name, Valid) VALUES ('G1', 0), ('G2', 0)");
+        Exec("INSERT INTO L6_1 (ID_Name, Valid) VALUES ('D1', 0)");
+        Exec("INSERT INTO LK_1 (ID_Name, Valid, Ntype) VALUES ('K1', 0, 1)");
+        feedback().clear();
+        boxes().clear();
+    }
+    void TearDown() override
+    {
+        m_rtdb.rollback();
+        m_rtdb.close();
+    }
+    static std::string States()
+    {
+        return Scalar("SELECT Valid FROM LK_1").toStdString() +
+               Scalar("SELECT Valid FROM L6_1").toStdString() +
+               Scalar("SELECT GROUP_CONCAT(Valid ORDER BY ID_Name SEPARATOR '') FROM L5_1")
+                   .toStdString();
+    }
+    dbDatabase m_rtdb;
+};
+
+TEST_P(UpdateFaults, TheFaultedFamilyWarnsTheOthersRunAndTheNextRunSucceeds)
+{
+    const UpdateFault& f = GetParam();
+    {
+        FaultInjector fault(scratch(), db(), f.fault, "L5_1", Hold::Rows);
+        fault.SetFiller("INSERT INTO L5_1 (ID_Name) SELECT seq FROM seq_1_to_100000",
+                        "DELETE FROM L5_1 WHERE ID_Name NOT LIKE 'G%'");
+        QSqlDatabase* connection = fault.Arm();
+        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
+        CLFCalDataToRTDB job(1, connection);
+        EXPECT_EQ(job.UpdateLDataFromRTDB(), f.result);
+        fault.Disarm();
+        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+    }
+    std::vector<std::string> shown;
+    for (const auto& b : boxes().boxes()) {
+        shown.push_back(b.text.toStdString());
+    }
+    EXPECT_EQ(shown, f.boxes);
+    EXPECT_TRUE(feedback().messages().empty()) << "this update warns through boxes only";
+    EXPECT_EQ(States(), f.states);
+
+    QSqlDatabase fresh = scratch().openSecondConnection(
+        QString::fromStdString("fresh_u_" + testsupport::FaultName(f.fault)));
+    boxes().clear();
+    CLFCalDataToRTDB again(1, &fresh);
+    EXPECT_EQ(again.UpdateLDataFromRTDB(), 0);
+    EXPECT_TRUE(boxes().boxes().empty());
+    EXPECT_EQ(States(), "1111");
+    fresh.close();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, UpdateFaults,
+    ::testing::Values(
+        // The generators' rows locked: their blanket statement waits and the connection dies
+        // there. Switches and loads went before; every family after it finds no server.
+        UpdateFault{Fault::Killed, 1, {kGen, kDc, kXf, kLine}, "1100"},
+        UpdateFault{Fault::MissingTable, 1, {kGen}, "1100"},
+        UpdateFault{Fault::ReadOnly, 1, {kSwitch, kLoad, kGen, kDc, kXf, kLine}, "0000"},
+        // A full MEMORY table still takes updates: its rows keep their size. No failure.
+        UpdateFault{Fault::Full, 0, {}, "1111"},
+        UpdateFault{Fault::LockTimeout, 1, {kGen}, "1100"}),
+    [](const ::testing::TestParamInfo<UpdateFault>& info) {
+        return testsupport::FaultName(info.param.fault);
+    });
+
+// Names from the records: each updates its own job row and no other.
+class UpdateNames : public DbTest
+{
+protected:
+    void SetUp() override
+    {
+        DbTest::SetUp();
+        ASSERT_TRUE(m_rtdb.open("updatenames"));
+        Truncate({"L1_1", "L2_1", "L3_1", "L4_1", "L5_1", "L6_1", "LK_1"});
+        boxes().clear();
+    }
+    void TearDown() override
+    {
+        m_rtdb.rollback();
+        m_rtdb.close();
+    }
+    dbDatabase m_rtdb;
+};
+
+TEST_F(UpdateNames, EachRecordUpdatesTheRowOfItsOwnNameOnly)
+{
+    const std::string twenty = "机组甲乙丙丁A\\"; // 6 x 3 bytes, a letter and a backslash
+    ASSERT_EQ(twenty.size(), 20u);
+    const char* names[] = {"x' OR '1'='1", "a\\b", "G\\", "\\'", twenty.c_str()};
+    for (const char* n : names) {
+        un g;
+        g.id = n;
+        g.Pg = 0.5f;
+        testsupport::Put(g);
+        const QString literal = QString::fromUtf8(n).replace("\\", "\\\\").replace("'", "''");
+        Exec("INSERT INTO L5_1 (ID_Name, Valid, Pg) VALUES ('" + literal + "', 0, 0)");
+    }
+    // Rows no record names: they stay out of service at their old values.
+    Exec("INSERT INTO L5_1 (ID_Name, Valid, Pg) VALUES ('x', 1, 7), ('a\\\\', 1, 7), ('G', 1, 7)");
+    m_rtdb.commit();
+    CLFCalDataToRTDB job(1, db());
+    EXPECT_EQ(job.UpdateL5DataFromRTDB(), 0);
+    EXPECT_TRUE(boxes().boxes().empty());
+    EXPECT_EQ(Rows("SELECT ID_Name, Valid, Pg FROM L5_1 ORDER BY ID_Name"),
+              (std::vector<std::string>{"G|0|7", "G\\|1|0.5", "\\'|1|0.5", "a\\|0|7", "a\\b|1|0.5",
+                                        "x|0|7", "x' OR '1'='1|1|0.5", twenty + "|1|0.5"}));
+
+    // A name cut inside a character cannot be sent: the family warns and stops there,
+    // and no row of another name is touched.
+    const std::string cut = std::string("机组甲乙丙丁戊己") .substr(0, 20);
+    un bad;
+    bad.id = cut.c_str();
+    bad.Pg = 0.25f;
+    testsupport::Put(bad);
+    m_rtdb.commit();
+    Exec("UPDATE L5_1 SET Pg=0");
+    EXPECT_EQ(job.UpdateL5DataFromRTDB(), 1);
+    ASSERT_EQ(boxes().boxes().size(), 1u);
+    EXPECT_EQ(boxes().boxes()[0].text.toStdString(), kGen);
+    EXPECT_EQ(Count("L5_1 WHERE Pg=0.25"), 0) << "no row took the cut name's values";
+    EXPECT_EQ(Count("L5_1 WHERE ID_Name LIKE '机组甲乙丙丁戊%'"), 0);
+}
