@@ -2,6 +2,7 @@
 // label map's rows into the records' label slots, per family, per unit and named.
 
 #include "DbTest.h"
+#include "Faults.h"
 #include "RecordAccess.h"
 #include "labels/RTLabelData.h"
 #include "loadflow/results/LFResultDataTransfer.h"
@@ -429,4 +430,109 @@ TEST_F(Labels, AnEmptyOrMissingMapStillCommitsAndResets)
                   "LabelsConf_Num=4 AND MChanged = 1",
                   "UPDATE RTLABELMAP SET MChanged = 0"}));
     EXPECT_TRUE(PrepareEleRTLabelLFRData(db(), &m_rtdb, "G1", 0, 0));
+}
+
+// ---- The refresh under server faults: it reports nothing and always gives true, so what
+// stays is the evidence: the labels written or not, the change marks reset or not ----
+
+struct LabelFault
+{
+    testsupport::Fault fault;
+    testsupport::Hold hold;
+    bool labelled; // the rows of the map reached the records
+    int marked;    // rows of the map still marked changed
+};
+
+void PrintTo(const LabelFault& f, std::ostream* os)
+{
+    *os << testsupport::FaultName(f.fault);
+}
+
+class LabelFaults : public Labels, public ::testing::WithParamInterface<LabelFault>
+{};
+
+TEST_P(LabelFaults, TheRefreshLabelsWhatItReadAndTheNextRunResetsTheMarks)
+{
+    const LabelFault& f = GetParam();
+    Map({{6, 0, 8, 4, 1}, {1, 0, 0, 4, 1}});
+    Network();
+    StoredResults();
+    BringBackResults();
+    {
+        testsupport::FaultInjector fault(scratch(), db(), f.fault, "RTLABELMAP", f.hold);
+        QSqlDatabase* connection = fault.Arm();
+        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
+        EXPECT_TRUE(PrepareRTLabelLFRData(connection, &m_rtdb, 0, false, true));
+        fault.Disarm();
+        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+    }
+    m_rtdb.rollback();
+    EXPECT_TRUE(feedback().messages().empty());
+    EXPECT_EQ(Show(Fetch<ln>("L1_ac").Slot[0]), f.labelled ? "8,1,0.5,0.1" : EMPTY);
+    EXPECT_EQ(Show(Fetch<un>("G1").Slot[0]), f.labelled ? "8,1,0.75,0.125" : EMPTY);
+    EXPECT_EQ(Count("RTLABELMAP WHERE MChanged = 1"), f.marked);
+
+    QSqlDatabase fresh = scratch().openSecondConnection(
+        QString::fromStdString("fresh_l_" + testsupport::FaultName(f.fault)));
+    EXPECT_TRUE(PrepareRTLabelLFRData(&fresh, &m_rtdb, 0, false, true));
+    m_rtdb.rollback();
+    EXPECT_EQ(Show(Fetch<ln>("L1_ac").Slot[0]), "8,1,0.5,0.1");
+    EXPECT_EQ(Count("RTLABELMAP WHERE MChanged = 1"), 0);
+    fresh.close();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, LabelFaults,
+    ::testing::Values(
+        // The map's rows locked: its select (a plain read) passes, the reset of the marks
+        // waits and the connection dies there. The labels were written and committed.
+        LabelFault{testsupport::Fault::Killed, testsupport::Hold::Rows, true, 2},
+        LabelFault{testsupport::Fault::MissingTable, testsupport::Hold::Rows, false, 2},
+        LabelFault{testsupport::Fault::ReadOnly, testsupport::Hold::Rows, true, 2},
+        // A full MEMORY table takes the reset: updates keep the rows' size.
+        LabelFault{testsupport::Fault::Full, testsupport::Hold::Rows, true, 0},
+        // The whole map locked: the select waits a second and is refused, and so is the
+        // reset; nothing is labelled.
+        LabelFault{testsupport::Fault::LockTimeout, testsupport::Hold::Table, false, 2}),
+    [](const ::testing::TestParamInfo<LabelFault>& info) {
+        return testsupport::FaultName(info.param.fault);
+    });
+
+// Node names with quotes, backslashes and multi-byte text: each bus is labelled with the
+// base voltage of its own level, found through its own name.
+TEST_F(Labels, EachBusFindsTheLevelOfItsOwnNameWhateverTheNameHolds)
+{
+    Map({{0, 0, 0}});
+    const std::string twenty = "节点甲乙丙丁A\\";
+    ASSERT_EQ(twenty.size(), 20u);
+    for (const auto& [id, base] : {std::pair<const char*, float>{"K220", 220}, {"K110", 110}}) {
+        kv k;
+        k.id = id;
+        k.Base_kV = base;
+        Put(k);
+    }
+    const std::pair<std::string, const char*> nodes[] = {
+        {"x' OR '1'='1", "K110"}, {"a\\b", "K220"}, {"N3\\", "K110"}, {twenty, "K220"}, {"x", "K220"}};
+    int n = 0;
+    for (const auto& [name, level] : nodes) {
+        bus b;
+        b.id = name.c_str();
+        b.nd = name.c_str();
+        b.ibs = ++n;
+        b.V = 1.0;
+        Put(b);
+        r_kv_nd rel;
+        rel.kv_id = level;
+        rel.nd_id = name.c_str();
+        Put(rel);
+    }
+    m_rtdb.commit();
+    EXPECT_TRUE(PrepareRTLabelLFRData(db(), &m_rtdb, LABEL_MODE_NAMED, false, false));
+    m_rtdb.rollback();
+    EXPECT_TRUE(feedback().texts(2).empty()) << ::testing::PrintToString(feedback().texts(2));
+    for (const auto& [name, level] : nodes) {
+        EXPECT_EQ(Show(Fetch<bus>(name.c_str()).Slot[0]),
+                  std::string("2,1,") + (level == std::string("K110") ? "110" : "220") + ",0")
+            << name;
+    }
 }
