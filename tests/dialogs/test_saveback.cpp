@@ -130,3 +130,16 @@ TEST_F(SaveBack, DeletingAGroupCountsRowsAndStopsAtTheFirstRefusedTable)
                                        "Fail to execute SQL: delete from CDB_TRANS_2WBAK where "
                                        "GrpName='组二'"}));
 }
+
+TEST_F(SaveBack, DeletingAGroupWhoseNameHoldsAQuoteOrABackslashDeletesThatGroupOnly)
+{
+    Exec("DELETE FROM CDB_ACLINEBAK");
+    Exec("INSERT INTO CDB_ACLINEBAK(GrpName,ID_Name) VALUES ('G1','L1'),('x','L2'),"
+         "('x'' OR ''1''=''1','L3'),('a\\\\','L4'),('a','L5')");
+    SaveBackDialog dlg(db());
+    EXPECT_EQ(dlg.DelDBGroup("x' OR '1'='1"), 1);
+    EXPECT_EQ(dlg.DelDBGroup("a\\"), 1);
+    EXPECT_EQ(Rows("SELECT GrpName FROM CDB_ACLINEBAK ORDER BY ID_Name"),
+              (std::vector<std::string>{"G1", "x", "a"}));
+    EXPECT_TRUE(feedback().texts(2).empty());
+}
