@@ -184,3 +184,92 @@ TEST_F(UpdateNames, EachRecordUpdatesTheRowOfItsOwnNameOnly)
     EXPECT_EQ(Count("L5_1 WHERE Pg=0.25"), 0) << "no row took the cut name's values";
     EXPECT_EQ(Count("L5_1 WHERE ID_Name LIKE '机组甲乙丙丁戊%'"), 0);
 }
+
+// ---- The import of a job into the records under server faults on the generators' table ----
+
+struct ImportFault
+{
+    Fault fault;
+    Hold hold;
+    std::vector<std::string> errors; // level 2, in order
+    bool generators;                 // the generators' rows reached their records
+};
+
+void PrintTo(const ImportFault& f, std::ostream* os)
+{
+    *os << testsupport::FaultName(f.fault);
+}
+
+class ImportFaults : public DbTest, public ::testing::WithParamInterface<ImportFault>
+{
+protected:
+    void SetUp() override
+    {
+        DbTest::SetUp();
+        ASSERT_TRUE(m_rtdb.open("importfaults"));
+        Truncate({"L1_1", "L2_1", "L3_1", "L4_1", "L5_1", "L6_1", "LK_1"});
+        Put<un>("G1");
+        Put<un>("G2");
+        Put<ld>("D1");
+        Put<cb>("K1_brk");
+        m_rtdb.commit();
+        Exec("INSERT INTO L5_1 (ID_Name, Valid, Pg) VALUES ('G1', 1, 0.25), ('G2', 1, 0.5)");
+        Exec("INSERT INTO L6_1 (ID_Name, Valid, Pl) VALUES ('D1', 1, 0.75)");
+        Exec("INSERT INTO LK_1 (ID_Name, Valid, Lbreak, Ntype) VALUES ('K1', 1, 1, 1)");
+        feedback().clear();
+    }
+    void TearDown() override
+    {
+        m_rtdb.rollback();
+        m_rtdb.close();
+    }
+    dbDatabase m_rtdb;
+};
+
+TEST_P(ImportFaults, TheFaultedFamilyReportsTheOthersLoadAndTheNextRunLoadsAll)
+{
+    const ImportFault& f = GetParam();
+    {
+        FaultInjector fault(scratch(), db(), f.fault, "L5_1", f.hold);
+        QSqlDatabase* connection = fault.Arm();
+        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
+        CLFCalDataToRTDB job(1, connection);
+        EXPECT_EQ(job.ImportLDataToRTDB(), f.errors.empty() ? 0 : 1);
+        fault.Disarm();
+        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+    }
+    EXPECT_EQ(feedback().texts(2), f.errors);
+    EXPECT_FLOAT_EQ(testsupport::Fetch<ld>("D1").Pl, 0.75f) << "the loads went before";
+    EXPECT_FLOAT_EQ(testsupport::Fetch<un>("G1").Pg, f.generators ? 0.25f : 0.0f);
+
+    m_rtdb.rollback();
+    QSqlDatabase fresh = scratch().openSecondConnection(
+        QString::fromStdString("fresh_i_" + testsupport::FaultName(f.fault)));
+    feedback().clear();
+    CLFCalDataToRTDB again(1, &fresh);
+    EXPECT_EQ(again.ImportLDataToRTDB(), 0);
+    EXPECT_TRUE(feedback().texts(2).empty()) << ::testing::PrintToString(feedback().texts(2));
+    EXPECT_FLOAT_EQ(testsupport::Fetch<un>("G2").Pg, 0.5f);
+    fresh.close();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ImportFaults,
+    ::testing::Values(
+        // The generators' table locked whole: its select waits and the connection dies
+        // there; every family after it finds no server.
+        ImportFault{Fault::Killed, Hold::Table,
+                    {"发电机计算数据导入实时数据库发生错误！", "直流线计算数据导入实时数据库发生错误！",
+                     "变压器计算数据导入实时数据库发生错误！", "交流线计算数据导入实时数据库发生错误！",
+                     "节点计算数据导入实时数据库发生错误！"},
+                    false},
+        ImportFault{Fault::MissingTable, Hold::Rows, {"发电机计算数据导入实时数据库发生错误！"}, false},
+        // Reading is all this import does: a user who may only read loads everything.
+        ImportFault{Fault::ReadOnly, Hold::Rows, {}, true},
+        // A table moved to the MEMORY engine at its smallest size reads as any other.
+        ImportFault{Fault::Full, Hold::Rows, {}, true},
+        ImportFault{Fault::LockTimeout, Hold::Table, {"发电机计算数据导入实时数据库发生错误！"},
+                    false}),
+    [](const ::testing::TestParamInfo<ImportFault>& info) {
+        return testsupport::FaultName(info.param.fault);
+    });
