@@ -786,3 +786,103 @@ TEST_F(Results, RecordNamesWithQuotesAndBackslashesArriveWholeAndACutNameIsRefus
     EXPECT_EQ(Count("LFR_GEN_R WHERE Case_No=5"), 1);
     EXPECT_EQ(Count("LFR_LOAD_R WHERE Case_No=6"), 1) << "the next family is written";
 }
+
+// ---- Stored results into the records under server faults on the generators' results ----
+
+struct ReadFault
+{
+    testsupport::Fault fault;
+    testsupport::Hold hold;
+    std::vector<std::string> errors; // level 2, in order
+    bool generators;                 // the generators' results reached their records
+};
+
+void PrintTo(const ReadFault& f, std::ostream* os)
+{
+    *os << testsupport::FaultName(f.fault);
+}
+
+class ReadFaults : public DbTest, public ::testing::WithParamInterface<ReadFault>
+{
+protected:
+    void SetUp() override
+    {
+        DbTest::SetUp();
+        ASSERT_TRUE(m_rtdb.open("readfaults"));
+        Truncate({"LFR_BS_R", "LFR_BUS_R", "LFR_ACLINE_R", "LFR_PCR_R", "LFR_GEN_R", "LFR_LOAD_R",
+                  "LFR_T2W_R"});
+        SmallNetwork();
+        m_rtdb.commit();
+        CLFResultDataTransfer out(6, db(), &m_rtdb, false, 0);
+        ASSERT_EQ(out.ImportRTDBDataToLFResultDB(), 0);
+        // The records forget their solution; the stored results must bring it back.
+        Zero<un>([](un& r) { r.Pg = 0; });
+        Zero<ld>([](ld& r) { r.Pl = 0; });
+        m_rtdb.commit();
+        feedback().clear();
+    }
+    void TearDown() override
+    {
+        m_rtdb.rollback();
+        m_rtdb.close();
+    }
+    template <class T, class Change> static void Zero(Change change)
+    {
+        dbCursor<T> c(dbCursorForUpdate);
+        if (c.select() > 0) {
+            do {
+                change(*c.get());
+                c.update();
+            } while (c.next());
+        }
+    }
+    dbDatabase m_rtdb;
+};
+
+TEST_P(ReadFaults, TheFaultedFamilyReportsTheOthersComeBackAndTheNextRunBringsAll)
+{
+    const ReadFault& f = GetParam();
+    {
+        testsupport::FaultInjector fault(scratch(), db(), f.fault, "LFR_GEN_R", f.hold);
+        QSqlDatabase* connection = fault.Arm();
+        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
+        CLFResultDataTransfer in(6, connection, &m_rtdb, false, 0);
+        EXPECT_EQ(in.ImportLFResultDataToRTDB(), 0) << "the driver passes no failure on";
+        fault.Disarm();
+        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+    }
+    EXPECT_EQ(feedback().texts(2), f.errors);
+    EXPECT_FLOAT_EQ(Fetch<un>("G1").Pg, f.generators ? 0.75f : 0.0f);
+    m_rtdb.rollback(); // the import leaves its changes to the caller's commit
+    ASSERT_FLOAT_EQ(Fetch<un>("G1").Pg, 0.0f);
+
+    QSqlDatabase fresh = scratch().openSecondConnection(
+        QString::fromStdString("fresh_rr_" + testsupport::FaultName(f.fault)));
+    feedback().clear();
+    CLFResultDataTransfer again(6, &fresh, &m_rtdb, false, 0);
+    EXPECT_EQ(again.ImportLFResultDataToRTDB(), 0);
+    EXPECT_TRUE(feedback().texts(2).empty()) << ::testing::PrintToString(feedback().texts(2));
+    EXPECT_FLOAT_EQ(Fetch<un>("G1").Pg, 0.75f);
+    EXPECT_FLOAT_EQ(Fetch<ld>("D1").Pl, 0.5f);
+    fresh.close();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ReadFaults,
+    ::testing::Values(
+        // The generators' results locked whole: their select waits and the connection dies
+        // there; every family after it finds no server.
+        ReadFault{testsupport::Fault::Killed, testsupport::Hold::Table,
+                  {"查询发电机结果数据发生错误！", "查询负荷结果数据发生错误！",
+                   "查询两绕组变压器结果数据发生错误！", "查询移相变压器结果数据发生错误！",
+                   "查询三绕组变压器结果数据发生错误！", "查询开关结果数据发生错误！"},
+                  false},
+        ReadFault{testsupport::Fault::MissingTable, testsupport::Hold::Rows,
+                  {"查询发电机结果数据发生错误！"}, false},
+        ReadFault{testsupport::Fault::ReadOnly, testsupport::Hold::Rows, {}, true},
+        ReadFault{testsupport::Fault::Full, testsupport::Hold::Rows, {}, true},
+        ReadFault{testsupport::Fault::LockTimeout, testsupport::Hold::Table,
+                  {"查询发电机结果数据发生错误！"}, false}),
+    [](const ::testing::TestParamInfo<ReadFault>& info) {
+        return testsupport::FaultName(info.param.fault);
+    });
