@@ -46,12 +46,10 @@ TEST_P(CaseFaults, TheFaultedStepReportsTheRunFailsAndTheNextRunLoadsTheCase)
         FaultInjector fault(scratch(), db(), f.fault, "ST_FAULT", f.hold);
         fault.SetFiller("INSERT INTO ST_FAULT (Case_No) SELECT 99 FROM seq_1_to_100000",
                         "DELETE FROM ST_FAULT WHERE Case_No=99");
-        QSqlDatabase* connection = fault.Arm();
-        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
-        CSTCaseDataTransfer transfer(kCase, connection, &rtdb());
-        EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), f.firstError.empty() ? 0 : 1);
-        fault.Disarm();
-        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
+            CSTCaseDataTransfer transfer(kCase, connection, &rtdb());
+            EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), f.firstError.empty() ? 0 : 1);
+        }));
     }
     const auto errors = feedback().texts(2);
     if (f.firstError.empty()) {
@@ -62,8 +60,7 @@ TEST_P(CaseFaults, TheFaultedStepReportsTheRunFailsAndTheNextRunLoadsTheCase)
     }
     EXPECT_EQ(Records<stfault>(), f.faults);
 
-    QSqlDatabase fresh = scratch().openSecondConnection(
-        QString::fromStdString("fresh_c_" + testsupport::FaultName(f.fault)));
+    QSqlDatabase fresh = testsupport::FreshConnection(scratch());
     feedback().clear();
     CSTCaseDataTransfer again(kCase, &fresh, &rtdb());
     EXPECT_EQ(again.ImportSTCaseDataToRTDB(), 0);

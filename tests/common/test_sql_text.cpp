@@ -43,19 +43,19 @@ TEST_F(SqlTextTest, NamesThatWouldEndTheirLiteralTouchTheirOwnRowUnderEitherBack
 {
     const std::string twenty = "节点甲乙丙丁A\\"; // 20 bytes ending in a backslash
     ASSERT_EQ(twenty.size(), 20u);
-    const std::vector<std::string> names = {"x' OR '1'='1", "a\\", "a\\b", "\\", "'", "''",
-                                            "\\'", "' OR n LIKE '%", "b';DELETE FROM x;--",
-                                            twenty};
+    const std::vector<std::string> names = {
+        "x' OR '1'='1",        "a\\", "a\\b", "\\", "'", "''", "\\'", "' OR n LIKE '%",
+        "b';DELETE FROM x;--", twenty};
     // The server's own mode, then the session told to read backslashes as plain text: the
     // helper follows what the server reports for the session, with no statement of its own.
-    for (const char* mode : {"NO_ENGINE_SUBSTITUTION", "NO_ENGINE_SUBSTITUTION,NO_BACKSLASH_ESCAPES"}) {
+    for (const char* mode :
+         {"NO_ENGINE_SUBSTITUTION", "NO_ENGINE_SUBSTITUTION,NO_BACKSLASH_ESCAPES"}) {
         QSqlQuery q(*db());
         ASSERT_TRUE(q.exec(QString("SET SESSION sql_mode='%1'").arg(mode)));
         for (const std::string& name : names) {
             RoundTrip(name, mode);
         }
-        EXPECT_EQ(Rows("SELECT n FROM names ORDER BY n"),
-                  (std::vector<std::string>{"a", "b", "x"}))
+        EXPECT_EQ(Rows("SELECT n FROM names ORDER BY n"), (std::vector<std::string>{"a", "b", "x"}))
             << "the other rows stand as they were";
     }
     QSqlQuery(*db()).exec("SET SESSION sql_mode='NO_BACKSLASH_ESCAPES'");

@@ -36,7 +36,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<char> target(std::size_t(length > 0 ? length : 0) + 1, 'X');
     const int n = ParseString::mstrncpy(target.data(), source.c_str(), length);
 
-    const int walked = int(std::min<std::size_t>(source.size(), std::size_t(length > 0 ? length : 0)));
+    const int walked =
+        int(std::min<std::size_t>(source.size(), std::size_t(length > 0 ? length : 0)));
     int counted = 0;
     for (int i = 0; i < walked; ++i) {
         counted += static_cast<unsigned char>(source[std::size_t(i)]) != 0x80 ? 1 : 0;

@@ -29,8 +29,7 @@ void check(bool ok, const char* what)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static const QString path =
-        QString("/tmp/calcdata-fuzz-network-%1.json").arg(qint64(getpid()));
+    static const QString path = QString("/tmp/calcdata-fuzz-network-%1.json").arg(qint64(getpid()));
     const QByteArray bytes(reinterpret_cast<const char*>(data), qsizetype(size));
     {
         QFile f(path);

@@ -89,17 +89,40 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     q = texts.back().c_str();
     for (int item = 0; item < 8 && in.remaining_bytes() > 0; ++item) {
         switch (in.ConsumeIntegralInRange<int>(0, 10)) {
-        case 0: q, in.ConsumeIntegral<int>(); break;
-        case 1: q, in.ConsumeIntegral<unsigned>(); break;
-        case 2: q, in.ConsumeIntegral<long long>(); break;
-        case 3: q, in.ConsumeFloatingPoint<float>(); break;
-        case 4: q, in.ConsumeFloatingPoint<double>(); break;
-        case 5: texts.push_back(in.ConsumeRandomLengthString(24)); q, texts.back().c_str(); break;
-        case 6: q, &iv; break;
-        case 7: q, &uv; break;
-        case 8: q, &fv; break;
-        case 9: q, &dv; break;
-        default: q, &sp; break;
+        case 0:
+            q, in.ConsumeIntegral<int>();
+            break;
+        case 1:
+            q, in.ConsumeIntegral<unsigned>();
+            break;
+        case 2:
+            q, in.ConsumeIntegral<long long>();
+            break;
+        case 3:
+            q, in.ConsumeFloatingPoint<float>();
+            break;
+        case 4:
+            q, in.ConsumeFloatingPoint<double>();
+            break;
+        case 5:
+            texts.push_back(in.ConsumeRandomLengthString(24));
+            q, texts.back().c_str();
+            break;
+        case 6:
+            q, &iv;
+            break;
+        case 7:
+            q, &uv;
+            break;
+        case 8:
+            q, &fv;
+            break;
+        case 9:
+            q, &dv;
+            break;
+        default:
+            q, &sp;
+            break;
         }
         // Text again after the parameter (an empty piece is allowed).
         texts.push_back(in.ConsumeRandomLengthString(48));
@@ -119,9 +142,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (first > 0) {
         dbCursor<ln> c(dbCursorForUpdate);
         if (c.select(q) > 0) {
-            c.update();         // changes nothing
+            c.update(); // changes nothing
             c->R1 = fv;
-            c.update();         // changes the row, kept for the rollback
+            c.update(); // changes the row, kept for the rollback
         }
     }
     db.rollback();

@@ -33,7 +33,8 @@ std::map<std::string, std::string> BaseChecksums(QSqlDatabase db)
     }
     std::map<std::string, std::string> sums;
     EXPECT_GT(tables.size(), 30) << "the base tables, plain and working copies";
-    EXPECT_TRUE(q.exec("CHECKSUM TABLE " + tables.join(", "))) << q.lastError().text().toStdString();
+    EXPECT_TRUE(q.exec("CHECKSUM TABLE " + tables.join(", ")))
+        << q.lastError().text().toStdString();
     while (q.next()) {
         sums[q.value(0).toString().toStdString()] = q.value(1).toString().toStdString();
     }
@@ -66,7 +67,7 @@ struct ExtractionFault
     Hold hold;
     std::vector<std::string> errors; // level-2 messages, in order (a trailing '*': a prefix)
     std::vector<std::string> marked; // job tables the run left alone
-    enum { Untouched, Partial } l2; // L2_0 after the run: its rows as before, or a part of the new
+    enum { Untouched, Partial } l2;  // L2_0 after the run: its rows as before, or a part of the new
 };
 
 void PrintTo(const ExtractionFault& f, std::ostream* os)
@@ -113,12 +114,10 @@ TEST_P(ExtractionFaults, TheRunReportsLeavesTheBaseTablesAloneAndTheNextRunSucce
     {
         // Full: the emptied table holds fewer rows than the network has lines.
         FaultInjector fault(scratch(), db(), f.fault, "L2_0", f.hold);
-        QSqlDatabase* connection = fault.Arm();
-        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
-        CLFCalDataTransfer job(0, kScheme, connection, nullptr);
-        EXPECT_EQ(job.ImportLDataFromBaseDB(), 1);
-        fault.Disarm();
-        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
+            CLFCalDataTransfer job(0, kScheme, connection, nullptr);
+            EXPECT_EQ(job.ImportLDataFromBaseDB(), 1);
+        }));
     }
     std::vector<std::string> errors = feedback().texts(2);
     ASSERT_EQ(errors.size(), f.errors.size()) << ::testing::PrintToString(errors);
@@ -142,8 +141,7 @@ TEST_P(ExtractionFaults, TheRunReportsLeavesTheBaseTablesAloneAndTheNextRunSucce
     QSqlQuery(*db()).exec("DROP TABLE IF EXISTS tmp");
 
     // The next run, on a fresh connection, fills every job table again.
-    QSqlDatabase fresh =
-        scratch().openSecondConnection(QString::fromStdString("fresh_x_" + testsupport::FaultName(f.fault)));
+    QSqlDatabase fresh = testsupport::FreshConnection(scratch());
     feedback().clear();
     CLFCalDataTransfer again(0, kScheme, &fresh, nullptr);
     EXPECT_EQ(again.ImportLDataFromBaseDB(), 0);
@@ -164,7 +162,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         // Killed while L2_0's rows are locked: the driver's delete of L2_0 waits and the
         // connection dies there. L1_0 was emptied before; nothing after it runs.
-        ExtractionFault{Fault::Killed, Hold::Rows,
+        ExtractionFault{Fault::Killed,
+                        Hold::Rows,
                         {"L2_0表可能不存在, 导入计算数据发生错误！", kFamiliesFail, kFamiliesFail,
                          kFamiliesFail, kFamiliesFail, kFamiliesFail, kFamiliesFail,
                          "ImportL1DataFromBaseDB: 无法创建表Tnode！", kCaseCounts, kCaseCounts,
@@ -173,12 +172,15 @@ INSTANTIATE_TEST_SUITE_P(
                         ExtractionFault::Untouched},
         // L2_0 missing: the delete stops at it (L2_0 .. LK_0 keep their rows, and the
         // families add theirs beside them); the AC family fails; the others run.
-        ExtractionFault{Fault::MissingTable, Hold::Rows,
-                        {"L2_0表可能不存在, 导入计算数据发生错误！", "按计算方案抽取交流线数据发生错误！"},
-                        {"L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"},
-                        ExtractionFault::Untouched},
+        ExtractionFault{
+            Fault::MissingTable,
+            Hold::Rows,
+            {"L2_0表可能不存在, 导入计算数据发生错误！", "按计算方案抽取交流线数据发生错误！"},
+            {"L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"},
+            ExtractionFault::Untouched},
         // A user who may only read: nothing is written anywhere.
-        ExtractionFault{Fault::ReadOnly, Hold::Rows,
+        ExtractionFault{Fault::ReadOnly,
+                        Hold::Rows,
                         {"L1_0表可能不存在, 导入计算数据发生错误！", kFamiliesFail, kFamiliesFail,
                          kFamiliesFail, kFamiliesFail, kFamiliesFail, kFamiliesFail,
                          "ImportL1DataFromBaseDB: 无法执行SQL语句 insert into L1_0*", kCaseCounts},
@@ -186,14 +188,19 @@ INSTANTIATE_TEST_SUITE_P(
                         ExtractionFault::Untouched},
         // L2_0 full: the AC insert stops with the rows it had written (the MEMORY engine
         // keeps them); the other families and the node table are done.
-        ExtractionFault{Fault::Full, Hold::Rows, {"按计算方案抽取交流线数据发生错误！"}, {},
+        ExtractionFault{Fault::Full,
+                        Hold::Rows,
+                        {"按计算方案抽取交流线数据发生错误！"},
+                        {},
                         ExtractionFault::Partial},
         // L2_0's rows locked and a session that waits one second: the delete and then the
         // AC insert time out; the other tables keep their rows beside the new ones.
-        ExtractionFault{Fault::LockTimeout, Hold::Rows,
-                        {"L2_0表可能不存在, 导入计算数据发生错误！", "按计算方案抽取交流线数据发生错误！"},
-                        {"L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"},
-                        ExtractionFault::Untouched}),
+        ExtractionFault{
+            Fault::LockTimeout,
+            Hold::Rows,
+            {"L2_0表可能不存在, 导入计算数据发生错误！", "按计算方案抽取交流线数据发生错误！"},
+            {"L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"},
+            ExtractionFault::Untouched}),
     [](const ::testing::TestParamInfo<ExtractionFault>& info) {
         return testsupport::FaultName(info.param.fault);
     });
@@ -239,7 +246,8 @@ protected:
     static std::string Copies()
     {
         return Scalar("SELECT COUNT(*) FROM CDB_ACLINEBAK WHERE GrpName='NEW'").toStdString() +
-               "/" + Scalar("SELECT COUNT(*) FROM CDB_PCAPREABAK WHERE GrpName='NEW'").toStdString();
+               "/" +
+               Scalar("SELECT COUNT(*) FROM CDB_PCAPREABAK WHERE GrpName='NEW'").toStdString();
     }
 };
 
@@ -253,13 +261,11 @@ TEST_P(SaveBackFaults, TheRunStopsAtTheFaultedFamilyAndTheNextRunSavesEverything
         fault.SetFiller("INSERT INTO CDB_PCAPREABAK (GrpName, ID_Name) SELECT 'FILLER', seq FROM "
                         "seq_1_to_100000",
                         "DELETE FROM CDB_PCAPREABAK WHERE GrpName='FILLER'");
-        QSqlDatabase* connection = fault.Arm();
-        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
-        CLFCalDataTransfer job(0, kScheme, connection, &base);
-        job.SetStatementMode(SaveStatementMode::Mended);
-        EXPECT_EQ(job.SaveLDataToBaseDB("NEW", true), 1);
-        fault.Disarm();
-        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
+            CLFCalDataTransfer job(0, kScheme, connection, &base);
+            job.SetStatementMode(SaveStatementMode::Mended);
+            EXPECT_EQ(job.SaveLDataToBaseDB("NEW", true), 1);
+        }));
     }
     const auto errors = feedback().texts(2);
     ASSERT_EQ(errors.size(), 1u) << ::testing::PrintToString(errors);
@@ -271,8 +277,7 @@ TEST_P(SaveBackFaults, TheRunStopsAtTheFaultedFamilyAndTheNextRunSavesEverything
     EXPECT_EQ(Rows("SELECT GrpName, X1 FROM CDB_PCAPREABAK ORDER BY ID")[0], shunts);
 
     // The next run, on a fresh connection: every family, the group's row last.
-    QSqlDatabase fresh = scratch().openSecondConnection(
-        QString::fromStdString("fresh_s_" + testsupport::FaultName(f.fault)));
+    QSqlDatabase fresh = testsupport::FreshConnection(scratch());
     Exec("DELETE FROM CDB_ACLINEBAK WHERE GrpName='NEW'");
     feedback().clear();
     CLFCalDataTransfer again(0, kScheme, &fresh, nullptr);
@@ -289,8 +294,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         // The shunts' rows locked: the family's first statement, whose select reads them
         // with shared locks, waits, and the connection dies there. The lines were saved.
-        SaveBackFault{Fault::Killed, Hold::Rows,
-                      "Fail to execute SQL: Create temporary Table TPCR", true},
+        SaveBackFault{Fault::Killed, Hold::Rows, "Fail to execute SQL: Create temporary Table TPCR",
+                      true},
         SaveBackFault{Fault::MissingTable, Hold::Rows,
                       "Fail to execute SQL: Create temporary Table TPCR", true},
         // Read only: the first write, the lines' copy into the group, is refused.
@@ -312,11 +317,30 @@ protected:
     void SetUp() override
     {
         DbTest::SetUp();
-        Truncate({"CDB_SBBAK", "CDB_BUSBAK", "CDB_NODEBAK", "CDB_PSTATIONBAK", "CDB_ZONEBAK",
-                  "CDB_ACLINEBAK", "CDB_TRANS_2WBAK", "CDB_TRANS_3WBAK", "CDB_SHIFTBAK",
-                  "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_PCAPREABAK", "CDB_BREAKERBAK",
-                  "CDB_DATAGROUPBAK", "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "LF_CASE", "L1_0",
-                  "L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"});
+        Truncate({"CDB_SBBAK",
+                  "CDB_BUSBAK",
+                  "CDB_NODEBAK",
+                  "CDB_PSTATIONBAK",
+                  "CDB_ZONEBAK",
+                  "CDB_ACLINEBAK",
+                  "CDB_TRANS_2WBAK",
+                  "CDB_TRANS_3WBAK",
+                  "CDB_SHIFTBAK",
+                  "CDB_GENERATBAK",
+                  "CDB_LOADBAK",
+                  "CDB_PCAPREABAK",
+                  "CDB_BREAKERBAK",
+                  "CDB_DATAGROUPBAK",
+                  "CDB_SCHEMEINFBAK",
+                  "CDB_SCHEMECONTBAK",
+                  "LF_CASE",
+                  "L1_0",
+                  "L2_0",
+                  "L3_0",
+                  "L4_0",
+                  "L5_0",
+                  "L6_0",
+                  "LK_0"});
         samples::Network net;
         QString error;
         ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
@@ -355,13 +379,9 @@ protected:
     }
     static inline const std::string kQuotedScheme = "x' OR '1'='1";
     static inline const std::vector<std::pair<std::string, std::string>> kRenames = {
-        {"N1", "x' OR '1'='1"},
-        {"N2", "a\\b"},
-        {"N3", "N3\\"},
+        {"N1", "x' OR '1'='1"},   {"N2", "a\\b"}, {"N3", "N3\\"},
         {"N4", "节点甲乙丙丁N4"}, // 20 bytes of UTF-8
-        {"L1", "L1' --"},
-        {"L2", "\\'"},
-        {"G1", "G1\\"},
+        {"L1", "L1' --"},         {"L2", "\\'"},  {"G1", "G1\\"},
     };
 };
 
@@ -407,9 +427,9 @@ TEST_F(JobNames, ExtractionAndSaveBackTouchOnlyTheRowsOfTheNamesTheyWereGiven)
     EXPECT_EQ(Rows("SELECT GrpName FROM CDB_ACLINEBAK WHERE ID_Name=" + Literal("L1' --") +
                    " ORDER BY ID"),
               (std::vector<std::string>{"G1", "x' OR '1'='1"}));
-    EXPECT_EQ(Rows("SELECT R1 FROM CDB_ACLINEBAK WHERE GrpName='G1' AND ID_Name=" +
-                   Literal("L1' --"))[0],
-              g1Line)
+    EXPECT_EQ(
+        Rows("SELECT R1 FROM CDB_ACLINEBAK WHERE GrpName='G1' AND ID_Name=" + Literal("L1' --"))[0],
+        g1Line)
         << "the base row stays as it was";
     EXPECT_EQ(Count("CDB_ACLINEBAK WHERE GrpName='G9' AND R1=9.9"), 1) << "the decoy untouched";
     EXPECT_EQ(Rows("SELECT GrpName, Node_Name FROM CDB_GENERATBAK WHERE ID_Name='GX'"),

@@ -460,11 +460,9 @@ TEST_P(LabelFaults, TheRefreshLabelsWhatItReadAndTheNextRunResetsTheMarks)
     BringBackResults();
     {
         testsupport::FaultInjector fault(scratch(), db(), f.fault, "RTLABELMAP", f.hold);
-        QSqlDatabase* connection = fault.Arm();
-        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
-        EXPECT_TRUE(PrepareRTLabelLFRData(connection, &m_rtdb, 0, false, true));
-        fault.Disarm();
-        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
+            EXPECT_TRUE(PrepareRTLabelLFRData(connection, &m_rtdb, 0, false, true));
+        }));
     }
     m_rtdb.rollback();
     EXPECT_TRUE(feedback().messages().empty());
@@ -472,8 +470,7 @@ TEST_P(LabelFaults, TheRefreshLabelsWhatItReadAndTheNextRunResetsTheMarks)
     EXPECT_EQ(Show(Fetch<un>("G1").Slot[0]), f.labelled ? "8,1,0.75,0.125" : EMPTY);
     EXPECT_EQ(Count("RTLABELMAP WHERE MChanged = 1"), f.marked);
 
-    QSqlDatabase fresh = scratch().openSecondConnection(
-        QString::fromStdString("fresh_l_" + testsupport::FaultName(f.fault)));
+    QSqlDatabase fresh = testsupport::FreshConnection(scratch());
     EXPECT_TRUE(PrepareRTLabelLFRData(&fresh, &m_rtdb, 0, false, true));
     m_rtdb.rollback();
     EXPECT_EQ(Show(Fetch<ln>("L1_ac").Slot[0]), "8,1,0.5,0.1");

@@ -33,6 +33,35 @@ const std::string kSwitch = "实时数据库数据更新开关刀闸计算数据
 
 } // namespace
 
+// Job 1 in the server, its generators G1 and G2, load D1 and breaker K1 out of service, and
+// the records of the same names.
+class JobFaults : public DbTest
+{
+protected:
+    void SetUp() override
+    {
+        DbTest::SetUp();
+        ASSERT_TRUE(m_rtdb.open("jobfaults"));
+        Truncate({"L1_1", "L2_1", "L3_1", "L4_1", "L5_1", "L6_1", "LK_1"});
+        Put<un>("G1");
+        Put<un>("G2");
+        Put<ld>("D1");
+        Put<cb>("K1_brk");
+        m_rtdb.commit();
+        Exec("INSERT INTO L5_1 (ID_Name, Valid, Pg) VALUES ('G1', 0, 0.25), ('G2', 0, 0.5)");
+        Exec("INSERT INTO L6_1 (ID_Name, Valid, Pl) VALUES ('D1', 0, 0.75)");
+        Exec("INSERT INTO LK_1 (ID_Name, Valid, Lbreak, Ntype) VALUES ('K1', 0, 1, 1)");
+        feedback().clear();
+        boxes().clear();
+    }
+    void TearDown() override
+    {
+        m_rtdb.rollback();
+        m_rtdb.close();
+    }
+    dbDatabase m_rtdb;
+};
+
 struct UpdateFault
 {
     Fault fault;
@@ -46,30 +75,9 @@ void PrintTo(const UpdateFault& f, std::ostream* os)
     *os << testsupport::FaultName(f.fault);
 }
 
-class UpdateFaults : public DbTest, public ::testing::WithParamInterface<UpdateFault>
+class UpdateFaults : public JobFaults, public ::testing::WithParamInterface<UpdateFault>
 {
 protected:
-    void SetUp() override
-    {
-        DbTest::SetUp();
-        ASSERT_TRUE(m_rtdb.open("updatefaults"));
-        Truncate({"L1_1", "L2_1", "L3_1", "L4_1", "L5_1", "L6_1", "LK_1"});
-        Put<un>("G1");
-        Put<un>("G2");
-        Put<ld>("D1");
-        Put<cb>("K1_brk");
-        m_rtdb.commit();
-        Exec("INSERT INTO L5_1 (ID_Name, Valid) VALUES ('G1', 0), ('G2', 0)");
-        Exec("INSERT INTO L6_1 (ID_Name, Valid) VALUES ('D1', 0)");
-        Exec("INSERT INTO LK_1 (ID_Name, Valid, Ntype) VALUES ('K1', 0, 1)");
-        feedback().clear();
-        boxes().clear();
-    }
-    void TearDown() override
-    {
-        m_rtdb.rollback();
-        m_rtdb.close();
-    }
     static std::string States()
     {
         return Scalar("SELECT Valid FROM LK_1").toStdString() +
@@ -77,7 +85,6 @@ protected:
                Scalar("SELECT GROUP_CONCAT(Valid ORDER BY ID_Name SEPARATOR '') FROM L5_1")
                    .toStdString();
     }
-    dbDatabase m_rtdb;
 };
 
 TEST_P(UpdateFaults, TheFaultedFamilyWarnsTheOthersRunAndTheNextRunSucceeds)
@@ -87,12 +94,10 @@ TEST_P(UpdateFaults, TheFaultedFamilyWarnsTheOthersRunAndTheNextRunSucceeds)
         FaultInjector fault(scratch(), db(), f.fault, "L5_1", Hold::Rows);
         fault.SetFiller("INSERT INTO L5_1 (ID_Name) SELECT seq FROM seq_1_to_100000",
                         "DELETE FROM L5_1 WHERE ID_Name NOT LIKE 'G%'");
-        QSqlDatabase* connection = fault.Arm();
-        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
-        CLFCalDataToRTDB job(1, connection);
-        EXPECT_EQ(job.UpdateLDataFromRTDB(), f.result);
-        fault.Disarm();
-        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
+            CLFCalDataToRTDB job(1, connection);
+            EXPECT_EQ(job.UpdateLDataFromRTDB(), f.result);
+        }));
     }
     std::vector<std::string> shown;
     for (const auto& b : boxes().boxes()) {
@@ -102,8 +107,7 @@ TEST_P(UpdateFaults, TheFaultedFamilyWarnsTheOthersRunAndTheNextRunSucceeds)
     EXPECT_TRUE(feedback().messages().empty()) << "this update warns through boxes only";
     EXPECT_EQ(States(), f.states);
 
-    QSqlDatabase fresh = scratch().openSecondConnection(
-        QString::fromStdString("fresh_u_" + testsupport::FaultName(f.fault)));
+    QSqlDatabase fresh = testsupport::FreshConnection(scratch());
     boxes().clear();
     CLFCalDataToRTDB again(1, &fresh);
     EXPECT_EQ(again.UpdateLDataFromRTDB(), 0);
@@ -171,7 +175,7 @@ TEST_F(UpdateNames, EachRecordUpdatesTheRowOfItsOwnNameOnly)
 
     // A name cut inside a character cannot be sent: the family warns and stops there,
     // and no row of another name is touched.
-    const std::string cut = std::string("机组甲乙丙丁戊己") .substr(0, 20);
+    const std::string cut = std::string("机组甲乙丙丁戊己").substr(0, 20);
     un bad;
     bad.id = cut.c_str();
     bad.Pg = 0.25f;
@@ -200,51 +204,25 @@ void PrintTo(const ImportFault& f, std::ostream* os)
     *os << testsupport::FaultName(f.fault);
 }
 
-class ImportFaults : public DbTest, public ::testing::WithParamInterface<ImportFault>
-{
-protected:
-    void SetUp() override
-    {
-        DbTest::SetUp();
-        ASSERT_TRUE(m_rtdb.open("importfaults"));
-        Truncate({"L1_1", "L2_1", "L3_1", "L4_1", "L5_1", "L6_1", "LK_1"});
-        Put<un>("G1");
-        Put<un>("G2");
-        Put<ld>("D1");
-        Put<cb>("K1_brk");
-        m_rtdb.commit();
-        Exec("INSERT INTO L5_1 (ID_Name, Valid, Pg) VALUES ('G1', 1, 0.25), ('G2', 1, 0.5)");
-        Exec("INSERT INTO L6_1 (ID_Name, Valid, Pl) VALUES ('D1', 1, 0.75)");
-        Exec("INSERT INTO LK_1 (ID_Name, Valid, Lbreak, Ntype) VALUES ('K1', 1, 1, 1)");
-        feedback().clear();
-    }
-    void TearDown() override
-    {
-        m_rtdb.rollback();
-        m_rtdb.close();
-    }
-    dbDatabase m_rtdb;
-};
+class ImportFaults : public JobFaults, public ::testing::WithParamInterface<ImportFault>
+{};
 
 TEST_P(ImportFaults, TheFaultedFamilyReportsTheOthersLoadAndTheNextRunLoadsAll)
 {
     const ImportFault& f = GetParam();
     {
         FaultInjector fault(scratch(), db(), f.fault, "L5_1", f.hold);
-        QSqlDatabase* connection = fault.Arm();
-        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
-        CLFCalDataToRTDB job(1, connection);
-        EXPECT_EQ(job.ImportLDataToRTDB(), f.errors.empty() ? 0 : 1);
-        fault.Disarm();
-        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
+            CLFCalDataToRTDB job(1, connection);
+            EXPECT_EQ(job.ImportLDataToRTDB(), f.errors.empty() ? 0 : 1);
+        }));
     }
     EXPECT_EQ(feedback().texts(2), f.errors);
     EXPECT_FLOAT_EQ(testsupport::Fetch<ld>("D1").Pl, 0.75f) << "the loads went before";
     EXPECT_FLOAT_EQ(testsupport::Fetch<un>("G1").Pg, f.generators ? 0.25f : 0.0f);
 
     m_rtdb.rollback();
-    QSqlDatabase fresh = scratch().openSecondConnection(
-        QString::fromStdString("fresh_i_" + testsupport::FaultName(f.fault)));
+    QSqlDatabase fresh = testsupport::FreshConnection(scratch());
     feedback().clear();
     CLFCalDataToRTDB again(1, &fresh);
     EXPECT_EQ(again.ImportLDataToRTDB(), 0);
@@ -258,18 +236,21 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         // The generators' table locked whole: its select waits and the connection dies
         // there; every family after it finds no server.
-        ImportFault{Fault::Killed, Hold::Table,
-                    {"发电机计算数据导入实时数据库发生错误！", "直流线计算数据导入实时数据库发生错误！",
-                     "变压器计算数据导入实时数据库发生错误！", "交流线计算数据导入实时数据库发生错误！",
-                     "节点计算数据导入实时数据库发生错误！"},
-                    false},
-        ImportFault{Fault::MissingTable, Hold::Rows, {"发电机计算数据导入实时数据库发生错误！"}, false},
+        ImportFault{
+            Fault::Killed,
+            Hold::Table,
+            {"发电机计算数据导入实时数据库发生错误！", "直流线计算数据导入实时数据库发生错误！",
+             "变压器计算数据导入实时数据库发生错误！", "交流线计算数据导入实时数据库发生错误！",
+             "节点计算数据导入实时数据库发生错误！"},
+            false},
+        ImportFault{
+            Fault::MissingTable, Hold::Rows, {"发电机计算数据导入实时数据库发生错误！"}, false},
         // Reading is all this import does: a user who may only read loads everything.
         ImportFault{Fault::ReadOnly, Hold::Rows, {}, true},
         // A table moved to the MEMORY engine at its smallest size reads as any other.
         ImportFault{Fault::Full, Hold::Rows, {}, true},
-        ImportFault{Fault::LockTimeout, Hold::Table, {"发电机计算数据导入实时数据库发生错误！"},
-                    false}),
+        ImportFault{
+            Fault::LockTimeout, Hold::Table, {"发电机计算数据导入实时数据库发生错误！"}, false}),
     [](const ::testing::TestParamInfo<ImportFault>& info) {
         return testsupport::FaultName(info.param.fault);
     });

@@ -709,19 +709,16 @@ TEST_P(ResultFaults, TheFaultedTableKeepsItsRowsTheOthersAreWrittenAndTheNextRun
                                          testsupport::Hold::Rows);
         fault.SetFiller("INSERT INTO LFR_GEN_R (Case_No) SELECT 99 FROM seq_1_to_100000",
                         "DELETE FROM LFR_GEN_R WHERE Case_No=99");
-        QSqlDatabase* connection = fault.Arm();
-        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
-        CLFResultDataTransfer out(6, connection, &m_rtdb, false, 0);
-        EXPECT_EQ(out.ImportRTDBDataToLFResultDB(), 0) << "the driver passes no failure on";
-        fault.Disarm();
-        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
+            CLFResultDataTransfer out(6, connection, &m_rtdb, false, 0);
+            EXPECT_EQ(out.ImportRTDBDataToLFResultDB(), 0) << "the driver passes no failure on";
+        }));
     }
     EXPECT_EQ(feedback().texts(2), f.errors);
     EXPECT_EQ(boxes().boxes().size(), f.boxes);
     EXPECT_EQ(Values(), f.values);
 
-    QSqlDatabase fresh = scratch().openSecondConnection(
-        QString::fromStdString("fresh_r_" + testsupport::FaultName(f.fault)));
+    QSqlDatabase fresh = testsupport::FreshConnection(scratch());
     feedback().clear();
     CLFResultDataTransfer again(6, &fresh, &m_rtdb, false, 0);
     EXPECT_EQ(again.ImportRTDBDataToLFResultDB(), 0);
@@ -844,20 +841,17 @@ TEST_P(ReadFaults, TheFaultedFamilyReportsTheOthersComeBackAndTheNextRunBringsAl
     const ReadFault& f = GetParam();
     {
         testsupport::FaultInjector fault(scratch(), db(), f.fault, "LFR_GEN_R", f.hold);
-        QSqlDatabase* connection = fault.Arm();
-        ASSERT_NE(connection, nullptr) << fault.Error().toStdString();
-        CLFResultDataTransfer in(6, connection, &m_rtdb, false, 0);
-        EXPECT_EQ(in.ImportLFResultDataToRTDB(), 0) << "the driver passes no failure on";
-        fault.Disarm();
-        ASSERT_TRUE(fault.Struck()) << "the fault never took effect";
+        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
+            CLFResultDataTransfer in(6, connection, &m_rtdb, false, 0);
+            EXPECT_EQ(in.ImportLFResultDataToRTDB(), 0) << "the driver passes no failure on";
+        }));
     }
     EXPECT_EQ(feedback().texts(2), f.errors);
     EXPECT_FLOAT_EQ(Fetch<un>("G1").Pg, f.generators ? 0.75f : 0.0f);
     m_rtdb.rollback(); // the import leaves its changes to the caller's commit
     ASSERT_FLOAT_EQ(Fetch<un>("G1").Pg, 0.0f);
 
-    QSqlDatabase fresh = scratch().openSecondConnection(
-        QString::fromStdString("fresh_rr_" + testsupport::FaultName(f.fault)));
+    QSqlDatabase fresh = testsupport::FreshConnection(scratch());
     feedback().clear();
     CLFResultDataTransfer again(6, &fresh, &m_rtdb, false, 0);
     EXPECT_EQ(again.ImportLFResultDataToRTDB(), 0);

@@ -39,8 +39,7 @@ Seen Generation(const ln& r)
 {
     Seen s;
     s.generation = int(r.R1);
-    s.consistent = int(r.X1) == -s.generation && r.Type &&
-                   std::to_string(s.generation) == r.Type;
+    s.consistent = int(r.X1) == -s.generation && r.Type && std::to_string(s.generation) == r.Type;
     return s;
 }
 

@@ -16,17 +16,22 @@ QAtomicInt serial;
 std::string FaultName(Fault fault)
 {
     switch (fault) {
-    case Fault::Killed: return "Killed";
-    case Fault::MissingTable: return "MissingTable";
-    case Fault::ReadOnly: return "ReadOnly";
-    case Fault::Full: return "Full";
-    case Fault::LockTimeout: return "LockTimeout";
+    case Fault::Killed:
+        return "Killed";
+    case Fault::MissingTable:
+        return "MissingTable";
+    case Fault::ReadOnly:
+        return "ReadOnly";
+    case Fault::Full:
+        return "Full";
+    case Fault::LockTimeout:
+        return "LockTimeout";
     }
     return "?";
 }
 
-FaultInjector::FaultInjector(fixtures::ScratchDatabase& scratch, QSqlDatabase* library,
-                             Fault fault, const QString& table, Hold hold)
+FaultInjector::FaultInjector(fixtures::ScratchDatabase& scratch, QSqlDatabase* library, Fault fault,
+                             const QString& table, Hold hold)
     : m_scratch(scratch), m_library(library), m_fault(fault), m_table(table), m_hold(hold)
 {
     const int n = serial.fetchAndAddRelaxed(1);
@@ -180,8 +185,8 @@ void FaultInjector::Disarm()
         break;
     case Fault::Killed:
     case Fault::LockTimeout:
-        run(m_blocker, m_hold == Hold::Table ? QStringLiteral("UNLOCK TABLES")
-                                             : QStringLiteral("ROLLBACK"));
+        run(m_blocker,
+            m_hold == Hold::Table ? QStringLiteral("UNLOCK TABLES") : QStringLiteral("ROLLBACK"));
         if (m_fault == Fault::LockTimeout) {
             run(*m_library, QStringLiteral("SET SESSION innodb_lock_wait_timeout=DEFAULT, "
                                            "lock_wait_timeout=DEFAULT"));
@@ -192,6 +197,28 @@ void FaultInjector::Disarm()
         }
         break;
     }
+}
+
+::testing::AssertionResult FaultInjector::Run(const std::function<void(QSqlDatabase*)>& transfer)
+{
+    QSqlDatabase* connection = Arm();
+    if (!connection) {
+        Disarm();
+        return ::testing::AssertionFailure()
+               << "the fault cannot be armed: " << m_error.toStdString();
+    }
+    transfer(connection);
+    Disarm();
+    if (!m_struck) {
+        return ::testing::AssertionFailure() << "the fault never took effect";
+    }
+    return ::testing::AssertionSuccess();
+}
+
+QSqlDatabase FreshConnection(fixtures::ScratchDatabase& scratch)
+{
+    return scratch.openSecondConnection(
+        QStringLiteral("fresh_%1").arg(serial.fetchAndAddRelaxed(1)));
 }
 
 } // namespace testsupport

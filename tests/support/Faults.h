@@ -22,6 +22,8 @@
 #include <QSqlDatabase>
 #include <QString>
 #include <atomic>
+#include <functional>
+#include <gtest/gtest.h>
 #include <memory>
 #include <string>
 #include <thread>
@@ -52,6 +54,9 @@ public:
     QSqlDatabase* Arm();
     // Puts the table, the locks, the user and the library's connection back.
     void Disarm();
+    // Arms the fault, runs `transfer` on the connection to give it, disarms. A failure when
+    // the fault could not be armed or never took effect.
+    ::testing::AssertionResult Run(const std::function<void(QSqlDatabase*)>& transfer);
     // Killed: whether the kill was done. The other faults: whether they were armed.
     bool Struck() const { return m_struck; }
     const QString& Error() const { return m_error; }
@@ -76,5 +81,8 @@ private:
     bool m_struck = false;
     bool m_armed = false;
 };
+
+// A connection of its own to the suite's database, for the run after a fault.
+QSqlDatabase FreshConnection(fixtures::ScratchDatabase& scratch);
 
 } // namespace testsupport
