@@ -486,7 +486,8 @@ void WinDlgCalBranchChoose::SetCurrentIDNo(const QString& name)
         return;
     }
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_ID_NO, TEMP_TABLE, SqlText(m_pDB, name.toLocal8Bit()).constData()))) {
+    if (!run(q,
+             FormatText(SQL_ID_NO, TEMP_TABLE, SqlText(m_pDB, name.toLocal8Bit()).constData()))) {
         return;
     }
     while (q.next()) {

@@ -260,9 +260,8 @@ void WinDlgCalEleTerm1Choose::ToolButton_OK_clicked()
     const QString name = GetName();
     if (m_strField.toUpper() == QLatin1String("ID_NAME")) {
         QSqlQuery q(ConnectionOrNone(m_pDB));
-        const QByteArray sql =
-            FormatText(SQL_ELEMENT_NODE, m_strTable.toLocal8Bit().constData(),
-                       SqlText(m_pDB, name.toLocal8Bit()).constData());
+        const QByteArray sql = FormatText(SQL_ELEMENT_NODE, m_strTable.toLocal8Bit().constData(),
+                                          SqlText(m_pDB, name.toLocal8Bit()).constData());
         if (!ExecStatement(q, sql)) {
             // The dialog still closes: the name was chosen, only its node is unknown.
             ShowModalBox(ModalBoxKind::Warning, QString::fromUtf8(BOX_LOOKUP_CAPTION),

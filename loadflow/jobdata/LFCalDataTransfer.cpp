@@ -48,8 +48,7 @@ void CLFCalDataTransfer::Init(char* schemeName)
     std::strncpy(m_SchName, schemeName ? schemeName : "", sizeof m_SchName);
     m_dBaseMva = 1.0;
     QSqlQuery q(*m_pDB);
-    if (ExecStatement(q, FormatText(SQL_BASE_POWER, "CDB_SB", WORKING_COPY)) &&
-        q.next()) {
+    if (ExecStatement(q, FormatText(SQL_BASE_POWER, "CDB_SB", WORKING_COPY)) && q.next()) {
         m_dBaseMva = q.value(0).toDouble();
     }
     m_bNewGroup = false;

@@ -33,7 +33,8 @@ int CLFCalDataTransfer::ImportL1DataFromBaseDB()
     for (const Source& s : sources) {
         QSqlQuery q(*m_pDB);
         q.setForwardOnly(true);
-        ExecStatement(q, FormatText(s.twoEnds ? SQL_ENDS_OF : SQL_NODES_OF, s.prefix, m_nJobNumber));
+        ExecStatement(q,
+                      FormatText(s.twoEnds ? SQL_ENDS_OF : SQL_NODES_OF, s.prefix, m_nJobNumber));
         int rows = 0;
         if (q.isActive()) {
             while (q.next()) {

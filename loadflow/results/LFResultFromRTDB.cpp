@@ -126,10 +126,10 @@ int CLFResultDataTransfer::ImportRTDBToBs_R()
             // empty level here instead of a read outside the list.
             static const SKV none = {0, "", 0, 0, 0};
             const SKV& k = r.ikv >= 0 && r.ikv < m_pKVList->size() ? (*m_pKVList)[r.ikv] : none;
-            QByteArray row =
-                FormatText("%d,'%s',%12.9f,%12.6f,'%s',%d,%f,%f,%f ", m_caseNo,
-                           SqlText(m_pDB, r.name).constData(), r.V, r.Angle,
-                           SqlText(m_pDB, k.KV).constData(), k.Zone_No, k.Base_kV, k.Vmax_kV, k.Vmin_kV);
+            QByteArray row = FormatText("%d,'%s',%12.9f,%12.6f,'%s',%d,%f,%f,%f ", m_caseNo,
+                                        SqlText(m_pDB, r.name).constData(), r.V, r.Angle,
+                                        SqlText(m_pDB, k.KV).constData(), k.Zone_No, k.Base_kV,
+                                        k.Vmax_kV, k.Vmin_kV);
             if (!m_bOptimal) {
                 row += FormatText(",%d,%d,%d,%d,%d", r.id, r.ikv, r.iisland, r.q, r.qq);
             }
@@ -170,12 +170,11 @@ static int linesToTable(QSqlDatabase* db, const QByteArray& t, int caseNo, bool 
         if (r.topflags & LN_TOP_INVALID) {
             return QByteArray();
         }
-        QByteArray row = FormatText("%d,'%s','%s','%s',%d,%f,%f,%f,%f,%f,%f,%f,%f,", caseNo,
-                                    SqlText(db, cut(r.id, 3)).constData(),
-                                    SqlText(db, r.I_Name).constData(),
-                                    SqlText(db, r.J_Name).constData(), r.ID_No, r.Pi, r.Qi, r.Pj,
-                                    r.Qj, r.Qci, r.Qcj, GetNodeVol_FromRTDB(r.I_Name),
-                                    GetNodeVol_FromRTDB(r.J_Name));
+        QByteArray row =
+            FormatText("%d,'%s','%s','%s',%d,%f,%f,%f,%f,%f,%f,%f,%f,", caseNo,
+                       SqlText(db, cut(r.id, 3)).constData(), SqlText(db, r.I_Name).constData(),
+                       SqlText(db, r.J_Name).constData(), r.ID_No, r.Pi, r.Qi, r.Pj, r.Qj, r.Qci,
+                       r.Qcj, GetNodeVol_FromRTDB(r.I_Name), GetNodeVol_FromRTDB(r.J_Name));
         if (ac) {
             row += FormatText("%f,%f,%d,%f,%f", GetNodeAngle_FromRTDB(r.I_Name),
                               GetNodeAngle_FromRTDB(r.J_Name), std::atoi(r.Zone), r.Rate_Ka,
@@ -207,12 +206,12 @@ int CLFResultDataTransfer::ImportRTDBToPCR_R()
                                if (r.topflags & CP_TOP_INVALID) {
                                    return QByteArray();
                                }
-                               QByteArray row = FormatText(
-                                   "%d,'%s','%s',%d,%f,%f,%f,'%s'", m_caseNo,
-                                   SqlText(m_pDB, r.id).constData(),
-                                   SqlText(m_pDB, r.Bus_Name).constData(), r.ID_No, r.Pi, r.Qi,
-                                   GetNodeVol_FromRTDB(r.Bus_Name),
-                                   SqlText(m_pDB, r.KV).constData());
+                               QByteArray row =
+                                   FormatText("%d,'%s','%s',%d,%f,%f,%f,'%s'", m_caseNo,
+                                              SqlText(m_pDB, r.id).constData(),
+                                              SqlText(m_pDB, r.Bus_Name).constData(), r.ID_No, r.Pi,
+                                              r.Qi, GetNodeVol_FromRTDB(r.Bus_Name),
+                                              SqlText(m_pDB, r.KV).constData());
                                if (!m_bOptimal) {
                                    row += FormatText(",%d,%d,%d", r.ibs, r.q, r.topflags);
                                }
@@ -227,11 +226,12 @@ int CLFResultDataTransfer::ImportRTDBToGen_R()
                                if (r.topflags & UN_TOP_INVALID) {
                                    return QByteArray();
                                }
-                               QByteArray row = FormatText(
-                                   "%d,'%s','%s',%15.9f,%15.9f,%12.9f,%f,%d ", m_caseNo,
-                                   SqlText(m_pDB, r.id).constData(),
-                                   SqlText(m_pDB, r.Bus_Name).constData(), r.Pg, r.Qg, GetNodeVol_FromRTDB(r.Bus_Name),
-                                   GetNodeAngle_FromRTDB(r.Bus_Name), r.Mode_Ctrl);
+                               QByteArray row =
+                                   FormatText("%d,'%s','%s',%15.9f,%15.9f,%12.9f,%f,%d ", m_caseNo,
+                                              SqlText(m_pDB, r.id).constData(),
+                                              SqlText(m_pDB, r.Bus_Name).constData(), r.Pg, r.Qg,
+                                              GetNodeVol_FromRTDB(r.Bus_Name),
+                                              GetNodeAngle_FromRTDB(r.Bus_Name), r.Mode_Ctrl);
                                if (!m_bOptimal) {
                                    row += FormatText(",%d,%d,%d", r.ibs, r.q, r.topflags);
                                }
@@ -250,8 +250,7 @@ int CLFResultDataTransfer::ImportRTDBToLoad_R()
                                    FormatText("%d,'%s','%s',%d,%15.9f,%15.9f,%12.9f,%f,%d ",
                                               m_caseNo, SqlText(m_pDB, r.id).constData(),
                                               SqlText(m_pDB, r.Bus_Name).constData(), r.No_Load,
-                                              r.Pl, r.Ql,
-                                              GetNodeVol_FromRTDB(r.Bus_Name),
+                                              r.Pl, r.Ql, GetNodeVol_FromRTDB(r.Bus_Name),
                                               GetNodeAngle_FromRTDB(r.Bus_Name), r.Mode_Ctrl);
                                if (!m_bOptimal) {
                                    row += FormatText(",%d,%d,%d", r.ibs, r.q, r.topflags);
@@ -273,11 +272,11 @@ static int transformersToTable(QSqlDatabase* db, const QByteArray& t, int caseNo
         if (r.topflags & XF_TOP_INVALID) {
             return QByteArray();
         }
-        QByteArray row = FormatText("%d,'%s','%s','%s',%d,%f,%f,%f,%f,%f,%f,%f,%f,%f,", caseNo,
-                                    SqlText(db, cut(r.id, 3)).constData(),
-                                    SqlText(db, r.I_Name).constData(),
-                                    SqlText(db, r.J_Name).constData(), r.ID_No, r.Pi, r.Qi, r.Pj, r.Qj, r.Pm, r.Qm, r.Tk,
-                                    GetNodeVol_FromRTDB(r.I_Name), GetNodeVol_FromRTDB(r.J_Name));
+        QByteArray row =
+            FormatText("%d,'%s','%s','%s',%d,%f,%f,%f,%f,%f,%f,%f,%f,%f,", caseNo,
+                       SqlText(db, cut(r.id, 3)).constData(), SqlText(db, r.I_Name).constData(),
+                       SqlText(db, r.J_Name).constData(), r.ID_No, r.Pi, r.Qi, r.Pj, r.Qj, r.Pm,
+                       r.Qm, r.Tk, GetNodeVol_FromRTDB(r.I_Name), GetNodeVol_FromRTDB(r.J_Name));
         if (t2w) {
             row += FormatText("%f,%f,", GetNodeAngle_FromRTDB(r.I_Name),
                               GetNodeAngle_FromRTDB(r.J_Name));
@@ -335,10 +334,10 @@ int CLFResultDataTransfer::ImportRTDBToT3W_R()
                 if (!alive) {
                     return QByteArray(); // no live winding: no row
                 }
-                row = FormatText("%d,'%s','%s',%f,'%s',", m_caseNo,
-                                 SqlText(m_pDB, name).constData(),
-                                 SqlText(m_pDB, r.I_Name).constData(), r.Up_Limit,
-                                 SqlText(m_pDB, r.ST).constData());
+                row =
+                    FormatText("%d,'%s','%s',%f,'%s',", m_caseNo, SqlText(m_pDB, name).constData(),
+                               SqlText(m_pDB, r.I_Name).constData(), r.Up_Limit,
+                               SqlText(m_pDB, r.ST).constData());
             }
             const QByteArray idText(r.id);
             const int k = idText.isEmpty() ? 0 : idText.back() - '0';
@@ -390,10 +389,10 @@ int CLFResultDataTransfer::ImportRTDBToBreaker_R()
         }
         // Four characters go, also from a switch's three-letter suffix, as designed.
         QSqlQuery q(*m_pDB);
-        const QByteArray sql =
-            FormatText(SQL_BREAKER_ROW, t.constData(), m_caseNo,
-                       SqlText(m_pDB, cut(r.id, 4)).constData(), SqlText(m_pDB, r.I_Name).constData(),
-                       SqlText(m_pDB, r.J_Name).constData(), r.P, r.Q, GetNodeVol_FromRTDB(r.I_Name));
+        const QByteArray sql = FormatText(
+            SQL_BREAKER_ROW, t.constData(), m_caseNo, SqlText(m_pDB, cut(r.id, 4)).constData(),
+            SqlText(m_pDB, r.I_Name).constData(), SqlText(m_pDB, r.J_Name).constData(), r.P, r.Q,
+            GetNodeVol_FromRTDB(r.I_Name));
         if (!ExecStatement(q, sql)) {
             ShowModalBox(ModalBoxKind::Warning, QObject::tr(BOX_CAPTION),
                          QObject::tr(MSG_BREAKER_ROW));
@@ -420,10 +419,10 @@ int CLFResultDataTransfer::ImportRTDBToDCLine_R()
         if (r.topflags & DLN_TOP_INVALID) {
             continue;
         }
-        QByteArray sql = FormatText(SQL_DCLINE_ROW_HEAD, t.constData(), m_caseNo,
-                                    SqlText(m_pDB, r.id).constData(),
-                                    SqlText(m_pDB, r.I_Name).constData(),
-                                    SqlText(m_pDB, r.J_Name).constData(), r.ID_No, std::atoi(r.Owner), r.OP_Mode);
+        QByteArray sql = FormatText(
+            SQL_DCLINE_ROW_HEAD, t.constData(), m_caseNo, SqlText(m_pDB, r.id).constData(),
+            SqlText(m_pDB, r.I_Name).constData(), SqlText(m_pDB, r.J_Name).constData(), r.ID_No,
+            std::atoi(r.Owner), r.OP_Mode);
         const char* base = reinterpret_cast<const char*>(&r);
         for (int k = 0; k < 52; ++k) {
             double v;

@@ -672,8 +672,9 @@ int CSTCaseDataTransfer::ImportCurve(const SDist_Inf& inf, const char* table, bo
 {
     QSqlQuery q(*m_pDB);
     const char* select = power ? SQL_DIST_T1_SELECT : SQL_DIST_VCURVE_SELECT;
-    if (!selectDetail(q, FormatText(select, table, m_nCaseNo, SqlText(m_pDB, inf.Bus_Name).constData()), queryMessage,
-                      noneMessage)) {
+    if (!selectDetail(
+            q, FormatText(select, table, m_nCaseNo, SqlText(m_pDB, inf.Bus_Name).constData()),
+            queryMessage, noneMessage)) {
         return CALC_FAIL;
     }
     // Each point counts; each point after the first closes a segment from the point before.
@@ -721,10 +722,11 @@ int CSTCaseDataTransfer::ImportDist_T10DataToRTDB(SDist_Inf& inf)
 int CSTCaseDataTransfer::ImportDist_T4DataToRTDB(SDist_Inf& inf)
 {
     QSqlQuery q(*m_pDB);
-    if (!selectDetail(
-            q, FormatText(SQL_DIST_T4_SELECT, ST_DIST_T4, m_nCaseNo, SqlText(m_pDB, inf.Bus_Name).constData(),
-                          SqlText(m_pDB, inf.ID_Name).constData()),
-            MSG_DIST_T4_QUERY, MSG_DIST_T4_NONE)) {
+    if (!selectDetail(q,
+                      FormatText(SQL_DIST_T4_SELECT, ST_DIST_T4, m_nCaseNo,
+                                 SqlText(m_pDB, inf.Bus_Name).constData(),
+                                 SqlText(m_pDB, inf.ID_Name).constData()),
+                      MSG_DIST_T4_QUERY, MSG_DIST_T4_NONE)) {
         return CALC_FAIL;
     }
     while (q.next()) {
@@ -742,10 +744,11 @@ int CSTCaseDataTransfer::ImportDist_T4DataToRTDB(SDist_Inf& inf)
 int CSTCaseDataTransfer::ImportDist_T5DataToRTDB(SDist_Inf& inf)
 {
     QSqlQuery q(*m_pDB);
-    if (!selectDetail(
-            q, FormatText(SQL_DIST_T5_SELECT, ST_DIST_T5, m_nCaseNo, SqlText(m_pDB, inf.Bus_Name).constData(),
-                          SqlText(m_pDB, inf.ID_Name).constData()),
-            MSG_DIST_T5_QUERY, MSG_DIST_T5_NONE)) {
+    if (!selectDetail(q,
+                      FormatText(SQL_DIST_T5_SELECT, ST_DIST_T5, m_nCaseNo,
+                                 SqlText(m_pDB, inf.Bus_Name).constData(),
+                                 SqlText(m_pDB, inf.ID_Name).constData()),
+                      MSG_DIST_T5_QUERY, MSG_DIST_T5_NONE)) {
         return CALC_FAIL;
     }
     while (q.next()) {
@@ -767,8 +770,8 @@ int CSTCaseDataTransfer::ImportDist_T6DataToRTDB(SDist_Inf& inf)
 {
     // The disturbance row carries the load text in Bus_Name and the range in ID_No.
     QSqlQuery q(*m_pDB);
-    if (!run(q, FormatText(SQL_DIST_T6_SELECT, ST_DIST_T6, m_nCaseNo, SqlText(m_pDB, inf.Bus_Name).constData(),
-                           inf.ID_No))) {
+    if (!run(q, FormatText(SQL_DIST_T6_SELECT, ST_DIST_T6, m_nCaseNo,
+                           SqlText(m_pDB, inf.Bus_Name).constData(), inf.ID_No))) {
         ShowMessage(MSG_DIST_T6_QUERY, MSG_ERROR);
         return CALC_FAIL;
     }
@@ -851,8 +854,9 @@ int CSTCaseDataTransfer::InsertDT6(const char* loadName, SDist_T6* row)
             return 2;
         }
     }
-    if (!run(q, FormatText(SQL_DT6_INSERT, SqlText(m_pDB, row->ID_Name).constData(), SqlText(m_pDB, loadName).constData(),
-                           row->Nrange, row->Sub_Type, SqlText(m_pDB, row->Ref_Name).constData(), row->V_Crit, row->K_Ratio,
+    if (!run(q, FormatText(SQL_DT6_INSERT, SqlText(m_pDB, row->ID_Name).constData(),
+                           SqlText(m_pDB, loadName).constData(), row->Nrange, row->Sub_Type,
+                           SqlText(m_pDB, row->Ref_Name).constData(), row->V_Crit, row->K_Ratio,
                            row->T_Delay, row->ID_No, row->T_Start, row->T_End))) {
         return 3;
     }
@@ -884,7 +888,8 @@ int CSTCaseDataTransfer::ImportDist_T7DataToRTDB(SDist_Inf& inf)
     QSqlQuery q(*m_pDB);
     if (!selectDetail(q,
                       FormatText(SQL_DIST_T7_SELECT, ST_DIST_T7, m_nCaseNo, inf.ID_No,
-                                 SqlText(m_pDB, inf.I_Name).constData(), SqlText(m_pDB, inf.J_Name).constData(),
+                                 SqlText(m_pDB, inf.I_Name).constData(),
+                                 SqlText(m_pDB, inf.J_Name).constData(),
                                  SqlText(m_pDB, inf.ID_Name).constData()),
                       MSG_DIST_T7_QUERY, MSG_DIST_T7_NONE)) {
         return CALC_FAIL;
@@ -903,10 +908,11 @@ int CSTCaseDataTransfer::ImportDist_T7DataToRTDB(SDist_Inf& inf)
 int CSTCaseDataTransfer::ImportDist_T8DataToRTDB(SDist_Inf& inf)
 {
     QSqlQuery q(*m_pDB);
-    if (!selectDetail(
-            q, FormatText(SQL_DIST_T8_SELECT, ST_DIST_T8, m_nCaseNo, SqlText(m_pDB, inf.Bus_Name).constData(),
-                          SqlText(m_pDB, inf.ID_Name).constData()),
-            MSG_DIST_T8_QUERY, MSG_DIST_T8_NONE)) {
+    if (!selectDetail(q,
+                      FormatText(SQL_DIST_T8_SELECT, ST_DIST_T8, m_nCaseNo,
+                                 SqlText(m_pDB, inf.Bus_Name).constData(),
+                                 SqlText(m_pDB, inf.ID_Name).constData()),
+                      MSG_DIST_T8_QUERY, MSG_DIST_T8_NONE)) {
         return CALC_FAIL;
     }
     const int rows = q.size();
@@ -928,10 +934,11 @@ int CSTCaseDataTransfer::ImportDist_T8DataToRTDB(SDist_Inf& inf)
 int CSTCaseDataTransfer::ImportDist_T9DataToRTDB(SDist_Inf& inf)
 {
     QSqlQuery q(*m_pDB);
-    if (!selectDetail(
-            q, FormatText(SQL_DIST_T9_SELECT, ST_DIST_T9, m_nCaseNo, SqlText(m_pDB, inf.Bus_Name).constData(),
-                          SqlText(m_pDB, inf.ID_Name).constData()),
-            MSG_DIST_T9_QUERY, MSG_DIST_T9_NONE)) {
+    if (!selectDetail(q,
+                      FormatText(SQL_DIST_T9_SELECT, ST_DIST_T9, m_nCaseNo,
+                                 SqlText(m_pDB, inf.Bus_Name).constData(),
+                                 SqlText(m_pDB, inf.ID_Name).constData()),
+                      MSG_DIST_T9_QUERY, MSG_DIST_T9_NONE)) {
         return CALC_FAIL;
     }
     const int rows = q.size();
@@ -1001,7 +1008,8 @@ QByteArray CSTCaseDataTransfer::BranchOutputId(const QByteArray& name, const QBy
     case 12: {
         // The output does not say which winding: the load-flow case's transformer table does.
         QSqlQuery q(*m_pDB);
-        if (!run(q, FormatText(SQL_WINDING_NTYPE, m_nCaseLF, SqlText(m_pDB, name).constData(), SqlText(m_pDB, iName).constData(),
+        if (!run(q, FormatText(SQL_WINDING_NTYPE, m_nCaseLF, SqlText(m_pDB, name).constData(),
+                               SqlText(m_pDB, iName).constData(),
                                SqlText(m_pDB, jName).constData()))) {
             ShowMessage(MSG_WINDING_QUERY, MSG_ERROR);
             return QByteArray();

@@ -508,8 +508,11 @@ TEST_F(Labels, EachBusFindsTheLevelOfItsOwnNameWhateverTheNameHolds)
         k.Base_kV = base;
         Put(k);
     }
-    const std::pair<std::string, const char*> nodes[] = {
-        {"x' OR '1'='1", "K110"}, {"a\\b", "K220"}, {"N3\\", "K110"}, {twenty, "K220"}, {"x", "K220"}};
+    const std::pair<std::string, const char*> nodes[] = {{"x' OR '1'='1", "K110"},
+                                                         {"a\\b", "K220"},
+                                                         {"N3\\", "K110"},
+                                                         {twenty, "K220"},
+                                                         {"x", "K220"}};
     int n = 0;
     for (const auto& [name, level] : nodes) {
         bus b;

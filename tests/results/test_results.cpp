@@ -629,10 +629,12 @@ TEST_F(Results, NamesOfTwentyBytesAndQuotesTravelWhileANaNLosesOnlyItsOwnTable)
 // ---- The write of results under server faults ----
 
 namespace {
-const std::string kXAcline = "交流线结果数据回存到结果库发生错误，可能存在正序阻抗为0的线路导致功率无穷大,"
-                             "\n请数据检查后再计算！";
-const std::string kXPcr = "并联电容电抗器结果数据回存到结果库发生错误，可能存在正序阻抗为0的并联电容"
-                          "电抗器导致功率无穷大,\n请数据检查后再计算！";
+const std::string kXAcline =
+    "交流线结果数据回存到结果库发生错误，可能存在正序阻抗为0的线路导致功率无穷大,"
+    "\n请数据检查后再计算！";
+const std::string kXPcr =
+    "并联电容电抗器结果数据回存到结果库发生错误，可能存在正序阻抗为0的并联电容"
+    "电抗器导致功率无穷大,\n请数据检查后再计算！";
 const std::string kXGen = "发电机结果数据回存到结果库发生错误，\n请数据检查后再计算！";
 const std::string kXLoad = "负荷结果数据回存到结果库发生错误，\n请数据检查后再计算！";
 const std::string kXT2w = "两绕组变压器结果数据回存到结果库发生错误，\n请数据检查后再计算！";
@@ -695,8 +697,8 @@ protected:
     static std::string Values()
     {
         return Scalar("SELECT Pi FROM LFR_ACLINE_R WHERE Case_No=6").toStdString() + "|" +
-               Scalar("SELECT Pg FROM LFR_GEN_R WHERE Case_No=6 AND ID_Name='G1'").toStdString() + "|" +
-               Scalar("SELECT Pl FROM LFR_LOAD_R WHERE Case_No=6").toStdString();
+               Scalar("SELECT Pg FROM LFR_GEN_R WHERE Case_No=6 AND ID_Name='G1'").toStdString() +
+               "|" + Scalar("SELECT Pl FROM LFR_LOAD_R WHERE Case_No=6").toStdString();
     }
     dbDatabase m_rtdb;
 };
@@ -736,7 +738,9 @@ INSTANTIATE_TEST_SUITE_P(
         ResultFault{testsupport::Fault::Killed, {kXGen, kXLoad, kXT2w}, 3, "0.625|0.75|0.5"},
         ResultFault{testsupport::Fault::MissingTable, {kXGen}, 1, "0.625|0.75|0.375"},
         // Read only: every batch is refused; the bus tables' failures are not looked at.
-        ResultFault{testsupport::Fault::ReadOnly, {kXAcline, kXPcr, kXGen, kXLoad, kXT2w}, 7,
+        ResultFault{testsupport::Fault::ReadOnly,
+                    {kXAcline, kXPcr, kXGen, kXLoad, kXT2w},
+                    7,
                     "0.5|0.75|0.5"},
         // Full: the case's old row was deleted and its place taken by the first new row; the
         // second does not fit, and the MEMORY engine keeps the first of the refused batch.
@@ -866,17 +870,22 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         // The generators' results locked whole: their select waits and the connection dies
         // there; every family after it finds no server.
-        ReadFault{testsupport::Fault::Killed, testsupport::Hold::Table,
+        ReadFault{testsupport::Fault::Killed,
+                  testsupport::Hold::Table,
                   {"查询发电机结果数据发生错误！", "查询负荷结果数据发生错误！",
                    "查询两绕组变压器结果数据发生错误！", "查询移相变压器结果数据发生错误！",
                    "查询三绕组变压器结果数据发生错误！", "查询开关结果数据发生错误！"},
                   false},
-        ReadFault{testsupport::Fault::MissingTable, testsupport::Hold::Rows,
-                  {"查询发电机结果数据发生错误！"}, false},
+        ReadFault{testsupport::Fault::MissingTable,
+                  testsupport::Hold::Rows,
+                  {"查询发电机结果数据发生错误！"},
+                  false},
         ReadFault{testsupport::Fault::ReadOnly, testsupport::Hold::Rows, {}, true},
         ReadFault{testsupport::Fault::Full, testsupport::Hold::Rows, {}, true},
-        ReadFault{testsupport::Fault::LockTimeout, testsupport::Hold::Table,
-                  {"查询发电机结果数据发生错误！"}, false}),
+        ReadFault{testsupport::Fault::LockTimeout,
+                  testsupport::Hold::Table,
+                  {"查询发电机结果数据发生错误！"},
+                  false}),
     [](const ::testing::TestParamInfo<ReadFault>& info) {
         return testsupport::FaultName(info.param.fault);
     });
