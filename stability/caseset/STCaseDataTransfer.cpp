@@ -802,6 +802,8 @@ int CSTCaseDataTransfer::ImportDist_T6DataToRTDB(SDist_Inf& inf)
             loads = FormatText(SQL_RANGE_ZONE, std::atoi(row->Load_Name.constData()));
             break;
         case -3:
+            // The base voltage stands unquoted: a text of more than one word could add a
+            // condition, and goes as a column's name that the server refuses.
             loads = FormatText(SQL_RANGE_VOLTAGE, SqlWord(row->Load_Name).constData(),
                                SqlWord(row->Load_Name).constData());
             break;
@@ -850,6 +852,7 @@ int CSTCaseDataTransfer::InsertDT6(const char* loadName, SDist_T6* row)
         if (old == 0 || old < row->Nrange) {
             return 0;
         }
+        // The load's name stands unquoted: more than one word goes as a column's name.
         if (!run(q, FormatText(SQL_DT6_DELETE, SqlWord(loadName).constData()))) {
             return 2;
         }
