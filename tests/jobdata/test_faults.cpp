@@ -406,13 +406,14 @@ TEST_F(JobNames, ExtractionAndSaveBackTouchOnlyTheRowsOfTheNamesTheyWereGiven)
     EXPECT_EQ(Count("L5_0 WHERE ID_Name=" + Literal("G1\\") + " AND Node_Name='N1G'"), 1);
 
     // Save-back into a group whose name holds a quote: a changed line with a quote in its
-    // name, an orphan generator on a new node whose name ends in a backslash.
+    // name, an orphan generator on a new node of 20 bytes with a backslash in its name.
+    ASSERT_EQ(std::string("新\\节点甲乙丙X").size(), 20u);
     Exec("UPDATE L2_0 SET R1=R1+0.01 WHERE ID_Name=" + Literal("L1' --"));
     Exec("INSERT INTO L5_0 (Case_No, EleID, ID_Name, Valid, Node_Name, Pg) VALUES (0, 99999, "
          "'GX', 1, " +
-         Literal("新\\节点") + ", 0.3)");
+         Literal("新\\节点甲乙丙X") + ", 0.3)");
     Exec("INSERT INTO L1_0 (Case_No, Node_Name, Bus_Name, Base_kV) VALUES (0, " +
-         Literal("新\\节点") + ", 'B1', 135)");
+         Literal("新\\节点甲乙丙X") + ", 'B1', 135)");
     const int lines = Count("CDB_ACLINEBAK");
     const std::string g1Line =
         Rows("SELECT R1 FROM CDB_ACLINEBAK WHERE GrpName='G1' AND ID_Name=" + Literal("L1' --"))[0];
@@ -433,8 +434,9 @@ TEST_F(JobNames, ExtractionAndSaveBackTouchOnlyTheRowsOfTheNamesTheyWereGiven)
         << "the base row stays as it was";
     EXPECT_EQ(Count("CDB_ACLINEBAK WHERE GrpName='G9' AND R1=9.9"), 1) << "the decoy untouched";
     EXPECT_EQ(Rows("SELECT GrpName, Node_Name FROM CDB_GENERATBAK WHERE ID_Name='GX'"),
-              std::vector<std::string>{"x' OR '1'='1|新\\节点"});
-    EXPECT_EQ(Count("CDB_NODEBAK WHERE Node_Name=" + Literal("新\\节点")), 1) << "the new node";
+              std::vector<std::string>{"x' OR '1'='1|新\\节点甲乙丙X"});
+    EXPECT_EQ(Count("CDB_NODEBAK WHERE Node_Name=" + Literal("新\\节点甲乙丙X")), 1)
+        << "the new node";
     EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName=" + Literal("x' OR '1'='1")), 1);
 }
 
