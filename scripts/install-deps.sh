@@ -10,7 +10,7 @@ packages=(
   libeigen3-dev                           # sparse linear algebra of the demo's load-flow solver
   cmake ninja-build g++ pkg-config
   googletest libgtest-dev libgmock-dev libbenchmark-dev
-  clang libclang-rt-14-dev                # libFuzzer and the sanitizers' runtimes for the fuzz targets
+  clang libclang-rt-dev                   # libFuzzer and the sanitizers' runtimes for the fuzz targets (clang's own version)
   fonts-wqy-microhei                      # a CJK font: the dialogs' Chinese texts in offscreen screenshots
 )
 

@@ -30,7 +30,7 @@ std::string FaultName(Fault fault)
     return "?";
 }
 
-FaultInjector::FaultInjector(fixtures::ScratchDatabase& scratch, QSqlDatabase* library, Fault fault,
+FaultInjector::FaultInjector(dbserver::ScratchDatabase& scratch, QSqlDatabase* library, Fault fault,
                              const QString& table, Hold hold)
     : m_scratch(scratch), m_library(library), m_fault(fault), m_table(table), m_hold(hold)
 {
@@ -79,18 +79,11 @@ QSqlDatabase* FaultInjector::Arm()
                 return nullptr;
             }
         }
-        const fixtures::ServerAddress a = fixtures::ServerAddress::fromEnvironment();
-        m_readOnly = QSqlDatabase::addDatabase(QStringLiteral("QMYSQL"), m_readOnlyName);
-        m_readOnly.setUserName(m_user);
-        m_readOnly.setDatabaseName(db);
-        if (!a.socket.isEmpty()) {
-            m_readOnly.setConnectOptions(QStringLiteral("UNIX_SOCKET=") + a.socket);
-        } else {
-            m_readOnly.setHostName(a.host);
-            m_readOnly.setPort(a.port);
-        }
-        if (!m_readOnly.open()) {
-            m_error = m_readOnly.lastError().text();
+        dbserver::ServerAddress a = dbserver::ServerAddress::fromEnvironment();
+        a.user = m_user;
+        a.password.clear();
+        m_readOnly = dbserver::OpenConnection(a, m_readOnlyName, db, &m_error);
+        if (!m_readOnly.isOpen()) {
             return nullptr;
         }
         m_struck = true;
@@ -133,7 +126,7 @@ QSqlDatabase* FaultInjector::Arm()
         const QString name = m_readOnlyName + QStringLiteral("_killer");
         m_killer = std::thread([this, victim, database, name] {
             {
-                QSqlDatabase k = fixtures::OpenConnection(name, database);
+                QSqlDatabase k = dbserver::OpenConnection(name, database);
                 QSqlQuery q(k);
                 // Bounded: ten seconds at most for the transfer to reach the lock.
                 for (int i = 0; i < 500 && !m_stop && !m_killed; ++i) {
@@ -215,7 +208,7 @@ void FaultInjector::Disarm()
     return ::testing::AssertionSuccess();
 }
 
-QSqlDatabase FreshConnection(fixtures::ScratchDatabase& scratch)
+QSqlDatabase FreshConnection(dbserver::ScratchDatabase& scratch)
 {
     return scratch.openSecondConnection(
         QStringLiteral("fresh_%1").arg(serial.fetchAndAddRelaxed(1)));

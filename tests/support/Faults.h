@@ -39,7 +39,7 @@ class FaultInjector
 {
 public:
     // `library` is the connection the transfer normally runs on.
-    FaultInjector(fixtures::ScratchDatabase& scratch, QSqlDatabase* library, Fault fault,
+    FaultInjector(dbserver::ScratchDatabase& scratch, QSqlDatabase* library, Fault fault,
                   const QString& table, Hold hold = Hold::Rows);
     ~FaultInjector();
     FaultInjector(const FaultInjector&) = delete;
@@ -64,7 +64,7 @@ public:
 private:
     bool run(QSqlDatabase& db, const QString& sql);
 
-    fixtures::ScratchDatabase& m_scratch;
+    dbserver::ScratchDatabase& m_scratch;
     QSqlDatabase* m_library;
     Fault m_fault;
     QString m_table;
@@ -83,6 +83,6 @@ private:
 };
 
 // A connection of its own to the suite's database, for the run after a fault.
-QSqlDatabase FreshConnection(fixtures::ScratchDatabase& scratch);
+QSqlDatabase FreshConnection(dbserver::ScratchDatabase& scratch);
 
 } // namespace testsupport
