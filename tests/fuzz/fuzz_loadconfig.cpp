@@ -3,11 +3,11 @@
 // (both are trimmed), no '=' in a value (the value is the text between the first two
 // separators); a load into a copy merges again, and the map can be saved.
 
+#include "FuzzCheck.h"
 #include "common/ConfigFile.h"
 
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <unistd.h>
 
@@ -17,14 +17,6 @@ const std::string& path()
 {
     static const std::string p = "/tmp/calcdata-fuzz-config-" + std::to_string(getpid()) + ".cfg";
     return p;
-}
-
-void check(bool ok, const char* what)
-{
-    if (!ok) {
-        std::fprintf(stderr, "fuzz_loadconfig: %s\n", what);
-        std::abort();
-    }
 }
 
 } // namespace
@@ -39,7 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::fclose(f);
 
     Ccfgfile cfg;
-    check(cfg.loadConfig(path()) == 0, "an existing file was not loaded");
+    FuzzCheck(cfg.loadConfig(path()) == 0, "an existing file was not loaded");
     // Every line's key: the first token of each line, as the loader cut it.
     const std::string text(reinterpret_cast<const char*>(data), size);
     std::size_t start = 0;
@@ -52,13 +44,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         key = key.substr(0, key.find('\0'));
         key = key.substr(0, key.find('='));
         std::string value = cfg.getValue(ParseString::trim(key));
-        check(value.find('=') == std::string::npos, "a value holds '='");
-        check(value.empty() || (value.front() != ' ' && value.back() != ' '),
-              "a value keeps a blank at an end");
+        FuzzCheck(value.find('=') == std::string::npos, "a value holds '='");
+        FuzzCheck(value.empty() || (value.front() != ' ' && value.back() != ' '),
+                  "a value keeps a blank at an end");
         start = end + 1;
     }
     Ccfgfile again(cfg);
-    check(again.loadConfig(path()) == 0, "the second load failed");
+    FuzzCheck(again.loadConfig(path()) == 0, "the second load failed");
     cfg.saveConfig(path() + ".out");
     std::remove((path() + ".out").c_str());
     std::remove(path().c_str());

@@ -3,27 +3,14 @@
 // it drops a byte it is the last of the bytes walked, whose count of bytes other than
 // 0x80 was odd.
 
+#include "FuzzCheck.h"
 #include "common/ConfigFile.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <string>
 #include <vector>
-
-namespace {
-
-void check(bool ok, const char* what)
-{
-    if (!ok) {
-        std::fprintf(stderr, "fuzz_mstrncpy: %s\n", what);
-        std::abort();
-    }
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -42,9 +29,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (int i = 0; i < walked; ++i) {
         counted += static_cast<unsigned char>(source[std::size_t(i)]) != 0x80 ? 1 : 0;
     }
-    check(n == (counted % 2 ? walked - 1 : walked), "the copied length breaks the parity rule");
-    check(n >= 0 && n <= (length > 0 ? length : 0), "more copied than allowed");
-    check(target[std::size_t(n)] == '\0', "the target is not ended");
-    check(std::memcmp(target.data(), source.data(), std::size_t(n)) == 0, "not a prefix");
+    FuzzCheck(n == (counted % 2 ? walked - 1 : walked), "the copied length breaks the parity rule");
+    FuzzCheck(n >= 0 && n <= (length > 0 ? length : 0), "more copied than allowed");
+    FuzzCheck(target[std::size_t(n)] == '\0', "the target is not ended");
+    FuzzCheck(std::memcmp(target.data(), source.data(), std::size_t(n)) == 0, "not a prefix");
     return 0;
 }

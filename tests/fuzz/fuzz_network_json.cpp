@@ -2,6 +2,7 @@
 // reason, or true with a network whose lists hold one entry per element of the file's
 // arrays.
 
+#include "FuzzCheck.h"
 #include "SampleNetwork.h"
 
 #include <QByteArray>
@@ -11,21 +12,7 @@
 #include <QJsonObject>
 #include <QString>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <unistd.h>
-
-namespace {
-
-void check(bool ok, const char* what)
-{
-    if (!ok) {
-        std::fprintf(stderr, "fuzz_network_json: %s\n", what);
-        std::abort();
-    }
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -42,13 +29,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     QString error;
     const bool ok = samples::ReadNetworkJson(path, net, error);
     QFile::remove(path);
-    check(ok == error.isEmpty(), "the result and the reason disagree");
+    FuzzCheck(ok == error.isEmpty(), "the result and the reason disagree");
     if (ok) {
         const QJsonObject o = QJsonDocument::fromJson(bytes).object();
-        check(net.buses.size() == std::size_t(o.value("buses").toArray().size()), "buses lost");
-        check(net.gens.size() == std::size_t(o.value("gens").toArray().size()), "gens lost");
-        check(net.branches.size() == std::size_t(o.value("branches").toArray().size()),
-              "branches lost");
+        FuzzCheck(net.buses.size() == std::size_t(o.value("buses").toArray().size()), "buses lost");
+        FuzzCheck(net.gens.size() == std::size_t(o.value("gens").toArray().size()), "gens lost");
+        FuzzCheck(net.branches.size() == std::size_t(o.value("branches").toArray().size()),
+                  "branches lost");
     }
     return 0;
 }

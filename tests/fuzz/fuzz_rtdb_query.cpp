@@ -4,11 +4,10 @@
 // shape now remembered by this thread) gives the same records; an update of a selected
 // record and one that changes nothing are undone by the rollback that ends each input.
 
+#include "FuzzCheck.h"
 #include "records/NetworkRecords.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <set>
 #include <string>
@@ -18,14 +17,6 @@ using namespace dtsdb;
 
 namespace {
 
-void check(bool ok, const char* what)
-{
-    if (!ok) {
-        std::fprintf(stderr, "fuzz_rtdb_query: %s\n", what);
-        std::abort();
-    }
-}
-
 void quiet(int, const char*, int, void*) {}
 
 dbDatabase& database()
@@ -33,7 +24,7 @@ dbDatabase& database()
     static dbDatabase* db = [] {
         auto* d = new dbDatabase;
         d->setErrorHandler(&quiet);
-        check(d->open("fuzz"), "the database does not open");
+        FuzzCheck(d->open("fuzz"), "the database does not open");
         const char* ids[] = {"L1_ac", "O'Brien_ac", "a\\b_sc", "线路一_ac", "", "L10_ac"};
         int k = 0;
         for (const char* id : ids) {
@@ -45,7 +36,7 @@ dbDatabase& database()
             r.ibs = k;
             r.R1 = 0.25f * float(k);
             r.q = unsigned(k);
-            check(d->insertRecord(&ln::dbDescriptor, nullptr, &r), "an insert failed");
+            FuzzCheck(d->insertRecord(&ln::dbDescriptor, nullptr, &r), "an insert failed");
             ++k;
         }
         d->commit();
@@ -133,11 +124,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     int first = 0, second = 0;
     const std::vector<std::string> a = ids(q, first);
     const std::vector<std::string> b = ids(q, second);
-    check(first == second && a == b, "the same query selected differently the second time");
-    check(first <= 6 && int(a.size()) == (first > 0 ? first : 0), "count and records differ");
+    FuzzCheck(first == second && a == b, "the same query selected differently the second time");
+    FuzzCheck(first <= 6 && int(a.size()) == (first > 0 ? first : 0), "count and records differ");
     std::set<std::string> known = {"L1_ac", "O'Brien_ac", "a\\b_sc", "线路一_ac", "", "L10_ac"};
     for (const std::string& id : a) {
-        check(known.count(id) == 1, "a record that was never inserted");
+        FuzzCheck(known.count(id) == 1, "a record that was never inserted");
     }
     if (first > 0) {
         dbCursor<ln> c(dbCursorForUpdate);
@@ -150,6 +141,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     db.rollback();
     int after = 0;
     dbQuery all("order by id");
-    check(ids(all, after).size() == 6 && after == 6, "the rollback lost a record");
+    FuzzCheck(ids(all, after).size() == 6 && after == 6, "the rollback lost a record");
     return 0;
 }

@@ -21,8 +21,8 @@ namespace {
 char kScheme[] = "SCH";
 const char* const kJobTables[] = {"L1_0", "L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"};
 
-// CHECKSUM TABLE of every base table, plain and working copy.
-std::map<std::string, std::string> BaseChecksums(QSqlDatabase db)
+// Every base table, plain and working copy.
+QStringList BaseTables(QSqlDatabase db)
 {
     QSqlQuery q(db);
     q.exec("SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_SCHEMA=DATABASE() "
@@ -31,6 +31,14 @@ std::map<std::string, std::string> BaseChecksums(QSqlDatabase db)
     while (q.next()) {
         tables << q.value(0).toString();
     }
+    return tables;
+}
+
+// CHECKSUM TABLE of every base table.
+std::map<std::string, std::string> BaseChecksums(QSqlDatabase db)
+{
+    const QStringList tables = BaseTables(db);
+    QSqlQuery q(db);
     std::map<std::string, std::string> sums;
     EXPECT_GT(tables.size(), 30) << "the base tables, plain and working copies";
     EXPECT_TRUE(q.exec("CHECKSUM TABLE " + tables.join(", ")))
@@ -57,6 +65,23 @@ std::vector<std::string> Marked(QSqlDatabase db)
     return out;
 }
 
+// A suite's database with no base data and no jobs: every working copy of the base
+// tables, the job list and the given tables emptied.
+class EmptyBaseDb : public DbTest
+{
+protected:
+    static void EmptyWorkingCopies(std::vector<QString> more = {})
+    {
+        for (const QString& t : BaseTables(checker())) {
+            if (t.endsWith("BAK", Qt::CaseInsensitive)) {
+                more.push_back(t);
+            }
+        }
+        more.push_back("LF_CASE");
+        Truncate(more);
+    }
+};
+
 } // namespace
 
 // ---- Extraction ----
@@ -75,18 +100,15 @@ void PrintTo(const ExtractionFault& f, std::ostream* os)
     *os << testsupport::FaultName(f.fault);
 }
 
-class ExtractionFaults : public DbTest, public ::testing::WithParamInterface<ExtractionFault>
+class ExtractionFaults : public EmptyBaseDb, public ::testing::WithParamInterface<ExtractionFault>
 {
 protected:
     static constexpr int kLines = 150; // AC lines of the network: more than a full L2_0 holds
 
     void SetUp() override
     {
-        DbTest::SetUp();
-        Truncate({"CDB_SBBAK", "CDB_BUSBAK", "CDB_NODEBAK", "CDB_PSTATIONBAK", "CDB_ZONEBAK",
-                  "CDB_ACLINEBAK", "CDB_TRANS_2WBAK", "CDB_SHIFTBAK", "CDB_GENERATBAK",
-                  "CDB_LOADBAK", "CDB_PCAPREABAK", "CDB_DATAGROUPBAK", "CDB_SCHEMEINFBAK",
-                  "CDB_SCHEMECONTBAK", "LF_CASE"});
+        EmptyBaseDb::SetUp();
+        EmptyWorkingCopies();
         samples::Network net = samples::MakeSyntheticNetwork(100);
         QString error;
         ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error))
@@ -220,16 +242,13 @@ void PrintTo(const SaveBackFault& f, std::ostream* os)
     *os << testsupport::FaultName(f.fault);
 }
 
-class SaveBackFaults : public DbTest, public ::testing::WithParamInterface<SaveBackFault>
+class SaveBackFaults : public EmptyBaseDb, public ::testing::WithParamInterface<SaveBackFault>
 {
 protected:
     void SetUp() override
     {
-        DbTest::SetUp();
-        Truncate({"CDB_SBBAK", "CDB_BUSBAK", "CDB_NODEBAK", "CDB_PSTATIONBAK", "CDB_ZONEBAK",
-                  "CDB_ACLINEBAK", "CDB_TRANS_2WBAK", "CDB_TRANS_3WBAK", "CDB_SHIFTBAK",
-                  "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_PCAPREABAK", "CDB_BREAKERBAK",
-                  "CDB_DATAGROUPBAK", "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "LF_CASE"});
+        EmptyBaseDb::SetUp();
+        EmptyWorkingCopies();
         samples::Network net;
         QString error;
         ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
@@ -311,36 +330,13 @@ INSTANTIATE_TEST_SUITE_P(
 
 // ---- Names that hold quotes, backslashes and multi-byte text ----
 
-class JobNames : public DbTest
+class JobNames : public EmptyBaseDb
 {
 protected:
     void SetUp() override
     {
-        DbTest::SetUp();
-        Truncate({"CDB_SBBAK",
-                  "CDB_BUSBAK",
-                  "CDB_NODEBAK",
-                  "CDB_PSTATIONBAK",
-                  "CDB_ZONEBAK",
-                  "CDB_ACLINEBAK",
-                  "CDB_TRANS_2WBAK",
-                  "CDB_TRANS_3WBAK",
-                  "CDB_SHIFTBAK",
-                  "CDB_GENERATBAK",
-                  "CDB_LOADBAK",
-                  "CDB_PCAPREABAK",
-                  "CDB_BREAKERBAK",
-                  "CDB_DATAGROUPBAK",
-                  "CDB_SCHEMEINFBAK",
-                  "CDB_SCHEMECONTBAK",
-                  "LF_CASE",
-                  "L1_0",
-                  "L2_0",
-                  "L3_0",
-                  "L4_0",
-                  "L5_0",
-                  "L6_0",
-                  "LK_0"});
+        EmptyBaseDb::SetUp();
+        EmptyWorkingCopies({"L1_0", "L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"});
         samples::Network net;
         QString error;
         ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));

@@ -13,16 +13,9 @@ using testsupport::DbTest;
 using testsupport::Fault;
 using testsupport::FaultInjector;
 using testsupport::Hold;
+using testsupport::Put;
 
 namespace {
-
-template <class T> void Put(const char* id, unsigned int q = 0)
-{
-    T r;
-    r.id = id;
-    r.q = q;
-    testsupport::Put(r);
-}
 
 const std::string kGen = "实时数据库数据更新发电机计算数据表发生错误！";
 const std::string kDc = "实时数据库数据更新直流线计算数据表发生错误！";

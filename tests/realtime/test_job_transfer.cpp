@@ -9,18 +9,7 @@
 using namespace dtsdb;
 using testsupport::DbTest;
 using testsupport::Fetch;
-
-namespace {
-
-template <class T> void Put(const char* id, unsigned int q = 0)
-{
-    T r;
-    r.id = id;
-    r.q = q;
-    testsupport::Put(r);
-}
-
-} // namespace
+using testsupport::Put;
 
 // Job 1 in the SQL server and a real-time database of records, per test.
 class JobTransfer : public DbTest

@@ -14,6 +14,15 @@ template <class T> void Put(const T& r)
     ASSERT_TRUE(T::dbDescriptor.getDatabase()->insertRecord(&T::dbDescriptor, nullptr, &r));
 }
 
+// Inserts a record of class T with only its id and quality bits set; commits nothing.
+template <class T> void Put(const char* id, unsigned int q = 0)
+{
+    T r;
+    r.id = id;
+    r.q = q;
+    Put(r);
+}
+
 // The one record whose id is `id`; a failure when there is not exactly one.
 template <class T> T Fetch(const char* id)
 {
