@@ -1,15 +1,14 @@
 // The update of a job from the real-time records under server faults, and with record
 // names that hold quotes, backslashes and multi-byte text.
 
-#include "DbTest.h"
 #include "Faults.h"
+#include "JobTransferTest.h"
 #include "RecordAccess.h"
 #include "loadflow/realtime/LFCalDataToRTDB.h"
 #include "records/NetworkRecords.h"
 #include "records/RecordFlags.h"
 
 using namespace dtsdb;
-using testsupport::DbTest;
 using testsupport::Fault;
 using testsupport::FaultInjector;
 using testsupport::Hold;
@@ -28,14 +27,12 @@ const std::string kSwitch = "实时数据库数据更新开关刀闸计算数据
 
 // Job 1 in the server, its generators G1 and G2, load D1 and breaker K1 out of service, and
 // the records of the same names.
-class JobFaults : public DbTest
+class JobFaults : public JobTransfer
 {
 protected:
     void SetUp() override
     {
-        DbTest::SetUp();
-        ASSERT_TRUE(m_rtdb.open("jobfaults"));
-        Truncate({"L1_1", "L2_1", "L3_1", "L4_1", "L5_1", "L6_1", "LK_1"});
+        JobTransfer::SetUp();
         Put<un>("G1");
         Put<un>("G2");
         Put<ld>("D1");
@@ -47,12 +44,6 @@ protected:
         feedback().clear();
         boxes().clear();
     }
-    void TearDown() override
-    {
-        m_rtdb.rollback();
-        m_rtdb.close();
-    }
-    dbDatabase m_rtdb;
 };
 
 struct UpdateFault
@@ -125,23 +116,8 @@ INSTANTIATE_TEST_SUITE_P(
     });
 
 // Names from the records: each updates its own job row and no other.
-class UpdateNames : public DbTest
-{
-protected:
-    void SetUp() override
-    {
-        DbTest::SetUp();
-        ASSERT_TRUE(m_rtdb.open("updatenames"));
-        Truncate({"L1_1", "L2_1", "L3_1", "L4_1", "L5_1", "L6_1", "LK_1"});
-        boxes().clear();
-    }
-    void TearDown() override
-    {
-        m_rtdb.rollback();
-        m_rtdb.close();
-    }
-    dbDatabase m_rtdb;
-};
+class UpdateNames : public JobTransfer
+{};
 
 TEST_F(UpdateNames, EachRecordUpdatesTheRowOfItsOwnNameOnly)
 {

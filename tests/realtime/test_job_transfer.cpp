@@ -1,35 +1,14 @@
 // A load-flow job into the real-time records and back, and invalidation.
 
-#include "DbTest.h"
+#include "JobTransferTest.h"
 #include "RecordAccess.h"
 #include "loadflow/realtime/LFCalDataToRTDB.h"
 #include "records/NetworkRecords.h"
 #include "records/RecordFlags.h"
 
 using namespace dtsdb;
-using testsupport::DbTest;
 using testsupport::Fetch;
 using testsupport::Put;
-
-// Job 1 in the SQL server and a real-time database of records, per test.
-class JobTransfer : public DbTest
-{
-protected:
-    void SetUp() override
-    {
-        DbTest::SetUp();
-        ASSERT_TRUE(m_rtdb.open("job"));
-        Truncate({"L1_1", "L2_1", "L3_1", "L4_1", "L5_1", "L6_1", "LK_1"});
-        feedback().clear();
-        boxes().clear();
-    }
-    void TearDown() override
-    {
-        m_rtdb.rollback();
-        m_rtdb.close();
-    }
-    dbDatabase m_rtdb;
-};
 
 TEST_F(JobTransfer, ImportOverwritesInputsAndFlagsOfStandingRecords)
 {

@@ -451,8 +451,8 @@ TEST(SwitchFlow, OnlyWhatReallyFlowsIntoANodeCounts)
     {
         const char* id;
         float p, q;
-    } expected[] = {{"K1_brk", 10, 3},         {"K2_brk", 5.9f, 1.9f}, {"K3_brk", -2.9f, -0.8f},
-                    {"K4_brk", 0.98f, 0.1f}, {"KN_sw", 0, 0},         {"K5_brk", 0, 0}};
+    } expected[] = {{"K1_brk", 10, 3},       {"K2_brk", 5.9f, 1.9f}, {"K3_brk", -2.9f, -0.8f},
+                    {"K4_brk", 0.98f, 0.1f}, {"KN_sw", 0, 0},        {"K5_brk", 0, 0}};
     for (const auto& e : expected) {
         const cb c = Fetch<cb>(e.id);
         EXPECT_NEAR(c.P, e.p, 1e-5) << e.id;
@@ -653,13 +653,12 @@ void PrintTo(const ResultFault& f, std::ostream* os)
     *os << testsupport::FaultName(f.fault);
 }
 
-class ResultFaults : public DbTest, public ::testing::WithParamInterface<ResultFault>
+class ResultFaults : public Results, public ::testing::WithParamInterface<ResultFault>
 {
 protected:
     void SetUp() override
     {
-        DbTest::SetUp();
-        ASSERT_TRUE(m_rtdb.open("resultfaults"));
+        Results::SetUp();
         Truncate({"LFR_BS_R", "LFR_BUS_R", "LFR_ACLINE_R", "LFR_PCR_R", "LFR_GEN_R", "LFR_LOAD_R",
                   "LFR_T2W_R"});
         SmallNetwork();
@@ -680,11 +679,6 @@ protected:
         feedback().clear();
         boxes().clear();
     }
-    void TearDown() override
-    {
-        m_rtdb.rollback();
-        m_rtdb.close();
-    }
     template <class T, class Change> static void Set(const char* id, Change change)
     {
         dbCursor<T> c(dbCursorForUpdate);
@@ -700,7 +694,6 @@ protected:
                Scalar("SELECT Pg FROM LFR_GEN_R WHERE Case_No=6 AND ID_Name='G1'").toStdString() +
                "|" + Scalar("SELECT Pl FROM LFR_LOAD_R WHERE Case_No=6").toStdString();
     }
-    dbDatabase m_rtdb;
 };
 
 TEST_P(ResultFaults, TheFaultedTableKeepsItsRowsTheOthersAreWrittenAndTheNextRunWritesAll)
@@ -804,13 +797,12 @@ void PrintTo(const ReadFault& f, std::ostream* os)
     *os << testsupport::FaultName(f.fault);
 }
 
-class ReadFaults : public DbTest, public ::testing::WithParamInterface<ReadFault>
+class ReadFaults : public Results, public ::testing::WithParamInterface<ReadFault>
 {
 protected:
     void SetUp() override
     {
-        DbTest::SetUp();
-        ASSERT_TRUE(m_rtdb.open("readfaults"));
+        Results::SetUp();
         Truncate({"LFR_BS_R", "LFR_BUS_R", "LFR_ACLINE_R", "LFR_PCR_R", "LFR_GEN_R", "LFR_LOAD_R",
                   "LFR_T2W_R"});
         SmallNetwork();
@@ -823,11 +815,6 @@ protected:
         m_rtdb.commit();
         feedback().clear();
     }
-    void TearDown() override
-    {
-        m_rtdb.rollback();
-        m_rtdb.close();
-    }
     template <class T, class Change> static void Zero(Change change)
     {
         dbCursor<T> c(dbCursorForUpdate);
@@ -838,7 +825,6 @@ protected:
             } while (c.next());
         }
     }
-    dbDatabase m_rtdb;
 };
 
 TEST_P(ReadFaults, TheFaultedFamilyReportsTheOthersComeBackAndTheNextRunBringsAll)
