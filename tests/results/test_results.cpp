@@ -640,6 +640,22 @@ const std::string kXLoad = "负荷结果数据回存到结果库发生错误，\
 const std::string kXT2w = "两绕组变压器结果数据回存到结果库发生错误，\n请数据检查后再计算！";
 } // namespace
 
+// The small network's solution written into emptied result tables as case 6.
+class WrittenResults : public Results
+{
+protected:
+    void SetUp() override
+    {
+        Results::SetUp();
+        Truncate({"LFR_BS_R", "LFR_BUS_R", "LFR_ACLINE_R", "LFR_PCR_R", "LFR_GEN_R", "LFR_LOAD_R",
+                  "LFR_T2W_R"});
+        SmallNetwork();
+        m_rtdb.commit();
+        CLFResultDataTransfer out(6, db(), &m_rtdb, false, 0);
+        ASSERT_EQ(out.ImportRTDBDataToLFResultDB(), 0);
+    }
+};
+
 struct ResultFault
 {
     testsupport::Fault fault;
@@ -653,19 +669,14 @@ void PrintTo(const ResultFault& f, std::ostream* os)
     *os << testsupport::FaultName(f.fault);
 }
 
-class ResultFaults : public Results, public ::testing::WithParamInterface<ResultFault>
+class ResultFaults : public WrittenResults, public ::testing::WithParamInterface<ResultFault>
 {
 protected:
     void SetUp() override
     {
-        Results::SetUp();
-        Truncate({"LFR_BS_R", "LFR_BUS_R", "LFR_ACLINE_R", "LFR_PCR_R", "LFR_GEN_R", "LFR_LOAD_R",
-                  "LFR_T2W_R"});
-        SmallNetwork();
-        m_rtdb.commit();
-        // A first write; then the solution changes, so that a table written again shows it.
-        CLFResultDataTransfer out(6, db(), &m_rtdb, false, 0);
-        ASSERT_EQ(out.ImportRTDBDataToLFResultDB(), 0);
+        WrittenResults::SetUp();
+        ASSERT_FALSE(HasFatalFailure());
+        // Then the solution changes, so that a table written again shows it.
         ASSERT_EQ(Values(), "0.5|0.75|0.5");
         Set<ln>("L1_ac", [](ln& r) { r.Pi = 0.625f; });
         Set<un>("G1", [](un& r) { r.Pg = 0.875f; });
@@ -797,18 +808,13 @@ void PrintTo(const ReadFault& f, std::ostream* os)
     *os << testsupport::FaultName(f.fault);
 }
 
-class ReadFaults : public Results, public ::testing::WithParamInterface<ReadFault>
+class ReadFaults : public WrittenResults, public ::testing::WithParamInterface<ReadFault>
 {
 protected:
     void SetUp() override
     {
-        Results::SetUp();
-        Truncate({"LFR_BS_R", "LFR_BUS_R", "LFR_ACLINE_R", "LFR_PCR_R", "LFR_GEN_R", "LFR_LOAD_R",
-                  "LFR_T2W_R"});
-        SmallNetwork();
-        m_rtdb.commit();
-        CLFResultDataTransfer out(6, db(), &m_rtdb, false, 0);
-        ASSERT_EQ(out.ImportRTDBDataToLFResultDB(), 0);
+        WrittenResults::SetUp();
+        ASSERT_FALSE(HasFatalFailure());
         // The records forget their solution; the stored results must bring it back.
         Zero<un>([](un& r) { r.Pg = 0; });
         Zero<ld>([](ld& r) { r.Pl = 0; });
