@@ -172,7 +172,7 @@ void initRecord(void* record, std::size_t size, const dbTableDescriptor& descrip
     X(const char*, I_Name, FIELD) X(const char*, J_Name, FIELD) X(unsigned int, topflags, FIELD)   \
     X(float, P, FIELD) X(float, Q, FIELD)
 
-// Static var compensator; `Valid` lives in bit SVC_VALID of q.
+// Static var compensator; `Valid` lives in q as the bit SVC_OUTSERVICE, set when not 1.
 #define DTSDB_SVC(X) X(const char*, id_name, KEY) X(int, Model, FIELD) X(int, Par_No, FIELD)       \
     X(float, X_Fixed, FIELD) X(unsigned int, q, FIELD)
 

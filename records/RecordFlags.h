@@ -25,7 +25,8 @@ enum CbFlags : unsigned int {
     CB_OPEN = 256, // Lbreak is 0
     CB_TESTED = 1, // looked at before a result row is written; set outside this library
 };
-enum SvcFlags : unsigned int { SVC_VALID = 2 };
+// The SVC's bit is set when it is out of service: Valid 1 clears it, any other value sets it.
+enum SvcFlags : unsigned int { SVC_OUTSERVICE = 2 };
 
 // `topflags`: the bit set by a forced invalidation, and the bit that marks a dead element
 // whose results are not written.

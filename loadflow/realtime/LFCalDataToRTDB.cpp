@@ -3,6 +3,7 @@
 #include "common/Conversions.h"
 #include "common/Feedback.h"
 #include "common/ModalBox.h"
+#include "common/RowValues.h"
 #include "common/SqlRows.h"
 #include "loadflow/realtime/LFRealtimeStatements.h"
 #include "records/NetworkRecords.h"
@@ -23,15 +24,8 @@ using namespace lfrt;
 
 namespace {
 
-// Room for a name of 20 bytes and the longest suffix, with margin for longer data.
-constexpr int kIdSize = 256;
 // Bus_Ctrl holds at most 20 bytes; one more keeps the copy terminated.
 constexpr int kBusCtrlSize = 21;
-
-void setBit(unsigned int& word, unsigned int bit, bool on)
-{
-    word = on ? (word | bit) : (word & ~bit);
-}
 
 // Runs a job-table SELECT forward only; false when the server refused it.
 bool runSelect(CSqlRows& rows, QSqlQuery& q, const QByteArray& sql)
@@ -102,38 +96,6 @@ void warn(const char* text)
     ShowModalBox(ModalBoxKind::Warning, BOX_CAPTION, QObject::tr(text));
 }
 
-// Takes a job row's name into the id buffer and appends the family's suffix. The formats
-// are "%s" and a suffix, which is appended as it stands.
-void formId(char* id, const QByteArray& name, const char* format)
-{
-    char buf[kIdSize];
-    Strcopy(buf, name.left(kIdSize - 8).constData());
-    if (format[0] == '%' && format[1] == 's' && !std::strchr(format + 2, '%')) {
-        const std::size_t n = std::strlen(buf);
-        std::memcpy(id, buf, n);
-        std::strcpy(id + n, format + 2);
-    } else {
-        std::snprintf(id, kIdSize, format, buf);
-    }
-}
-
-// Selects the record of `id` on `cursor`; shows the not-found message when there is none.
-template <class T> bool findRecord(dbCursor<T>& cursor, const char* id, const char* missing)
-{
-    dbQuery q;
-    q = "id =", id;
-    if (cursor.select(q) < 1) {
-        ShowMessagef(MSG_ERROR, missing, id);
-        return false;
-    }
-    return true;
-}
-
-float real(const CSqlRows& r, int column)
-{
-    return static_cast<float>(r.toDouble(column));
-}
-
 // A row's Bus_Ctrl into its buffer, cut to 20 bytes and terminated.
 void copyBusCtrl(char (&buf)[kBusCtrlSize], const QByteArray& value)
 {
@@ -157,10 +119,10 @@ int importRows(QSqlDatabase* db, const QByteArray& sql, const char* queryMessage
         ShowMessage(queryMessage, MSG_ERROR);
         return CALC_FAIL;
     }
-    char id[kIdSize] = "";
+    char id[kRecordIdSize] = "";
     while (rows.next()) {
         nameRow(id, rows);
-        if (!findRecord(cursor, id, missing)) {
+        if (!FindRecord(cursor, "id =", id, missing, id)) {
             continue;
         }
         apply(*cursor, rows);
@@ -172,7 +134,7 @@ int importRows(QSqlDatabase* db, const QByteArray& sql, const char* queryMessage
 // The row's first column with a fixed suffix.
 auto plainName(const char* format)
 {
-    return [format](char* id, const CSqlRows& r) { formId(id, r.toLocal8Bit(0), format); };
+    return [format](char* id, const CSqlRows& r) { FormRecordId(id, r.toLocal8Bit(0), format); };
 }
 
 } // namespace
@@ -199,8 +161,8 @@ int CLFCalDataToRTDB::ImportL1DataToRTDB()
     const QByteArray table = FormatText(L1_TABLE, m_nJobNumber);
     return importRows<nd>(m_pDB, FormatText(SQL_L1_SELECT, table.constData()), MSG_L1_QUERY,
                           MSG_ND_MISSING, plainName(ID_PLAIN), [](nd& r, const CSqlRows&) {
-                              setBit(r.q, ND_INJOB, true);
-                              setBit(r.q, ND_OUTSERVICE, false);
+                              SetFlagBit(r.q, ND_INJOB, true);
+                              SetFlagBit(r.q, ND_OUTSERVICE, false);
                           });
 }
 
@@ -215,57 +177,57 @@ int CLFCalDataToRTDB::ImportL2DataToRTDB()
         ShowMessage(MSG_L2_QUERY, MSG_ERROR);
         return CALC_FAIL;
     }
-    char id[kIdSize] = "";
+    char id[kRecordIdSize] = "";
     char busCtrl[kBusCtrlSize];
-    char type[kIdSize];
+    char type[kRecordIdSize];
     while (q.next()) {
         const int ntype = q.toInt(19);
-        const QByteArray typeText = q.toLocal8Bit(18).left(kIdSize - 1);
+        const QByteArray typeText = q.toLocal8Bit(18).left(kRecordIdSize - 1);
         copyBusCtrl(busCtrl, q.toLocal8Bit(14));
         Strcopy(type, typeText.constData());
         if (ntype == 1 || ntype == 2) {
-            formId(id, q.toLocal8Bit(0), ntype == 1 ? ID_AC : ID_SC);
-            if (!findRecord(lines, id, ntype == 1 ? MSG_AC_MISSING : MSG_SC_MISSING)) {
+            FormRecordId(id, q.toLocal8Bit(0), ntype == 1 ? ID_AC : ID_SC);
+            if (!FindRecord(lines, "id =", id, ntype == 1 ? MSG_AC_MISSING : MSG_SC_MISSING, id)) {
                 continue;
             }
             ln& r = *lines;
-            setBit(r.q, LN_INJOB, true);
-            setBit(r.q, LN_OUTSERVICE, q.toInt(1) == 0);
+            SetFlagBit(r.q, LN_INJOB, true);
+            SetFlagBit(r.q, LN_OUTSERVICE, q.toInt(1) == 0);
             r.ID_No = q.toInt(4);
-            setBit(r.q, LN_IOPEN, q.toInt(5) == 0);
-            setBit(r.q, LN_JOPEN, q.toInt(6) == 0);
-            r.R1 = real(q, 7);
-            r.X1 = real(q, 8);
-            r.B1_Half = real(q, 9);
-            r.Rate_Ka = real(q, 10);
-            r.Up_Limit = real(q, 11);
+            SetFlagBit(r.q, LN_IOPEN, q.toInt(5) == 0);
+            SetFlagBit(r.q, LN_JOPEN, q.toInt(6) == 0);
+            r.R1 = RowReal(q, 7);
+            r.X1 = RowReal(q, 8);
+            r.B1_Half = RowReal(q, 9);
+            r.Rate_Ka = RowReal(q, 10);
+            r.Up_Limit = RowReal(q, 11);
             r.Mode_Ctrl = q.toInt(12);
             r.Par_No = q.toInt(13);
             r.Bus_Ctrl = busCtrl;
             r.Line_Ctrl = q.toInt(15);
-            r.Value_Ctrl = real(q, 16);
-            r.Length_Km = real(q, 17);
+            r.Value_Ctrl = RowReal(q, 16);
+            r.Length_Km = RowReal(q, 17);
             r.Type = type;
             lines.update();
         } else {
-            formId(id, q.toLocal8Bit(0), ID_PLAIN);
-            if (!findRecord(shunts, id, MSG_CP_MISSING)) {
+            FormRecordId(id, q.toLocal8Bit(0), ID_PLAIN);
+            if (!FindRecord(shunts, "id =", id, MSG_CP_MISSING, id)) {
                 continue;
             }
             cp& r = *shunts;
-            setBit(r.q, CP_INJOB, true);
-            setBit(r.q, CP_OUTSERVICE, q.toInt(1) == 0);
+            SetFlagBit(r.q, CP_INJOB, true);
+            SetFlagBit(r.q, CP_OUTSERVICE, q.toInt(1) == 0);
             r.ID_No = q.toInt(4);
             // The open I end takes the same bit: it decides the shunt's state.
-            setBit(r.q, CP_OUTSERVICE, q.toInt(5) == 0);
+            SetFlagBit(r.q, CP_OUTSERVICE, q.toInt(5) == 0);
             // J_Break has no effect on a shunt: it is not read.
-            r.R1 = real(q, 7);
-            r.X1 = real(q, 8);
+            r.R1 = RowReal(q, 7);
+            r.X1 = RowReal(q, 8);
             r.Mode_Ctrl = q.toInt(12);
             r.Par_No = q.toInt(13);
             r.Bus_Ctrl = busCtrl;
             r.Line_Ctrl = q.toInt(15);
-            r.Value_Ctrl = real(q, 16);
+            r.Value_Ctrl = RowReal(q, 16);
             r.Type = type;
             shunts.update();
         }
@@ -282,19 +244,19 @@ int CLFCalDataToRTDB::ImportL3DataToRTDB()
     auto nameRow = [](char* id, const CSqlRows& q) {
         switch (q.toInt(18)) {
         case 1:
-            formId(id, q.toLocal8Bit(0), ID_2W);
+            FormRecordId(id, q.toLocal8Bit(0), ID_2W);
             break;
         case 2:
-            formId(id, q.toLocal8Bit(0), ID_SF);
+            FormRecordId(id, q.toLocal8Bit(0), ID_SF);
             break;
         case 31:
-            formId(id, q.toLocal8Bit(0), ID_3W1);
+            FormRecordId(id, q.toLocal8Bit(0), ID_3W1);
             break;
         case 32:
-            formId(id, q.toLocal8Bit(0), ID_3W2);
+            FormRecordId(id, q.toLocal8Bit(0), ID_3W2);
             break;
         case 33:
-            formId(id, q.toLocal8Bit(0), ID_3W3);
+            FormRecordId(id, q.toLocal8Bit(0), ID_3W3);
             break;
         default:
             break;
@@ -302,11 +264,11 @@ int CLFCalDataToRTDB::ImportL3DataToRTDB()
     };
     return importRows<xf>(m_pDB, FormatText(SQL_L3_SELECT, table.constData()), MSG_L3_QUERY,
                           MSG_XF_MISSING, nameRow, [&](xf& r, const CSqlRows& q) {
-                              setBit(r.q, XF_INJOB, true);
-                              setBit(r.q, XF_OUTSERVICE, q.toInt(1) == 0);
+                              SetFlagBit(r.q, XF_INJOB, true);
+                              SetFlagBit(r.q, XF_OUTSERVICE, q.toInt(1) == 0);
                               r.ID_No = q.toInt(4);
-                              r.R1 = real(q, 5);
-                              r.X1 = real(q, 6);
+                              r.R1 = RowReal(q, 5);
+                              r.X1 = RowReal(q, 6);
                               const double gm = q.toDouble(7);
                               const double bm = q.toDouble(8);
                               if (gm > -1e-08 && gm < 1e-08 && bm > -1e-08 && bm < 1e-08) {
@@ -317,26 +279,26 @@ int CLFCalDataToRTDB::ImportL3DataToRTDB()
                                   r.Rm = static_cast<float>(gm / d);
                                   r.Xm = static_cast<float>(bm / d);
                               }
-                              r.Tk = real(q, 9);
-                              r.Ang_Shift = real(q, 10);
-                              r.Rate_MVA = real(q, 11);
-                              r.Up_Limit = real(q, 12);
+                              r.Tk = RowReal(q, 9);
+                              r.Ang_Shift = RowReal(q, 10);
+                              r.Rate_MVA = RowReal(q, 11);
+                              r.Up_Limit = RowReal(q, 12);
                               r.Mode_Ctrl = q.toInt(13);
                               r.Par_No = q.toInt(14);
                               copyBusCtrl(busCtrl, q.toLocal8Bit(15));
                               r.Bus_Ctrl = busCtrl;
                               r.Line_Ctrl = q.toInt(16);
-                              r.Value_Ctrl = real(q, 17);
+                              r.Value_Ctrl = RowReal(q, 17);
                               r.TapMax1 = q.toInt(19);
                               r.TapMin1 = q.toInt(20);
-                              r.Vstep_Tap1 = real(q, 21);
-                              r.V0_Tap1 = real(q, 22);
+                              r.Vstep_Tap1 = RowReal(q, 21);
+                              r.V0_Tap1 = RowReal(q, 22);
                               r.P0_Tap1 = q.toInt(23);
                               r.Vpos_Tap1 = q.toInt(24);
                               r.TapMax2 = q.toInt(25);
                               r.TapMin2 = q.toInt(26);
-                              r.Vstep_Tap2 = real(q, 27);
-                              r.V0_Tap2 = real(q, 28);
+                              r.Vstep_Tap2 = RowReal(q, 27);
+                              r.V0_Tap2 = RowReal(q, 28);
                               r.P0_Tap2 = q.toInt(29);
                               r.Vpos_Tap2 = q.toInt(30);
                           });
@@ -356,8 +318,8 @@ int CLFCalDataToRTDB::ImportL4DataToRTDB()
     constexpr int kFirstColumn = 3, kLastColumn = 46;
     return importRows<dln>(m_pDB, sql, MSG_L4_QUERY, MSG_DLN_MISSING, plainName(ID_PLAIN),
                            [&](dln& r, const CSqlRows& q) {
-                               setBit(r.q, DLN_INJOB, true);
-                               setBit(r.q, DLN_OUTSERVICE, q.toInt(1) == 0);
+                               SetFlagBit(r.q, DLN_INJOB, true);
+                               SetFlagBit(r.q, DLN_OUTSERVICE, q.toInt(1) == 0);
                                char* base = reinterpret_cast<char*>(&r);
                                for (int c = kFirstColumn; c <= kLastColumn; ++c) {
                                    const dbFieldDescriptor& f = fields[first + (c - kFirstColumn)];
@@ -365,7 +327,7 @@ int CLFCalDataToRTDB::ImportL4DataToRTDB()
                                        const int v = q.toInt(c);
                                        std::memcpy(base + f.offset, &v, sizeof v);
                                    } else {
-                                       const float v = real(q, c);
+                                       const float v = RowReal(q, c);
                                        std::memcpy(base + f.offset, &v, sizeof v);
                                    }
                                }
@@ -378,22 +340,22 @@ int CLFCalDataToRTDB::ImportL5DataToRTDB()
     char busCtrl[kBusCtrlSize];
     return importRows<un>(m_pDB, FormatText(SQL_L5_SELECT, table.constData()), MSG_L5_QUERY,
                           MSG_UN_MISSING, plainName(ID_PLAIN), [&](un& r, const CSqlRows& q) {
-                              setBit(r.q, UN_INJOB, true);
-                              setBit(r.q, UN_OUTSERVICE, q.toInt(1) == 0);
+                              SetFlagBit(r.q, UN_INJOB, true);
+                              SetFlagBit(r.q, UN_OUTSERVICE, q.toInt(1) == 0);
                               r.Mode_Ctrl = q.toInt(3);
-                              r.Pg = real(q, 4);
-                              r.Qg = real(q, 5);
-                              r.V0 = real(q, 6);
-                              r.Angle = real(q, 7);
-                              r.Qmax = real(q, 8);
-                              r.Qmin = real(q, 9);
-                              r.Pmax = real(q, 10);
-                              r.Pmin = real(q, 11);
+                              r.Pg = RowReal(q, 4);
+                              r.Qg = RowReal(q, 5);
+                              r.V0 = RowReal(q, 6);
+                              r.Angle = RowReal(q, 7);
+                              r.Qmax = RowReal(q, 8);
+                              r.Qmin = RowReal(q, 9);
+                              r.Pmax = RowReal(q, 10);
+                              r.Pmin = RowReal(q, 11);
                               r.Par_Group = q.toInt(12);
                               copyBusCtrl(busCtrl, q.toLocal8Bit(13));
                               r.Bus_Ctrl = busCtrl;
                               r.Line_Ctrl = q.toInt(14);
-                              r.Value_Ctrl = real(q, 15);
+                              r.Value_Ctrl = RowReal(q, 15);
                           });
 }
 
@@ -403,23 +365,23 @@ int CLFCalDataToRTDB::ImportL6DataToRTDB()
     char busCtrl[kBusCtrlSize];
     return importRows<ld>(m_pDB, FormatText(SQL_L6_SELECT, table.constData()), MSG_L6_QUERY,
                           MSG_LD_MISSING, plainName(ID_PLAIN), [&](ld& r, const CSqlRows& q) {
-                              setBit(r.q, LD_INJOB, true);
-                              setBit(r.q, LD_OUTSERVICE, q.toInt(1) == 0);
+                              SetFlagBit(r.q, LD_INJOB, true);
+                              SetFlagBit(r.q, LD_OUTSERVICE, q.toInt(1) == 0);
                               r.No_Load = q.toInt(3);
                               r.Mode_Ctrl = q.toInt(4);
-                              r.Pl = real(q, 5);
-                              r.Ql = real(q, 6);
-                              r.V0 = real(q, 7);
-                              r.Angle = real(q, 8);
-                              r.Qmax = real(q, 9);
-                              r.Qmin = real(q, 10);
-                              r.Pmax = real(q, 11);
-                              r.Pmin = real(q, 12);
+                              r.Pl = RowReal(q, 5);
+                              r.Ql = RowReal(q, 6);
+                              r.V0 = RowReal(q, 7);
+                              r.Angle = RowReal(q, 8);
+                              r.Qmax = RowReal(q, 9);
+                              r.Qmin = RowReal(q, 10);
+                              r.Pmax = RowReal(q, 11);
+                              r.Pmin = RowReal(q, 12);
                               r.Par_Group = q.toInt(13);
                               copyBusCtrl(busCtrl, q.toLocal8Bit(14));
                               r.Bus_Ctrl = busCtrl;
                               r.Line_Ctrl = q.toInt(15);
-                              r.Value_Ctrl = real(q, 16);
+                              r.Value_Ctrl = RowReal(q, 16);
                           });
 }
 
@@ -429,12 +391,12 @@ int CLFCalDataToRTDB::ImportLKDataToRTDB()
     return importRows<cb>(
         m_pDB, FormatText(SQL_LK_SELECT, table.constData()), MSG_LK_QUERY, MSG_CB_MISSING,
         [](char* id, const CSqlRows& q) {
-            formId(id, q.toLocal8Bit(0), q.toInt(6) == 1 ? ID_BRK : ID_SW);
+            FormRecordId(id, q.toLocal8Bit(0), q.toInt(6) == 1 ? ID_BRK : ID_SW);
         },
         [](cb& r, const CSqlRows& q) {
-            setBit(r.q, CB_INJOB, true);
-            setBit(r.q, CB_OUTSERVICE, q.toInt(1) == 0);
-            setBit(r.q, CB_OPEN, q.toInt(2) == 0);
+            SetFlagBit(r.q, CB_INJOB, true);
+            SetFlagBit(r.q, CB_OUTSERVICE, q.toInt(1) == 0);
+            SetFlagBit(r.q, CB_OPEN, q.toInt(2) == 0);
             r.ID_No = q.toInt(5);
         });
 }

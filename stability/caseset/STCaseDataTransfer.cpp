@@ -2,14 +2,13 @@
 
 #include "common/Conversions.h"
 #include "common/Feedback.h"
+#include "common/RowValues.h"
 #include "records/StabilityCaseRecords.h"
 #include "stability/caseset/STCaseStatements.h"
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QVariant>
-#include <climits>
-#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -34,33 +33,6 @@ QByteArray text(const QSqlQuery& q, int column, int maxBytes = -1)
     return maxBytes < 0 ? bytes : bytes.left(maxBytes);
 }
 
-// A value cut to an integer towards zero, as a C cast does, kept within int.
-int truncated(double v)
-{
-    if (std::isnan(v)) {
-        return 0;
-    }
-    if (v >= static_cast<double>(INT_MAX)) {
-        return INT_MAX;
-    }
-    if (v <= static_cast<double>(INT_MIN)) {
-        return INT_MIN;
-    }
-    return static_cast<int>(v);
-}
-
-// A column as an integer the way the suite's Qt 3 read it: a floating value loses its
-// fraction (Qt 6's toInt() would round it).
-int integer(const QSqlQuery& q, int column)
-{
-    const QVariant v = q.value(column);
-    const int type = v.typeId();
-    if (type == QMetaType::Double || type == QMetaType::Float) {
-        return truncated(v.toDouble());
-    }
-    return v.toInt();
-}
-
 // The switch of a family in the case tables: the first column of `sql` (a flag select
 // on `table` for the case). Gives -1 when the family goes on (the flag is `on`, or no row
 // came), else what the family returns at once: 0 when a row turns it off, 1 after
@@ -73,7 +45,7 @@ int switchedOff(QSqlDatabase* db, const char* sql, const char* table, int caseNo
         ShowMessage(message, MSG_ERROR);
         return CALC_FAIL;
     }
-    return q.next() && integer(q, 0) != on ? CALC_OK : -1;
+    return q.next() && RowInt(q, 0) != on ? CALC_OK : -1;
 }
 
 // Runs the select of a disturbance's detail table; false after `queryMessage` when it
@@ -90,11 +62,6 @@ bool selectDetail(QSqlQuery& q, const QByteArray& sql, const char* queryMessage,
         return false;
     }
     return true;
-}
-
-float real(const QSqlQuery& q, int column)
-{
-    return static_cast<float>(q.value(column).toDouble());
 }
 
 // Empties the record table of class T.
@@ -180,7 +147,7 @@ void fillModelBranch(const ModelBranch& b, const QSqlQuery& q, int first, Branch
     b.jName = t.jName.constData();
     b.iNo = nodeBusNo(b.iName);
     b.jNo = nodeBusNo(b.jName);
-    b.idNo = integer(q, first + 3);
+    b.idNo = RowInt(q, first + 3);
 }
 
 #define MODEL_BRANCH(r, k)                                                                         \
@@ -231,7 +198,7 @@ CSTCaseDataTransfer::CSTCaseDataTransfer(int caseNo, QSqlDatabase* db, dbDatabas
         return;
     }
     if (q.next()) {
-        m_nCaseLF = integer(q, 0);
+        m_nCaseLF = RowInt(q, 0);
     }
 }
 
@@ -281,35 +248,35 @@ int CSTCaseDataTransfer::ImportCase_STDataToRTDB()
     const QByteArray note = text(q, 28, kNoteBytes);
     case_st r;
     r.case_no = m_nCaseNo;
-    r.Case_LF = integer(q, 0);
-    r.ST_SC = integer(q, 1);
-    r.T_Total = real(q, 2);
-    r.DT_Step = real(q, 3);
-    r.F60 = integer(q, 4);
-    r.EQ_Method = integer(q, 5);
-    r.EQ_Continu = integer(q, 6);
-    r.Ctrl_Fault = integer(q, 7);
-    r.CTRL_UD = integer(q, 8);
-    r.CTRL_DIST = integer(q, 9);
-    r.UP_CAL = integer(q, 10);
+    r.Case_LF = RowInt(q, 0);
+    r.ST_SC = RowInt(q, 1);
+    r.T_Total = RowReal(q, 2);
+    r.DT_Step = RowReal(q, 3);
+    r.F60 = RowInt(q, 4);
+    r.EQ_Method = RowInt(q, 5);
+    r.EQ_Continu = RowInt(q, 6);
+    r.Ctrl_Fault = RowInt(q, 7);
+    r.CTRL_UD = RowInt(q, 8);
+    r.CTRL_DIST = RowInt(q, 9);
+    r.UP_CAL = RowInt(q, 10);
     r.Calculate = -1.0f; // column 11 is selected and not read: the engine has not run yet
-    r.UDOUT = integer(q, 12);
+    r.UDOUT = RowInt(q, 12);
     r.CAL_DATE = date.constData();
     r.CAL_TIME = time.constData();
-    r.UD_TIME = integer(q, 15);
-    r.Nup = integer(q, 16);
-    r.Nbus = integer(q, 17);
-    r.Ngenerat = integer(q, 18);
-    r.Nload = integer(q, 19);
-    r.Nacline = integer(q, 20);
-    r.Ndcline = integer(q, 21);
-    r.Ntrans = integer(q, 22);
-    r.Nsvc = integer(q, 23);
+    r.UD_TIME = RowInt(q, 15);
+    r.Nup = RowInt(q, 16);
+    r.Nbus = RowInt(q, 17);
+    r.Ngenerat = RowInt(q, 18);
+    r.Nload = RowInt(q, 19);
+    r.Nacline = RowInt(q, 20);
+    r.Ndcline = RowInt(q, 21);
+    r.Ntrans = RowInt(q, 22);
+    r.Nsvc = RowInt(q, 23);
     r.Nreserved = 0;
-    r.Nfault = integer(q, 24);
-    r.Ndist = integer(q, 25);
-    r.Istable = integer(q, 26);
-    r.Tstable = static_cast<float>(integer(q, 27)); // whole seconds: the fraction is cut off
+    r.Nfault = RowInt(q, 24);
+    r.Ndist = RowInt(q, 25);
+    r.Istable = RowInt(q, 26);
+    r.Tstable = static_cast<float>(RowInt(q, 27)); // whole seconds: the fraction is cut off
     r.Tolerance = 0.0005f;
     r.Note = note.constData();
     insert(r);
@@ -330,22 +297,22 @@ int CSTCaseDataTransfer::ImportSTCRITDataToRTDB()
         const QByteArray id1 = text(q, 9, kNameBytes), id2 = text(q, 10, kNameBytes);
         const QByteArray gen1 = text(q, 11, kNameBytes), gen2 = text(q, 12, kNameBytes);
         stcrit r;
-        r.Valid = integer(q, 0);
-        r.Lstop = integer(q, 1);
-        r.MaxDAng = real(q, 2);
-        r.MinVol = real(q, 3);
-        r.TDVol = real(q, 4);
-        r.MinFreq = real(q, 5);
-        r.TDFreq = real(q, 6);
-        r.NanaGrp = integer(q, 7);
-        r.TSDAng = real(q, 8);
+        r.Valid = RowInt(q, 0);
+        r.Lstop = RowInt(q, 1);
+        r.MaxDAng = RowReal(q, 2);
+        r.MinVol = RowReal(q, 3);
+        r.TDVol = RowReal(q, 4);
+        r.MinFreq = RowReal(q, 5);
+        r.TDFreq = RowReal(q, 6);
+        r.NanaGrp = RowInt(q, 7);
+        r.TSDAng = RowReal(q, 8);
         r.ID_Name1 = id1.constData();
         r.ID_Name2 = id2.constData();
         r.Gen_Name1 = gen1.constData();
         r.Gen_Name2 = gen2.constData();
-        r.TSProny = real(q, 13);
-        r.TEProny = real(q, 14);
-        r.NDTProny = integer(q, 15);
+        r.TSProny = RowReal(q, 13);
+        r.TEProny = RowReal(q, 14);
+        r.NDTProny = RowInt(q, 15);
         insert(r);
         m_pRTDB->commit();
     }
@@ -374,14 +341,14 @@ int CSTCaseDataTransfer::ImportFAULTDataToRTDB()
         const QByteArray jName = text(q, 4, kNameBytes);
         const QByteArray name = text(q, 7, kNameBytes);
         stfault r;
-        r.Valid = integer(q, 0);
+        r.Valid = RowInt(q, 0);
         r.ID_Name = idName.constData();
         r.I_Name = iName.constData();
         r.J_Name = jName.constData();
         r.I_No = GetNodeBusNo(r.I_Name);
         r.J_No = GetNodeBusNo(r.J_Name);
-        r.ID_No = integer(q, 5);
-        r.Locate = integer(q, 6);
+        r.ID_No = RowInt(q, 5);
+        r.Locate = RowInt(q, 6);
         r.Name = name.constData();
         int newBus = -1;
         if (r.Locate > 0 && r.Locate < 100 && name.isEmpty()) {
@@ -391,16 +358,16 @@ int CSTCaseDataTransfer::ImportFAULTDataToRTDB()
             newBus = newBusNo(r.Name); // whatever Locate says
         }
         r.Name_No = newBus;
-        r.A = integer(q, 8);
-        r.B = integer(q, 9);
-        r.C = integer(q, 10);
-        r.Ground = integer(q, 11);
-        r.Short = r.Ground == 1 ? 1 : integer(q, 12);
-        r.Open = integer(q, 13);
-        r.T_Start = real(q, 14);
-        r.T_End = real(q, 15);
-        r.R_Fault = real(q, 16);
-        r.X_Fault = real(q, 17);
+        r.A = RowInt(q, 8);
+        r.B = RowInt(q, 9);
+        r.C = RowInt(q, 10);
+        r.Ground = RowInt(q, 11);
+        r.Short = r.Ground == 1 ? 1 : RowInt(q, 12);
+        r.Open = RowInt(q, 13);
+        r.T_Start = RowReal(q, 14);
+        r.T_End = RowReal(q, 15);
+        r.R_Fault = RowReal(q, 16);
+        r.X_Fault = RowReal(q, 17);
         insert(r);
         m_pRTDB->commit(); // with the bus the fault added
     }
@@ -425,7 +392,7 @@ int CSTCaseDataTransfer::UpdateSTCaseDataFromRTDB()
     }
     const case_st& r = *cases;
     if (m_bIntended) {
-        sql += FormatText(SQL_RUNSTATE_SET_INTENDED, truncated(r.Calculate), r.UDOUT,
+        sql += FormatText(SQL_RUNSTATE_SET_INTENDED, TruncatedInt(r.Calculate), r.UDOUT,
                           SqlText(m_pDB, r.CAL_DATE).constData(),
                           SqlText(m_pDB, r.CAL_TIME).constData(), r.UD_TIME, r.Nup, m_nCaseNo);
     } else {
@@ -459,9 +426,9 @@ int CSTCaseDataTransfer::ImportUDCAL_STDataToRTDB()
         udcal_st r;
         QByteArray buses[4];
         BranchTexts texts[4];
-        r.Valid = integer(q, 0);
-        r.Model_No = integer(q, 1);
-        r.Par_No = integer(q, 2);
+        r.Valid = RowInt(q, 0);
+        r.Model_No = RowInt(q, 1);
+        r.Par_No = RowInt(q, 2);
         fillModelBuses(r, q, 3, buses);
         const ModelBranch branches[4] = {MODEL_BRANCH(r, 1), MODEL_BRANCH(r, 2), MODEL_BRANCH(r, 3),
                                          MODEL_BRANCH(r, 4)};
@@ -471,8 +438,8 @@ int CSTCaseDataTransfer::ImportUDCAL_STDataToRTDB()
             const int first = 7 + 7 * k;
             fillModelBranch(branches[k], q, first, texts[k]);
             const UdBranchPlace& p = places[k];
-            p.side = integer(q, first + 4);
-            p.locate = integer(q, first + 5);
+            p.side = RowInt(q, first + 4);
+            p.locate = RowInt(q, first + 5);
             texts[k].name = text(q, first + 6, kNameBytes);
             p.name = texts[k].name.constData();
             int newBus = -1;
@@ -511,9 +478,9 @@ int CSTCaseDataTransfer::ImportUPCAL_STDataToRTDB()
         const QByteArray upName = text(q, 1); // of any length
         QByteArray buses[4];
         BranchTexts texts[4];
-        r.Valid = integer(q, 0);
+        r.Valid = RowInt(q, 0);
         r.UP_Name = upName.constData();
-        r.Par_No = integer(q, 2);
+        r.Par_No = RowInt(q, 2);
         fillModelBuses(r, q, 3, buses);
         const ModelBranch branches[4] = {MODEL_BRANCH(r, 1), MODEL_BRANCH(r, 2), MODEL_BRANCH(r, 3),
                                          MODEL_BRANCH(r, 4)};
@@ -591,7 +558,7 @@ int CSTCaseDataTransfer::ImportDISTDataToRTDB()
     }
     if (q.next()) {
         m_dTotalTime = number(q, 1);
-        if (integer(q, 0) != 1) {
+        if (RowInt(q, 0) != 1) {
             return CALC_OK;
         }
     }
@@ -604,15 +571,15 @@ int CSTCaseDataTransfer::ImportDISTDataToRTDB()
     while (q.next()) {
         SDist_Inf inf;
         std::memset(&inf, 0, sizeof inf);
-        inf.Valid = integer(q, 6);
+        inf.Valid = RowInt(q, 6);
         if (inf.Valid == 0) {
             continue;
         }
-        inf.Type = integer(q, 0);
+        inf.Type = RowInt(q, 0);
         inf.Case_No = m_nCaseNo;
         copyName(inf.Bus_Name, q, 1);
         copyName(inf.ID_Name, q, 2);
-        inf.ID_No = integer(q, 3);
+        inf.ID_No = RowInt(q, 3);
         copyName(inf.I_Name, q, 4);
         copyName(inf.J_Name, q, 5);
         int rc = 0;
@@ -733,7 +700,7 @@ int CSTCaseDataTransfer::ImportDist_T4DataToRTDB(SDist_Inf& inf)
         ++m_nDist;
         const QByteArray generator = text(q, 0, kNameBytes);
         DistRecord d(text(q, 1, kNameBytes), text(q, 2, kNameBytes), text(q, 3, kNameBytes));
-        d.set(integer(q, 4), 2, nodeBusNo(generator.constData()), number(q, 7),
+        d.set(RowInt(q, 4), 2, nodeBusNo(generator.constData()), number(q, 7),
               EndTime(number(q, 8)), number(q, 6), number(q, 5), 0, 0);
         insert(d.r);
         m_pRTDB->precommit();
@@ -753,7 +720,7 @@ int CSTCaseDataTransfer::ImportDist_T5DataToRTDB(SDist_Inf& inf)
     }
     while (q.next()) {
         ++m_nDist;
-        const int subType = integer(q, 0);
+        const int subType = RowInt(q, 0);
         const QByteArray generator = text(q, 2, kNameBytes);
         const QByteArray reference = text(q, 3, kNameBytes);
         DistRecord d(text(q, 1, kNameBytes), generator,
@@ -782,8 +749,8 @@ int CSTCaseDataTransfer::ImportDist_T6DataToRTDB(SDist_Inf& inf)
         row->Load_Name = text(q, 3);
         row->ID_Name = text(q, 2);
         row->K_Ratio = number(q, 6);
-        row->Nrange = integer(q, 0);
-        row->Sub_Type = integer(q, 1);
+        row->Nrange = RowInt(q, 0);
+        row->Sub_Type = RowInt(q, 1);
         row->Ref_Name = text(q, 4);
         row->T_Delay = number(q, 7);
         row->T_Start = number(q, 10);
@@ -848,7 +815,7 @@ int CSTCaseDataTransfer::InsertDT6(const char* loadName, SDist_T6* row)
     if (q.next()) {
         // A load already in DT6 is taken over only from a range row whose range is the
         // same or larger in number; a single load (0) is never replaced.
-        const int old = integer(q, 0);
+        const int old = RowInt(q, 0);
         if (old == 0 || old < row->Nrange) {
             return 0;
         }
@@ -875,10 +842,10 @@ int CSTCaseDataTransfer::DumpDT6()
     }
     while (q.next()) {
         ++m_nDist;
-        const int subType = integer(q, 0);
+        const int subType = RowInt(q, 0);
         const QByteArray load = text(q, 2, kNameBytes);
         DistRecord d(text(q, 1, kNameBytes), load, subType <= 3 ? load : text(q, 3, kNameBytes));
-        d.set(integer(q, 5), 4, subType - 1, number(q, 9), EndTime(number(q, 10)), number(q, 6),
+        d.set(RowInt(q, 5), 4, subType - 1, number(q, 9), EndTime(number(q, 10)), number(q, 6),
               number(q, 7), number(q, 8), 0);
         insert(d.r);
         m_pRTDB->precommit();
@@ -900,8 +867,8 @@ int CSTCaseDataTransfer::ImportDist_T7DataToRTDB(SDist_Inf& inf)
     while (q.next()) {
         ++m_nDist;
         DistRecord d(text(q, 2, kNameBytes), text(q, 3, kNameBytes), text(q, 4, kNameBytes));
-        d.set(integer(q, 1), 5, integer(q, 0) - 1, number(q, 8), EndTime(number(q, 9)),
-              number(q, 5), number(q, 6), number(q, 7), 0);
+        d.set(RowInt(q, 1), 5, RowInt(q, 0) - 1, number(q, 8), EndTime(number(q, 9)), number(q, 5),
+              number(q, 6), number(q, 7), 0);
         insert(d.r);
         m_pRTDB->precommit();
     }
@@ -974,23 +941,23 @@ int CSTCaseDataTransfer::ImportST_OUTDataToRTDB()
     removeAllRecords<st_out>();
     m_pRTDB->commit();
     st_out r;
-    r.AnaFunc = integer(q, 0);
-    r.LAnaMon = integer(q, 1);
-    r.Fault_120 = integer(q, 2);
-    r.Variable = integer(q, 3);
-    r.Bus_120 = integer(q, 4);
+    r.AnaFunc = RowInt(q, 0);
+    r.LAnaMon = RowInt(q, 1);
+    r.Fault_120 = RowInt(q, 2);
+    r.Variable = RowInt(q, 3);
+    r.Bus_120 = RowInt(q, 4);
     int* buses[10] = {&r.B1, &r.B2, &r.B3, &r.B4, &r.B5, &r.B6, &r.B7, &r.B8, &r.B9, &r.B10};
     for (int k = 0; k < 10; ++k) {
         *buses[k] = nodeBusNo(text(q, 5 + k, kNameBytes).constData());
     }
-    r.MDTLF = integer(q, 15);
-    r.MDTOUT = integer(q, 16);
-    r.MDTFau = integer(q, 17);
-    r.DTLF = real(q, 18);
-    r.DTOUT = real(q, 19);
-    r.DTFau = real(q, 20);
-    r.DTMON = real(q, 21);
-    r.DTMRef = real(q, 22);
+    r.MDTLF = RowInt(q, 15);
+    r.MDTOUT = RowInt(q, 16);
+    r.MDTFau = RowInt(q, 17);
+    r.DTLF = RowReal(q, 18);
+    r.DTOUT = RowReal(q, 19);
+    r.DTFau = RowReal(q, 20);
+    r.DTMON = RowReal(q, 21);
+    r.DTMRef = RowReal(q, 22);
     insert(r);
     m_pRTDB->commit();
     return CALC_OK;
@@ -1020,7 +987,7 @@ QByteArray CSTCaseDataTransfer::BranchOutputId(const QByteArray& name, const QBy
         if (!q.next()) {
             return QByteArray();
         }
-        switch (integer(q, 0)) {
+        switch (RowInt(q, 0)) {
         case 31:
             return FormatText(ID_3W1, name.constData());
         case 32:
@@ -1070,13 +1037,13 @@ int CSTCaseDataTransfer::ImportVAR_INFDataToRTDB()
             const QByteArray iName = text(q, 5, kNameBytes);
             const QByteArray jName = text(q, 6, kNameBytes);
             const QByteArray varName = text(q, 9, kNameBytes);
-            const int idNo = integer(q, 7);
+            const int idNo = RowInt(q, 7);
             // A branch output (type 7) names its record by the branch kind in ID_No.
             const QByteArray id = type == 7 ? BranchOutputId(name, iName, jName, idNo) : name;
-            r.Coord_ID = integer(q, 0);
+            r.Coord_ID = RowInt(q, 0);
             r.Coord_Name = coordName.constData();
-            r.Coord_Mont = integer(q, 2);
-            r.Var_ID = integer(q, 3);
+            r.Coord_Mont = RowInt(q, 2);
+            r.Var_ID = RowInt(q, 3);
             r.ID_name = id.constData();
             r.I_Name = iName.constData();
             r.J_Name = jName.constData();
@@ -1089,7 +1056,7 @@ int CSTCaseDataTransfer::ImportVAR_INFDataToRTDB()
             }
             r.ID_No = idNo;
             r.Type = type;
-            r.Sub_Type = integer(q, 8);
+            r.Sub_Type = RowInt(q, 8);
             r.Var_Name = varName.constData();
             insert(r);
             m_pRTDB->commit();
@@ -1115,8 +1082,8 @@ int CSTCaseDataTransfer::ImportSTANA_GIDataToRTDB()
     while (q.next()) {
         const QByteArray name = text(q, 2, kNameBytes);
         stana_gi r;
-        r.Valid = integer(q, 0);
-        r.Grp_NO = integer(q, 1);
+        r.Valid = RowInt(q, 0);
+        r.Grp_NO = RowInt(q, 1);
         r.Grp_Name = name.constData();
         r.NumBus = 1; // NumBus is selected and not read
         insert(r);
@@ -1140,7 +1107,7 @@ int CSTCaseDataTransfer::ImportSTANA_GrpDataToRTDB()
         return CALC_FAIL;
     }
     while (q.next()) {
-        const int group = integer(q, 0);
+        const int group = RowInt(q, 0);
         const QByteArray level = text(q, 1);
         // The position of the level among the levels selected by its own name: always 0,
         // so every group takes the buses of the first level, as designed.
