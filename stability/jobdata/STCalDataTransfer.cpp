@@ -1,0 +1,367 @@
+// Stability extraction: the rows that the load-flow case's scheme picks go from the working
+// copies into S2_n ... S7_n in per-unit form, inside the server, and the counts to ST_CASE.
+
+#include "stability/jobdata/STCalDataTransfer.h"
+
+#include "common/Feedback.h"
+#include "stability/jobdata/STExtractStatements.h"
+#include "stability/jobdata/STSaveStatements.h"
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QVariant>
+#include <cstring>
+
+using namespace stx;
+
+namespace {
+
+bool run(QSqlDatabase* db, const QByteArray& sql)
+{
+    QSqlQuery q(*db);
+    return q.exec(QString::fromLocal8Bit(sql));
+}
+
+QByteArray workingCopy(const char* table)
+{
+    return FormatText("%s%s", table, WORKING_COPY);
+}
+
+// The template with '#' replaced by `digit`.
+QByteArray numbered(const char* text, char digit)
+{
+    QByteArray t(text);
+    t.replace('#', QByteArray(1, digit));
+    return t;
+}
+
+// Copies at most size-1 bytes and always terminates: LF_CASE.SCHEME holds 40 characters
+// and the scheme buffer 32 bytes.
+void copyScheme(char (&target)[32], const QByteArray& source)
+{
+    std::memset(target, 0, sizeof target);
+    std::memcpy(target, source.constData(),
+                static_cast<std::size_t>(qMin<qsizetype>(source.size(), sizeof target - 1)));
+}
+
+} // namespace
+
+CSTCalDataTransfer::CSTCalDataTransfer(int jobNumber, int lfCase, QSqlDatabase* db,
+                                       CDatabase* baseDb)
+    : m_pDB(db), m_pBaseDB(baseDb), m_nLFCase(lfCase), m_nJobNumber(jobNumber),
+      m_saveBack(db, sts::MSG_SQL_FAIL)
+{
+    // A case without a scheme (number 0, no row) leaves the name empty: its fills pick
+    // nothing rather than reading an unset buffer.
+    std::memset(m_SchName, 0, sizeof m_SchName);
+    if (lfCase > 0) {
+        QSqlQuery q(*m_pDB);
+        if (q.exec(QString::fromLocal8Bit(FormatText(SQL_LF_SCHEME, "LF_CASE", lfCase))) &&
+            q.next()) {
+            copyScheme(m_SchName, q.value(0).toString().toLocal8Bit());
+        }
+    }
+    Init();
+}
+
+CSTCalDataTransfer::CSTCalDataTransfer(char* schemeName, QSqlDatabase* db)
+    : m_pDB(db), m_pBaseDB(nullptr), m_nLFCase(0), m_nJobNumber(0),
+      m_saveBack(db, sts::MSG_SQL_FAIL)
+{
+    copyScheme(m_SchName, QByteArray(schemeName ? schemeName : ""));
+    Init();
+}
+
+void CSTCalDataTransfer::Init()
+{
+    // An empty CDB_SBBAK leaves the base power at 1.0, as everywhere in the library.
+    QSqlQuery q(*m_pDB);
+    if (q.exec(QString::fromLocal8Bit(FormatText(SQL_BASE_POWER, "CDB_SB", WORKING_COPY))) &&
+        q.next()) {
+        m_dBaseMva = q.value(0).toDouble();
+    }
+    Nbus = Ngenerat = Nload = Nacline = Ndcline = Ntrans = Nsvc = 0;
+}
+
+bool CSTCalDataTransfer::Exec(const QByteArray& sql)
+{
+    int rows = 0;
+    return Exec(sql, rows);
+}
+
+bool CSTCalDataTransfer::Exec(const QByteArray& sql, int& rows)
+{
+    QSqlQuery q(*m_pDB);
+    if (!q.exec(QString::fromLocal8Bit(sql))) {
+        ShowMessagef(MSG_ERROR, MSG_SQL_FAIL, sql.constData());
+        rows = 0; // a refused statement wrote no row
+        return false;
+    }
+    rows = q.numRowsAffected();
+    return true;
+}
+
+int CSTCalDataTransfer::DeleteSData()
+{
+    for (const char* prefix : JOB_PREFIXES) {
+        if (!run(m_pDB, FormatText(SQL_DELETE_JOB, prefix, m_nJobNumber))) {
+            ShowMessagef(MSG_ERROR, MSG_DELETE_JOB, prefix, m_nJobNumber);
+            return CALC_FAIL;
+        }
+    }
+    return run(m_pDB, FormatText(SQL_DELETE_BUSMAP, "CDB_NETBUSMAP", WORKING_COPY, m_nJobNumber))
+               ? CALC_OK
+               : CALC_FAIL;
+}
+
+int CSTCalDataTransfer::ImportSDataFromBaseDB()
+{
+    ShowMessage(MSG_START, MSG_PROGRESS);
+    DeleteSData(); // what it could not empty, its message has told
+    run(m_pDB, SQL_DROP_STALE_TMP);
+    // Nbus is no count: the stability job's buses are those of its load-flow case. The
+    // other counters go on from where they stand, so a second run adds to them.
+    Nbus = 1;
+    Nsvc = 0;
+
+    // Every family runs; a failing one tells of itself and leaves the result alone.
+    ImportS2DataFromBaseDB();
+    ImportS3DataFromBaseDB();
+    ImportS4DataFromBaseDB();
+    ImportS5DataFromBaseDB();
+    ImportS6DataFromBaseDB();
+    ImportS7DataFromBaseDB();
+
+    QSqlQuery q(*m_pDB);
+    if (q.exec(QString::fromLocal8Bit(FormatText(SQL_CASE_ROW, "ST_CASE", m_nJobNumber))) &&
+        !q.next()) {
+        run(m_pDB, FormatText(SQL_CASE_INSERT, "ST_CASE", m_nJobNumber));
+    }
+    if (!run(m_pDB, FormatText(SQL_CASE_COUNTS, "ST_CASE", Nbus, Ngenerat, Nload, Nacline, Ndcline,
+                               Ntrans, Nsvc, m_nJobNumber))) {
+        ShowMessage(MSG_CASE_COUNTS, MSG_ERROR);
+        return CALC_FAIL;
+    }
+    ShowMessage(MSG_DONE, MSG_PROGRESS);
+    return CALC_OK;
+}
+
+bool CSTCalDataTransfer::SelectByScheme(const QByteArray& source, int& rows)
+{
+    return Exec(FormatText(SQL_SCHEME, source.constData(), "CDB_SCHEMEINF", WORKING_COPY,
+                           "CDB_SCHEMECONT", WORKING_COPY, m_SchName),
+                rows);
+}
+
+bool CSTCalDataTransfer::CreateTmp()
+{
+    if (run(m_pDB, SQL_CREATE_TMP)) {
+        return true;
+    }
+    run(m_pDB, SQL_DROP_TMP_RETRY);
+    if (run(m_pDB, SQL_CREATE_TMP)) {
+        return true;
+    }
+    ShowMessage(MSG_DB_ERROR, MSG_ERROR);
+    return false;
+}
+
+// ---- S2: AC lines, series and shunt compensators, all counted as AC lines ----
+
+int CSTCalDataTransfer::ImportS2DataFromBaseDB()
+{
+    run(m_pDB, SQL_CREATE_TMP_PLAIN);
+    const int ac = ImportS2DataFromAC();
+    const int scr = ImportS2DataFromSCR();
+    const int pcr = ImportS2DataFromPCR();
+    run(m_pDB, SQL_DROP_TMP);
+    return ac || scr || pcr ? CALC_FAIL : CALC_OK;
+}
+
+// The three differ in what a failure does; each routine says it where it happens.
+int CSTCalDataTransfer::ImportS2DataFromAC()
+{
+    const QByteArray job = FormatText("S2_%d", m_nJobNumber);
+    const QByteArray source = workingCopy("CDB_ACLINE");
+    const double sb = m_dBaseMva;
+    run(m_pDB, SQL_CLEAR_TMP);
+    int rows = 0;
+    SelectByScheme(source, rows); // a refused fill goes on, counted with its 0 rows
+    Nacline += rows;
+    if (!Exec(FormatText(SQL_S2_AC_UNIT1, job.constData(), 1, source.constData()))) {
+        return CALC_FAIL;
+    }
+    // A refused named-unit insert is told and not passed on.
+    Exec(FormatText(SQL_S2_AC_UNIT0, job.constData(), sb, sb, sb, 1, source.constData(), "CDB_NODE",
+                    WORKING_COPY, "CDB_BUS", WORKING_COPY));
+    return CALC_OK;
+}
+
+int CSTCalDataTransfer::ImportS2DataFromSCR()
+{
+    const QByteArray job = FormatText("S2_%d", m_nJobNumber);
+    const QByteArray source = workingCopy("CDB_SCAPREA");
+    const double sb = m_dBaseMva;
+    run(m_pDB, SQL_CLEAR_TMP);
+    int rows = 0;
+    if (!SelectByScheme(source, rows)) {
+        return CALC_FAIL;
+    }
+    Nacline += rows;
+    if (!Exec(FormatText(SQL_S2_SCR_UNIT1, job.constData(), 2, source.constData())) ||
+        !Exec(FormatText(SQL_S2_SCR_UNIT0, job.constData(), sb, sb, 2, source.constData(),
+                         "CDB_NODE", WORKING_COPY, "CDB_BUS", WORKING_COPY))) {
+        return CALC_FAIL;
+    }
+    return CALC_OK;
+}
+
+int CSTCalDataTransfer::ImportS2DataFromPCR()
+{
+    const QByteArray job = FormatText("S2_%d", m_nJobNumber);
+    const QByteArray source = workingCopy("CDB_PCAPREA");
+    const double sb = m_dBaseMva;
+    run(m_pDB, SQL_CLEAR_TMP);
+    int rows = 0;
+    SelectByScheme(source, rows); // a refused fill goes on, counted with its 0 rows
+    Nacline += rows;
+    if (!Exec(FormatText(SQL_S2_PCR_UNIT1, job.constData(), 3, source.constData())) ||
+        !Exec(FormatText(SQL_S2_PCR_UNIT0, job.constData(), sb, sb, 3, source.constData(),
+                         "CDB_NODE", WORKING_COPY, "CDB_BUS", WORKING_COPY))) {
+        return CALC_FAIL;
+    }
+    return CALC_OK;
+}
+
+// ---- S3: transformers, each inserted row (each winding) counted ----
+
+int CSTCalDataTransfer::ImportS3DataFromBaseDB()
+{
+    run(m_pDB, SQL_CREATE_TMP_PLAIN);
+    const int t2w = ImportS3DataFromT2W();
+    const int t3w = ImportS3DataFromT3W();
+    const int shift = ImportS3DataFromShift();
+    run(m_pDB, SQL_DROP_TMP);
+    return t2w || t3w || shift ? CALC_FAIL : CALC_OK;
+}
+
+int CSTCalDataTransfer::ImportS3DataFromT2W()
+{
+    return ImportS3Transformer("CDB_TRANS_2W", 1);
+}
+
+int CSTCalDataTransfer::ImportS3DataFromShift()
+{
+    return ImportS3Transformer("CDB_SHIFT", 2);
+}
+
+int CSTCalDataTransfer::ImportS3Transformer(const char* table, int ntype)
+{
+    const QByteArray job = FormatText("S3_%d", m_nJobNumber);
+    const QByteArray source = workingCopy(table);
+    const double sb = m_dBaseMva;
+    run(m_pDB, SQL_CLEAR_TMP);
+    int rows = 0;
+    if (!SelectByScheme(source, rows)) {
+        return CALC_FAIL;
+    }
+    if (!Exec(FormatText(SQL_S3_UNIT1, job.constData(), ntype, source.constData()), rows)) {
+        return CALC_FAIL;
+    }
+    Ntrans += rows;
+    if (!Exec(FormatText(SQL_S3_UNIT0, job.constData(), sb, sb, ntype, source.constData(),
+                         "CDB_NODE", WORKING_COPY, "CDB_BUS", WORKING_COPY),
+              rows)) {
+        return CALC_FAIL;
+    }
+    Ntrans += rows;
+    return CALC_OK;
+}
+
+int CSTCalDataTransfer::ImportS3DataFromT3W()
+{
+    const QByteArray job = FormatText("S3_%d", m_nJobNumber);
+    const QByteArray source = workingCopy("CDB_TRANS_3W");
+    const double sb = m_dBaseMva;
+    run(m_pDB, SQL_CLEAR_TMP);
+    int rows = 0;
+    if (!SelectByScheme(source, rows)) {
+        return CALC_FAIL;
+    }
+    // Winding 1 per unit, winding 1 named, then windings 2 and 3 alike: one row a winding.
+    for (const char w : {'1', '2', '3'}) {
+        const int ntype = 30 + (w - '0');
+        if (!Exec(FormatText(numbered(SQL_S3_T3W_UNIT1, w).constData(), job.constData(), ntype,
+                             source.constData()),
+                  rows)) {
+            return CALC_FAIL;
+        }
+        Ntrans += rows;
+        if (!Exec(FormatText(numbered(SQL_S3_T3W_UNIT0, w).constData(), job.constData(), sb, sb,
+                             ntype, source.constData(), "CDB_NODE", WORKING_COPY, "CDB_BUS",
+                             WORKING_COPY),
+                  rows)) {
+            return CALC_FAIL;
+        }
+        Ntrans += rows;
+    }
+    return CALC_OK;
+}
+
+// ---- S4 to S6: one insert each from an indexed tmp, counted by the fill ----
+
+int CSTCalDataTransfer::ImportSingleInsert(const char* jobTable, const char* source,
+                                           const char* insert, int& counter)
+{
+    if (!CreateTmp()) {
+        return CALC_FAIL;
+    }
+    int rows = 0;
+    if (!SelectByScheme(workingCopy(source), rows)) {
+        return CALC_FAIL;
+    }
+    counter += rows;
+    const QByteArray job = FormatText(jobTable, m_nJobNumber);
+    return Exec(FormatText(insert, job.constData(), source, WORKING_COPY)) ? CALC_OK : CALC_FAIL;
+}
+
+int CSTCalDataTransfer::ImportS4DataFromBaseDB()
+{
+    if (ImportSingleInsert(S4_TABLE, "CDB_DCLINE", SQL_S4, Ndcline) != CALC_OK) {
+        return CALC_FAIL; // tmp stays; the next create drops and makes it again
+    }
+    run(m_pDB, SQL_DROP_TMP);
+    return CALC_OK;
+}
+
+// S5 and S6 leave tmp standing: S6's create then fails in every run and takes the
+// drop-and-create path, and S7 works in the tmp that S6 leaves.
+int CSTCalDataTransfer::ImportS5DataFromBaseDB()
+{
+    return ImportSingleInsert("S5_%d", "CDB_GENERAT", SQL_S5, Ngenerat);
+}
+
+int CSTCalDataTransfer::ImportS6DataFromBaseDB()
+{
+    return ImportSingleInsert("S6_%d", "CDB_LOAD", SQL_S6, Nload);
+}
+
+// ---- S7: static var compensators, in the tmp S6 left; it stays after the run ----
+
+int CSTCalDataTransfer::ImportS7DataFromBaseDB()
+{
+    const QByteArray job = FormatText("S7_%d", m_nJobNumber);
+    const QByteArray source = workingCopy("CDB_SVC");
+    run(m_pDB, SQL_CLEAR_TMP);
+    int rows = 0;
+    if (!SelectByScheme(source, rows)) {
+        return CALC_FAIL;
+    }
+    Nsvc += rows;
+    if (!Exec(FormatText(SQL_S7_UNIT1, job.constData(), source.constData())) ||
+        !Exec(FormatText(SQL_S7_UNIT0, job.constData(), m_dBaseMva, source.constData(), "CDB_NODE",
+                         WORKING_COPY, "CDB_BUS", WORKING_COPY))) {
+        return CALC_FAIL;
+    }
+    return CALC_OK;
+}

@@ -1,0 +1,94 @@
+#pragma once
+// The transfer between the base database and the stability job tables S2_n ... S7_n of one
+// job. A stability job rests on a load-flow case: extraction picks its rows by the scheme
+// of that case (LF_CASE.SCHEME), and save-back converts named values by that case's node
+// table L1_n. The tables hold what transient stability adds to load flow: zero-sequence
+// values, DC control data, dynamic model references and static var compensators.
+
+#include "common/SaveBackPattern.h"
+
+#include <QString>
+
+class QSqlDatabase;
+class CDatabase;
+
+class CSTCalDataTransfer
+{
+public:
+    // Reads the scheme of load-flow case `lfCase` (when above 0) and the base power.
+    CSTCalDataTransfer(int jobNumber, int lfCase, QSqlDatabase* db, CDatabase* baseDb);
+    // For extraction only: both case numbers 0 and no base-database object.
+    CSTCalDataTransfer(char* schemeName, QSqlDatabase* db);
+    virtual ~CSTCalDataTransfer() {}
+    CSTCalDataTransfer(const CSTCalDataTransfer&) = default;
+    CSTCalDataTransfer& operator=(const CSTCalDataTransfer&) = default;
+
+    // Empties the job tables, stopping at the first that fails (0 or 1).
+    int DeleteSData();
+    // Extraction: every family runs; 1 only when the ST_CASE counters cannot be written.
+    int ImportSDataFromBaseDB();
+    // Saves what the job changed into the working copies: in place, or with `newGroup` as
+    // copies in data group `groupName`. 1 at the first failing family.
+    int SaveSDataToBaseDB(QString groupName, bool newGroup);
+    // Which text save-back sends where the design's copy into a new group is refused by
+    // the server: faithful (the default) stops the run there, mended sends the intended one.
+    void SetStatementMode(SaveStatementMode mode) { m_saveBack.SetStatementMode(mode); }
+    SaveStatementMode StatementMode() const { return m_saveBack.StatementMode(); }
+
+    // After extraction the ST_CASE counts (Nbus always 1), after save-back the saved rows.
+    int Nbus = 0, Ngenerat = 0, Nload = 0, Nacline = 0, Ndcline = 0, Ntrans = 0, Nsvc = 0;
+
+    double BasePower() const { return m_dBaseMva; }
+    // The scheme the job is extracted by; empty when the load-flow case gave none.
+    const char* SchemeName() const { return m_SchName; }
+
+private:
+    void Init();
+    // The tmp of S4 to S6: made, or dropped and made again; false after the message.
+    bool CreateTmp();
+    // Fills tmp by the scheme from `source` (a composed working-copy name); false after
+    // the failure message. `rows` gets what the fill affected.
+    bool SelectByScheme(const QByteArray& source, int& rows);
+    // Runs a statement; false after the failure message.
+    bool Exec(const QByteArray& sql);
+    bool Exec(const QByteArray& sql, int& rows);
+
+    int ImportS2DataFromBaseDB();
+    int ImportS2DataFromAC();
+    int ImportS2DataFromSCR();
+    int ImportS2DataFromPCR();
+    int ImportS3DataFromBaseDB();
+    int ImportS3DataFromT2W();
+    int ImportS3DataFromT3W();
+    int ImportS3DataFromShift();
+    int ImportS3Transformer(const char* table, int ntype);
+    int ImportS4DataFromBaseDB();
+    int ImportS5DataFromBaseDB();
+    int ImportS6DataFromBaseDB();
+    int ImportS7DataFromBaseDB();
+    // S4 to S6: one insert of the rows the scheme picked, counted by the fill.
+    int ImportSingleInsert(const char* jobTable, const char* source, const char* insert,
+                           int& counter);
+
+    int SaveS2DataToAC();
+    int SaveS2DataToPCR();
+    int SaveS2DataToSCR();
+    int SaveS3DataToT2W();
+    int SaveS3DataToShift();
+    int SaveS3DataToT3W();
+    int SaveS4DataToBaseDB();
+    int SaveS5DataToBaseDB();
+    int SaveS6DataToBaseDB();
+    int SaveS7DataToBaseDB();
+
+    QSqlDatabase* m_pDB;
+    CDatabase* m_pBaseDB;
+    int m_nLFCase;
+    int m_nJobNumber;
+    char m_SchName[32];
+    double m_dBaseMva = 1.0;
+    bool m_bNewGroup = false;
+    QString m_strGroupName;
+    int m_nReserved = 0;         // cleared by each save-back; nothing reads it
+    CSaveBackPattern m_saveBack; // runs the save-back families, in the statement mode
+};

@@ -1,0 +1,221 @@
+// Extraction of a stability job by the scheme of its load-flow case.
+
+#include "StabilityNetwork.h"
+#include "stability/jobdata/STCalDataTransfer.h"
+
+#include <QSqlQuery>
+
+using namespace sttest;
+
+class Extraction : public StabilityTest
+{
+protected:
+    // The rows of one element as "Ntype:I_Name:J_Name:ID_No:ZCtype" (S3) or without ZCtype.
+    static std::vector<std::string> Ends(const QString& table, const QString& name, bool zc = false)
+    {
+        return Rows(QString("SELECT CONCAT_WS(':', Ntype, I_Name, J_Name, ID_No%1) FROM %2 WHERE "
+                            "ID_Name='%3' ORDER BY Ntype")
+                        .arg(zc ? ", ZCtype" : "", table, name));
+    }
+    // A column of the row of `name` with `ntype`.
+    static double At(const QString& table, const QString& column, const QString& name, int ntype)
+    {
+        return Value(QString("SELECT %1 FROM %2 WHERE ID_Name='%3' AND Ntype=%4")
+                         .arg(column, table, name)
+                         .arg(ntype));
+    }
+    static std::string Counters()
+    {
+        const auto rows = Rows("SELECT CONCAT_WS('|', Nbus, Ngenerat, Nload, Nacline, Ndcline, "
+                               "Ntrans, Nsvc) FROM ST_CASE WHERE Case_No=7");
+        return rows.size() == 1 ? rows[0] : "rows: " + std::to_string(rows.size());
+    }
+};
+
+TEST_F(Extraction, TheLoadFlowCaseSchemePicksTheRowsInPerUnitWithTheCounters)
+{
+    Exec("INSERT INTO CDB_NETBUSMAPBAK(Case_No, Node_Name) VALUES (7, 'N1'), (8, 'N1')");
+    Exec("INSERT INTO S5_7(ID_Name) VALUES ('stale')");
+    StartStatementLog();
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), nullptr);
+    EXPECT_STREQ(job.SchemeName(), "SCH");
+    EXPECT_DOUBLE_EQ(job.BasePower(), 100.0);
+    EXPECT_EQ(job.ImportSDataFromBaseDB(), 0);
+
+    // S2: the lines of group G (not L4 of OUT), in per unit on Zb = 484 ohm at 220 kV; B0_Half
+    // from microsiemens; L3's I node has no CDB_NODE row: counted, not inserted.
+    EXPECT_EQ(Ends("S2_7", "L1"), (std::vector<std::string>{"1:N1:N2:1"}));
+    EXPECT_NEAR(At("S2_7", "R0", "L1", 1), 0.25, 1e-12);
+    EXPECT_NEAR(At("S2_7", "X0", "L1", 1), 0.75, 1e-12);
+    EXPECT_NEAR(At("S2_7", "B0_Half", "L1", 1), 0.02, 1e-12);
+    EXPECT_NEAR(At("S2_7", "R0", "L2", 1), 4.84 / 484, 1e-12);
+    EXPECT_NEAR(At("S2_7", "X0", "L2", 1), 48.4 / 484, 1e-12);
+    EXPECT_NEAR(At("S2_7", "B0_Half", "L2", 1), 100e-6 * 484, 1e-12);
+    EXPECT_EQ(Count("S2_7 WHERE ID_Name IN ('L3', 'L4')"), 0);
+    EXPECT_EQ(Scalar("SELECT EleID FROM S2_7 WHERE ID_Name='L2'"),
+              Scalar("SELECT ID FROM CDB_ACLINEBAK WHERE ID_Name='L2'"));
+    // The series capacitor by its I node, the shunt by its node at 110 kV (Zb = 121 ohm).
+    EXPECT_EQ(Ends("S2_7", "S1"), (std::vector<std::string>{"2:N1:N2:1"}));
+    EXPECT_NEAR(At("S2_7", "R0", "S1", 2), 0.001, 1e-12);
+    EXPECT_NEAR(At("S2_7", "X0", "S1", 2), -0.2, 1e-12);
+    EXPECT_EQ(At("S2_7", "B0_Half", "S1", 2), 0.0);
+    EXPECT_EQ(Ends("S2_7", "C1"), (std::vector<std::string>{"3:N3:N3:1"}));
+    EXPECT_NEAR(At("S2_7", "X0", "C1", 3), 20.0, 1e-12);
+
+    // S3: zero-sequence connections coded, T2 ("NO") left out; T3 in ohms at 220 kV.
+    EXPECT_EQ(Ends("S3_7", "T1", true), (std::vector<std::string>{"1:N1:N3:1:1"}));
+    EXPECT_EQ(Count("S3_7 WHERE ID_Name='T2'"), 0);
+    EXPECT_EQ(Ends("S3_7", "T3", true), (std::vector<std::string>{"1:N1:N4:1:2"}));
+    EXPECT_NEAR(At("S3_7", "R0", "T3", 1), 0.002, 1e-12);
+    EXPECT_NEAR(At("S3_7", "X0", "T3", 1), 0.04, 1e-12);
+    EXPECT_EQ(Ends("S3_7", "P1", true), (std::vector<std::string>{"2:N2:N3:1:0"}));
+    EXPECT_EQ(Ends("S3_7", "P2", true), (std::vector<std::string>{"2:N2:N4:1:3"}));
+    // A winding a row, from the star node, its own parallel number; "NO" windings left out.
+    EXPECT_EQ(Ends("S3_7", "W1", true), (std::vector<std::string>{"31:NS:N1:1:1", "33:NS:N4:3:3"}));
+    EXPECT_NEAR(At("S3_7", "R0", "W1", 31), 0.01, 1e-12);
+    EXPECT_NEAR(At("S3_7", "X0", "W1", 33), 0.2, 1e-12);
+    EXPECT_EQ(Ends("S3_7", "W2", true), (std::vector<std::string>{"32:NS:N3:1:2"}));
+    EXPECT_NEAR(At("S3_7", "X0", "W2", 32), 0.02, 1e-12);
+    EXPECT_EQ(Ends("S3_7", "W3").size(), 3u);
+
+    // S4 to S7 as stored, but the SVC's reactance converted at its node's 110 kV.
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', ID_Name, I_Name, DC_Model, reg_type, reg_set, "
+                   "Ireg_fon, Bmin_D, T_relay, K_fadc, Tdo, Tdc, N_rs, V_rs_Perc) FROM S4_7"),
+              (std::vector<std::string>{"DC1|N1|2|1|1.5|7|-5|0.2|3|0.5|0.125|4|80"}));
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', ID_Name, Node_Name, Gen_Model, Gen_Par, AVR_Model, "
+                   "AVR_Par, GOV_Model, GOV_Par, PSS_Model, PSS_Par, Rate_MVA, Rate_MW, Xdp, "
+                   "Xdpp, X2, Tj) FROM S5_7"),
+              (std::vector<std::string>{"G1|N1|6|1|12|2|3|4|5|6|300|270|0.3|0.2|0.25|8"}));
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', ID_Name, Node_Name, No_Load, Load_Model, Load_Par, "
+                   "Z_Percent) FROM S6_7"),
+              (std::vector<std::string>{"D1|N3|2|3|7|12.7"}));
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', ID_Name, Valid, Set_Bus, Ctrl_Bus, Model, Par_No, "
+                   "X_Fixed) FROM S7_7 ORDER BY ID_Name"),
+              (std::vector<std::string>{"V1|1|N3|N4|2|5|10", "V2|0|N1|N1|1|1|0.5"}));
+
+    // Shunt and series compensators count as AC lines, L3 too; each winding counts; Nbus
+    // is the constant 1. The job had no ST_CASE row: it got one.
+    EXPECT_EQ(Counters(), "1|1|1|5|1|10|2");
+    EXPECT_EQ(job.Ntrans, 10);
+    EXPECT_EQ(Count("CDB_NETBUSMAPBAK WHERE Case_No=7"), 0);
+    EXPECT_EQ(Count("CDB_NETBUSMAPBAK WHERE Case_No=8"), 1);
+    EXPECT_EQ(Count("S5_7 WHERE ID_Name='stale'"), 0);
+    EXPECT_EQ(Scalar("SHOW TABLES LIKE 'tmp'"), "tmp") << "the last family leaves tmp behind";
+    EXPECT_EQ(feedback().texts(1),
+              (std::vector<std::string>{"基础库数据抽取开始...", "基础库数据抽取完成。"}));
+    EXPECT_TRUE(feedback().texts(2).empty());
+
+    // On the wire: the lower-case DC table, the tab before Case_No, S6's create that fails
+    // on the tmp S5 left and takes the drop-and-create path.
+    const auto sent = SentStatements();
+    auto count = [&](const std::string& s) { return std::count(sent.begin(), sent.end(), s); };
+    EXPECT_EQ(count("SELECT SCHEME FROM LF_CASE WHERE Case_No=5"), 1);
+    EXPECT_EQ(SentStartingWith("INSERT INTO s4_7(EleID,").empty(), false);
+    EXPECT_EQ(count("UPDATE ST_CASE SET Nbus=1,Ngenerat=1,Nload=1,Nacline=5,Ndcline=1,Ntrans=10,"
+                    "Nsvc=2 WHERE\tCase_No=7"),
+              1);
+    EXPECT_EQ(count("CREATE TABLE tmp ( ID int )"), 2);
+    EXPECT_EQ(count("CREATE TABLE tmp ( ID int unsigned, INDEX(ID) )"), 4);
+    EXPECT_EQ(count("drop TABLE tmp"), 1);
+    EXPECT_EQ(count("DELETE FROM S4_7"), 2) << "S4 is emptied twice";
+}
+
+TEST_F(Extraction, ASecondRunAddsToTheCountersAndAKeptCaseRowKeepsItsColumns)
+{
+    Exec("INSERT INTO ST_CASE(Case_No, Case_Name, CASE_LF, Nbus, Nfault) VALUES (7, 'fault A', "
+         "5, 40, 3)");
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), nullptr);
+    ASSERT_EQ(job.ImportSDataFromBaseDB(), 0);
+    EXPECT_EQ(Counters(), "1|1|1|5|1|10|2");
+    ASSERT_EQ(job.ImportSDataFromBaseDB(), 0);
+    // The job tables hold one extraction; the counters of the object went on, except the
+    // constant Nbus and Nsvc, which each run sets to 0 before counting.
+    EXPECT_EQ(Count("S3_7"), 10);
+    EXPECT_EQ(Counters(), "1|2|2|10|2|20|2");
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', Case_Name, CASE_LF, Nfault) FROM ST_CASE"),
+              (std::vector<std::string>{"fault A|5|3"}));
+}
+
+TEST_F(Extraction, AMissingJobTableStopsTheEmptyingButNotTheExtraction)
+{
+    // Job 9 without S5_9: its older rows in S6_9, S7_9 and the bus map stay.
+    Exec("CALL create_st_job_tables(9)");
+    Exec("DROP TABLE S5_9");
+    Exec("INSERT INTO S6_9(ID_Name) VALUES ('old')");
+    Exec("INSERT INTO S7_9(ID_Name) VALUES ('old')");
+    Exec("INSERT INTO CDB_NETBUSMAPBAK(Case_No, Node_Name) VALUES (9, 'N1')");
+    CSTCalDataTransfer job(9, kCaseLF, db(), nullptr);
+    EXPECT_EQ(job.ImportSDataFromBaseDB(), 0);
+
+    EXPECT_EQ(Count("S6_9 WHERE ID_Name='old'"), 1);
+    EXPECT_EQ(Count("S7_9 WHERE ID_Name='old'"), 1);
+    EXPECT_EQ(Count("CDB_NETBUSMAPBAK WHERE Case_No=9"), 1);
+    EXPECT_EQ(Count("S6_9 WHERE ID_Name='D1'"), 1) << "the later families still ran";
+    EXPECT_EQ(Count("S7_9"), 3);
+    const auto errors = feedback().texts(2);
+    ASSERT_EQ(errors.size(), 2u);
+    EXPECT_EQ(errors[0], "S5_9表可能不存在, 导入计算数据发生错误！");
+    EXPECT_EQ(errors[1].rfind("Fail to execute SQL: INSERT INTO S5_9(EleID, ID_Name, Node_Name, "
+                              "Gen_Model,",
+                              0),
+              0u);
+    EXPECT_EQ(feedback().texts(1).back(), "基础库数据抽取完成。");
+    EXPECT_EQ(Scalar("SELECT Ngenerat FROM ST_CASE WHERE Case_No=9"), "1")
+        << "the generator was counted by the fill before its insert failed";
+}
+
+TEST_F(Extraction, WithoutTheNodeTableEveryFamilyStillRunsAndTheRunSucceeds)
+{
+    // The named-unit inserts join CDB_NODEBAK: each is refused and told; AC lines go on
+    // after theirs, the other families stop, and the driver runs all six.
+    Exec("RENAME TABLE CDB_NODEBAK TO CDB_NODEBAK_AWAY");
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), nullptr);
+    const int result = job.ImportSDataFromBaseDB();
+    Exec("RENAME TABLE CDB_NODEBAK_AWAY TO CDB_NODEBAK");
+    EXPECT_EQ(result, 0);
+    std::vector<std::string> refused;
+    for (const std::string& e : feedback().texts(2)) {
+        refused.push_back(e.substr(0, e.find('(')));
+    }
+    // AC, SCR, PCR; T2W (which ends S3's first routine); T3W's first winding; Shift; SVC.
+    EXPECT_EQ(refused,
+              (std::vector<std::string>{
+                  "Fail to execute SQL: insert into S2_7", "Fail to execute SQL: insert into S2_7",
+                  "Fail to execute SQL: insert into S2_7", "Fail to execute SQL: insert into S3_7",
+                  "Fail to execute SQL: insert into S3_7", "Fail to execute SQL: insert into S3_7",
+                  "Fail to execute SQL: insert into S7_7"}));
+    EXPECT_EQ(Count("S2_7"), 1) << "L1, the only per-unit line";
+    // T1; W3's first winding (the three-winding routine stops at winding 1's named rows, so
+    // W2's per-unit winding 2 never comes); P1 and P2.
+    EXPECT_EQ(Count("S3_7"), 4);
+    EXPECT_EQ(Count("S5_7") + Count("S6_7") + Count("S4_7"), 3);
+    EXPECT_EQ(Count("S7_7"), 1);
+    // Only what was inserted counts as a transformer; lines count by the fill.
+    EXPECT_EQ(job.Ntrans, 4);
+    EXPECT_EQ(job.Nacline, 5);
+}
+
+TEST_F(Extraction, NoSchemeGivesEmptyTablesAndTheLongSchemeIsCut)
+{
+    // Case 0: the scheme is never read. The second constructor takes a scheme of its own.
+    CSTCalDataTransfer none(kJob, 0, db(), nullptr);
+    EXPECT_STREQ(none.SchemeName(), "");
+    EXPECT_EQ(none.ImportSDataFromBaseDB(), 0);
+    EXPECT_EQ(Counters(), "1|0|0|0|0|0|0");
+    for (const char* t : {"S2_7", "S3_7", "S4_7", "S5_7", "S6_7", "S7_7"}) {
+        EXPECT_EQ(Count(t), 0) << t;
+    }
+    // A case with no LF_CASE row, and one whose 40-character scheme is cut to 31 bytes.
+    EXPECT_STREQ(CSTCalDataTransfer(kJob, 99, db(), nullptr).SchemeName(), "");
+    Exec("INSERT INTO LF_CASE(Case_No, SCHEME) VALUES (8, "
+         "'0123456789012345678901234567890123456789')");
+    EXPECT_STREQ(CSTCalDataTransfer(kJob, 8, db(), nullptr).SchemeName(),
+                 "0123456789012345678901234567890");
+    char other[] = "OTHER";
+    CSTCalDataTransfer byName(other, db());
+    EXPECT_EQ(byName.ImportSDataFromBaseDB(), 0);
+    EXPECT_EQ(Rows("SELECT ID_Name FROM S2_0"), (std::vector<std::string>{"L4"}));
+    // An empty base-power table leaves 1.0.
+    Exec("DELETE FROM CDB_SBBAK");
+    EXPECT_DOUBLE_EQ(CSTCalDataTransfer(kJob, kCaseLF, db(), nullptr).BasePower(), 1.0);
+}

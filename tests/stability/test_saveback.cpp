@@ -1,0 +1,340 @@
+// Save-back of a changed stability job into the working copies and data groups.
+
+#include "StabilityNetwork.h"
+#include "platform/CDatabase.h"
+#include "stability/jobdata/STCalDataTransfer.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+
+using namespace sttest;
+
+class SaveBack : public StabilityTest
+{
+protected:
+    void SetUp() override
+    {
+        StabilityTest::SetUp();
+        if (HasFatalFailure() || IsSkipped()) {
+            return;
+        }
+        ASSERT_EQ(CSTCalDataTransfer(kJob, kCaseLF, db(), nullptr).ImportSDataFromBaseDB(), 0);
+        feedback().clear();
+    }
+    // One row of every family changed beyond the tolerance: L1 (per unit), the shunt and
+    // the series capacitor (ohms), T1, P1, all three windings of W3, a compared DC column
+    // (and DC_Model, which is not compared), the generator's model, the load's model, and
+    // an SVC (never saved).
+    static void ChangeEveryFamily()
+    {
+        Exec("UPDATE S2_7 SET R0=R0+0.01 WHERE ID_Name='L1'");
+        Exec("UPDATE S2_7 SET X0=X0+0.5 WHERE ID_Name='C1'");
+        Exec("UPDATE S2_7 SET X0=X0-0.01 WHERE ID_Name='S1'");
+        Exec("UPDATE S3_7 SET X0=X0+0.01 WHERE ID_Name='T1'");
+        Exec("UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='P1'");
+        Exec("UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='W3'");
+        Exec("UPDATE S4_7 SET Tdo=0.75, DC_Model=9");
+        Exec("UPDATE S5_7 SET Gen_Model=7");
+        Exec("UPDATE S6_7 SET Load_Model=4");
+        Exec("UPDATE S7_7 SET X_Fixed=11");
+    }
+    static double Base(const QString& table, const QString& column, const QString& name,
+                       const QString& group = "G")
+    {
+        return Value(QString("SELECT %1 FROM %2 WHERE ID_Name='%3' AND GrpName='%4'")
+                         .arg(column, table, name, group));
+    }
+    static void DropTemporaries()
+    {
+        QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS Tac, TPCR, TSCR, T2W, TShift, "
+                              "T3W, Tdc, TGen");
+    }
+    CDatabase m_base;
+};
+
+TEST_F(SaveBack, AnUnchangedJobSavesNothingEitherWay)
+{
+    // Named rows compare in their own units after the conversion by L1_5 (true base
+    // voltages); by L1_7 (1 kV) every one of them would count as changed.
+    for (bool newGroup : {false, true}) {
+        feedback().clear();
+        CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
+        EXPECT_EQ(job.SaveSDataToBaseDB("NEW", newGroup), 0);
+        EXPECT_EQ(feedback().texts(1), (std::vector<std::string>{"回存元件总数：0"}));
+        EXPECT_TRUE(feedback().texts(2).empty());
+    }
+    EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
+    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 0);
+}
+
+TEST_F(SaveBack, ChangesAreSavedBeyondOneThousandthAndNotUpToIt)
+{
+    // L1 per unit; L2 in ohms at 220 kV, so a job change of d/484 is d ohm in the base.
+    // (The server would divide the literals in decimals: the values come from here.)
+    auto setL2X0 = [](double ohmsAbove) {
+        Exec(QString("UPDATE S2_7 SET X0=%1 WHERE ID_Name='L2'")
+                 .arg(0.1 + ohmsAbove / 484, 0, 'g', 17));
+    };
+    Exec("UPDATE S2_7 SET R0=0.2509 WHERE ID_Name='L1'");
+    setL2X0(0.0009);
+    StartStatementLog();
+    CSTCalDataTransfer below(kJob, kCaseLF, db(), &m_base);
+    EXPECT_EQ(below.SaveSDataToBaseDB("NEW", false), 0);
+    EXPECT_EQ(below.Nacline, 0) << "0.0009 is within load flow's tolerance 0.0001 times nine";
+    EXPECT_DOUBLE_EQ(Base("CDB_ACLINEBAK", "R0", "L1"), 0.25);
+    // The tolerance stands with six decimals; the named rows join the load-flow case's L1_5.
+    const std::string unit0 = SentStartingWith("insert into Tac(");
+    EXPECT_NE(unit0.find("from S2_7 a, CDB_ACLINEBAK b, L1_5 c where"), std::string::npos);
+    EXPECT_NE(unit0.find("-b.X0)>0.001000 or"), std::string::npos);
+
+    Exec("UPDATE S2_7 SET R0=0.2511 WHERE ID_Name='L1'");
+    setL2X0(0.0011);
+    CSTCalDataTransfer above(kJob, kCaseLF, db(), &m_base);
+    EXPECT_EQ(above.SaveSDataToBaseDB("NEW", false), 0);
+    EXPECT_EQ(above.Nacline, 2);
+    EXPECT_NEAR(Base("CDB_ACLINEBAK", "R0", "L1"), 0.2511, 1e-12);
+    EXPECT_NEAR(Base("CDB_ACLINEBAK", "X0", "L2"), 48.4 + 0.0011, 1e-9);
+    EXPECT_NEAR(Base("CDB_ACLINEBAK", "B0_Half", "L2"), 100, 1e-9) << "back to microsiemens";
+    EXPECT_EQ(feedback().texts(1), (std::vector<std::string>{"回存元件总数：0", "回存交流线数目：2",
+                                                             "回存元件总数：2"}));
+    EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{102}));
+}
+
+TEST_F(SaveBack, InPlaceEveryFamilySavesItsStabilityColumnsAndSvcsNever)
+{
+    ChangeEveryFamily();
+    StartStatementLog();
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
+    ASSERT_EQ(job.SaveSDataToBaseDB("NEW", false), 0);
+
+    EXPECT_EQ(feedback().texts(1),
+              (std::vector<std::string>{"回存交流线数目：1", "回存并联电容电抗器数目：1",
+                                        "回存串联电容电抗器数目：1", "回存两绕组变压器数目：1",
+                                        "回存移相变压器数目：1", "回存三绕组变压器数目：3",
+                                        "回存直连线数目：1", "回存发电机数目：1", "回存负荷数目：1",
+                                        "回存元件总数：11"}));
+    EXPECT_TRUE(feedback().texts(2).empty());
+    EXPECT_EQ(m_base.ModifiedTableTypes(),
+              (std::vector<int>{102, 103, 104, 105, 107, 106, 108, 109, 110}));
+    EXPECT_EQ(job.Nacline, 3);
+    EXPECT_EQ(job.Ntrans, 5) << "T1, P1 and three windings";
+    EXPECT_EQ(job.Nsvc, 0);
+
+    EXPECT_NEAR(Base("CDB_ACLINEBAK", "R0", "L1"), 0.26, 1e-12);
+    EXPECT_NEAR(Base("CDB_PCAPREABAK", "X0", "C1"), 20.5 * 121, 1e-9);
+    EXPECT_NEAR(Base("CDB_SCAPREABAK", "X0", "S1"), -0.21 * 484, 1e-9);
+    EXPECT_NEAR(Base("CDB_TRANS_2WBAK", "X0", "T1"), 0.05, 1e-12);
+    EXPECT_NEAR(Base("CDB_SHIFTBAK", "R0", "P1"), 0.013, 1e-12);
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', R10, R20, R30, Name_1, Name_2, Name_3, ID_No1, ID_No3) "
+                   "FROM CDB_TRANS_3WBAK WHERE ID_Name='W3'"),
+              (std::vector<std::string>{"0.02|0.03|0.04|N2|N3|N4|4|6"}));
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', Tdo, DC_Model) FROM CDB_DCLINEBAK"),
+              (std::vector<std::string>{"0.75|2"}))
+        << "only the ten compared DC columns go back";
+    EXPECT_EQ(Scalar("SELECT Gen_Model FROM CDB_GENERATBAK"), "7");
+    EXPECT_EQ(Scalar("SELECT Load_Model FROM CDB_LOADBAK"), "4");
+    EXPECT_EQ(Scalar("SELECT X_Fixed FROM CDB_SVCBAK WHERE ID_Name='V1'"), "1210");
+    EXPECT_EQ(Scalar("SHOW TABLES LIKE 'TLoad'"), "") << "dropped at the end";
+    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 0);
+    // The index statement names no table: sent, refused, and of no consequence.
+    const auto sent = SentStatements();
+    EXPECT_EQ(std::count(sent.begin(), sent.end(), "Create index Idtype on Ntype"), 1);
+}
+
+TEST_F(SaveBack, FaithfulCopiesIntoANewGroupThatTheServerRefuses)
+{
+    // One changed row at a time in each family whose copy names a column twice (1110) or
+    // has a value more than columns (1136): the run stops there with nothing saved.
+    const struct
+    {
+        const char* change;
+        const char* copyHead;
+        const char* serverError;
+    } families[] = {
+        {"UPDATE S2_7 SET R0=R0+0.01 WHERE ID_Name='L1'",
+         "insert into CDB_ACLINEBAK(GrpName, ID_Name, Valid, I_Name, J_Name, ID_No, Valid,I_Break,",
+         "1110"},
+        {"UPDATE S2_7 SET X0=X0+0.5 WHERE ID_Name='C1'",
+         "insert into CDB_PCAPREABAK(GrpName, ID_Name,Valid, Node_Name, ID_No,Valid, Unit, R0, "
+         "X0, R0, X0,",
+         "1110"},
+        {"UPDATE S2_7 SET X0=X0-0.01 WHERE ID_Name='S1'",
+         "insert into CDB_SCAPREABAK(GrpName, ID_Name, PhyPos,Valid, I_Name, J_Name, ID_No, "
+         "Valid,",
+         "1110"},
+        {"UPDATE S3_7 SET X0=X0+0.01 WHERE ID_Name='T1'",
+         "insert into CDB_TRANS_2WBAK(GrpName, ID_Name, PhyPos,Valid, I_Name, J_Name, ID_No, "
+         "Valid,",
+         "1110"},
+        {"UPDATE S4_7 SET Tdo=0.75",
+         "insert into CDB_DCLINEBAK(GrpName, ID_Name, I_Name, J_Name, ID_No, Owner,Valid,", "1136"},
+    };
+    for (const auto& f : families) {
+        SCOPED_TRACE(f.copyHead);
+        ASSERT_EQ(CSTCalDataTransfer(kJob, kCaseLF, db(), nullptr).ImportSDataFromBaseDB(), 0);
+        Exec(f.change);
+        feedback().clear();
+        m_base.ClearModifiedTableTypes();
+        CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
+        EXPECT_EQ(job.StatementMode(), SaveStatementMode::Faithful);
+        EXPECT_EQ(job.SaveSDataToBaseDB("NEW", true), 1);
+        const auto errors = feedback().texts(2);
+        ASSERT_EQ(errors.size(), 1u);
+        const std::string prefix = "Fail to execute SQL: ";
+        EXPECT_EQ(errors[0].rfind(prefix + f.copyHead, 0), 0u) << errors[0];
+        EXPECT_TRUE(feedback().texts(1).empty()) << "no family message, no total";
+        EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
+        EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 0);
+        // What the server says to the same text, on the connection that holds T.
+        QSqlQuery q(*db());
+        EXPECT_FALSE(q.exec(QString::fromStdString(errors[0].substr(prefix.size()))));
+        EXPECT_EQ(q.lastError().nativeErrorCode().toStdString(), f.serverError);
+        DropTemporaries(); // the failed family's table stays on the connection
+    }
+    const int copies =
+        Count("CDB_ACLINEBAK WHERE GrpName='NEW'") + Count("CDB_PCAPREABAK WHERE GrpName='NEW'") +
+        Count("CDB_SCAPREABAK WHERE GrpName='NEW'") + Count("CDB_TRANS_2WBAK WHERE GrpName='NEW'") +
+        Count("CDB_DCLINEBAK WHERE GrpName='NEW'");
+    EXPECT_EQ(copies, 0);
+
+    // Left in place, the failed family's table makes the next run on the connection fail
+    // at its create.
+    Exec("UPDATE S2_7 SET R0=R0+0.01 WHERE ID_Name='L1'");
+    CSTCalDataTransfer first(kJob, kCaseLF, db(), nullptr);
+    EXPECT_EQ(first.SaveSDataToBaseDB("NEW", true), 1);
+    feedback().clear();
+    CSTCalDataTransfer second(kJob, kCaseLF, db(), nullptr);
+    EXPECT_EQ(second.SaveSDataToBaseDB("NEW", false), 1);
+    ASSERT_EQ(feedback().texts(2).size(), 1u);
+    EXPECT_EQ(feedback().texts(2)[0].rfind("Fail to execute SQL: Create temporary Table Tac", 0),
+              0u);
+}
+
+TEST_F(SaveBack, FaithfulRunIntoAGroupKeepsTheFamiliesBeforeTheRefusedDcCopy)
+{
+    Exec("UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='P1'");
+    Exec("UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='W3'");
+    Exec("UPDATE S4_7 SET Tdo=0.75");
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
+    EXPECT_EQ(job.SaveSDataToBaseDB("NEW", true), 1);
+
+    EXPECT_EQ(feedback().texts(1),
+              (std::vector<std::string>{"回存移相变压器数目：1", "回存三绕组变压器数目：3"}));
+    EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{107, 106}));
+    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 0) << "no group row after a failure";
+    // The copies stand in NEW with the job's values; the source rows are as they were. The
+    // shifter's copy names no Ang_Shift.
+    EXPECT_NEAR(Base("CDB_SHIFTBAK", "R0", "P1", "NEW"), 0.013, 1e-12);
+    EXPECT_NEAR(Base("CDB_SHIFTBAK", "R0", "P1"), 0.003, 1e-12);
+    EXPECT_EQ(Base("CDB_SHIFTBAK", "Ang_Shift", "P1", "NEW"), 0.0);
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', R10, R20, R30, Name_N, Zero_Conn2) FROM "
+                   "CDB_TRANS_3WBAK WHERE GrpName='NEW'"),
+              (std::vector<std::string>{"0.02|0.03|0.04|NS|IG"}))
+        << "one copy of the transformer, every winding updated";
+    EXPECT_EQ(Count("CDB_DCLINEBAK WHERE GrpName='NEW'"), 0);
+}
+
+TEST_F(SaveBack, FaithfulRunIntoAGroupCompletesWhenOnlyModelsChanged)
+{
+    Exec("UPDATE S5_7 SET Xdp=Xdp+0.002, PSS_Par=9");
+    Exec("UPDATE S6_7 SET Load_Par=8");
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
+    EXPECT_EQ(job.SaveSDataToBaseDB("组一", true), 0);
+    EXPECT_EQ(feedback().texts(1), (std::vector<std::string>{"回存发电机数目：1", "回存负荷数目：1",
+                                                             "回存元件总数：2"}));
+    EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{109, 110, 12}));
+    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='组一'"), 1);
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', Node_Name, Pg, Valid, Gen_Model, PSS_Par, Xdp) FROM "
+                   "CDB_GENERATBAK WHERE GrpName='组一'"),
+              (std::vector<std::string>{"N1|1|1|6|9|0.302"}));
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', Node_Name, No_Load, Pl, Load_Model, Load_Par, Z_Percent) "
+                   "FROM CDB_LOADBAK WHERE GrpName='组一'"),
+              (std::vector<std::string>{"N3|2|0.5|3|8|12.7"}));
+    EXPECT_EQ(Scalar("SELECT PSS_Par FROM CDB_GENERATBAK WHERE GrpName='G'"), "6");
+}
+
+TEST_F(SaveBack, MendedRunIntoAGroupSavesEveryFamily)
+{
+    ChangeEveryFamily();
+    StartStatementLog();
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
+    job.SetStatementMode(SaveStatementMode::Mended);
+    ASSERT_EQ(job.SaveSDataToBaseDB("NEW", true), 0);
+    EXPECT_TRUE(feedback().texts(2).empty());
+    EXPECT_EQ(feedback().texts(1).back(), "回存元件总数：11");
+    EXPECT_EQ(m_base.ModifiedTableTypes(),
+              (std::vector<int>{102, 103, 104, 105, 107, 106, 108, 109, 110, 12}));
+    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 1);
+
+    // Each copy keeps its source row's values, the changed ones from the job.
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', Valid, I_Name, ID_No, Unit, R1, R0, X0, Type, Rate_Ka) "
+                   "FROM CDB_ACLINEBAK WHERE GrpName='NEW'"),
+              (std::vector<std::string>{"1|N1|1|1|0.01|0.26|0.75|LGJ|1.2"}));
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', Valid, Node_Name, ID_No, R1, X1, R0, X0, Rate_Capa) "
+                   "FROM CDB_PCAPREABAK WHERE GrpName='NEW'"),
+              (std::vector<std::string>{"1|N3|1|12.1|1210|0|2480.5|30"}))
+        << "each column its own value, the positive-sequence pair kept";
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', PhyPos, Valid, I_Name, J_Name, R1, X1, R0, Owner) FROM "
+                   "CDB_SCAPREABAK WHERE GrpName='NEW'"),
+              (std::vector<std::string>{"3|1|N1|N2|0.242|-48.4|0.484|1"}));
+    EXPECT_NEAR(Base("CDB_SCAPREABAK", "X0", "S1", "NEW"), -0.21 * 484, 1e-9);
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', Valid, I_Name, J_Name, Unit, X1, Tk, Zero_Conn, R0, X0) "
+                   "FROM CDB_TRANS_2WBAK WHERE GrpName='NEW'"),
+              (std::vector<std::string>{"1|N1|N3|1|0.05|1|IG|0.002|0.05"}));
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', ID_Name, I_Name, J_Name, ID_No, Owner, Valid, Rpi_Ohm, "
+                   "OP_Mode, DC_Model, reg_set, Ireg_fon, Tdo, N_rs, V_rs_Perc) FROM "
+                   "CDB_DCLINEBAK WHERE GrpName='NEW'"),
+              (std::vector<std::string>{"DC1|N1|N4|1|1|1|2.5|3|2|1.5|7|0.75|4|80"}))
+        << "every value in its own column";
+    EXPECT_EQ(Scalar("SELECT Gen_Model FROM CDB_GENERATBAK WHERE GrpName='NEW'"), "7");
+    EXPECT_EQ(Scalar("SELECT Load_Model FROM CDB_LOADBAK WHERE GrpName='NEW'"), "4");
+    EXPECT_EQ(Count("CDB_SVCBAK WHERE GrpName='NEW'"), 0);
+    // The source rows of group G stay as they were.
+    EXPECT_DOUBLE_EQ(Base("CDB_ACLINEBAK", "R0", "L1"), 0.25);
+    EXPECT_DOUBLE_EQ(Base("CDB_DCLINEBAK", "Tdo", "DC1"), 0.5);
+
+    // Only the five copies differ from the design's texts; the rest goes as written.
+    const auto sent = SentStatements();
+    auto has = [&](const std::string& s) {
+        return std::find(sent.begin(), sent.end(), s) != sent.end();
+    };
+    EXPECT_TRUE(has("update CDB_ACLINEBAK a, Tac b set a.R0=b.R0, a.X0=b.X0, a.B0_Half=b.B0_Half "
+                    "where a.GrpName='NEW' and a.ID_Name=b.ID_Name"));
+    EXPECT_TRUE(has("update CDB_TRANS_3WBAK a, T3w b set a.Name_2=b.J_Name, ID_No2=b.ID_No, "
+                    "a.R20=b.R0, a.X20=b.X0 where a.ID_Name=b.ID_Name and a.GrpName='NEW' and "
+                    "b.Ntype=32"));
+    EXPECT_NE(SentStartingWith("insert into CDB_DCLINEBAK(GrpName, ID_Name,")
+                  .find("select 'NEW', a.ID_Name, a.I_Name,"),
+              std::string::npos);
+}
+
+TEST_F(SaveBack, AFailureInTheLoadsLeavesTLoadAndTheNextRunsFailUntilItIsDropped)
+{
+    // The load's copy into the group refused (a column it names taken away): TLoad stays.
+    Exec("ALTER TABLE CDB_LOADBAK CHANGE No_Load No_Load_Away INT");
+    Exec("UPDATE S6_7 SET Load_Model=4");
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
+    const int refused = job.SaveSDataToBaseDB("NEW", true);
+    Exec("ALTER TABLE CDB_LOADBAK CHANGE No_Load_Away No_Load INT");
+    EXPECT_EQ(refused, 1);
+    EXPECT_EQ(Scalar("SHOW TABLES LIKE 'TLoad'").toLower(), "tload");
+
+    // Every run after fails at its create, in place too.
+    for (int run = 0; run < 2; ++run) {
+        feedback().clear();
+        CSTCalDataTransfer again(kJob, kCaseLF, db(), nullptr);
+        EXPECT_EQ(again.SaveSDataToBaseDB("NEW", false), 1);
+        ASSERT_EQ(feedback().texts(2).size(), 1u);
+        EXPECT_EQ(feedback().texts(2)[0].rfind("Fail to execute SQL: Create Table TLoad select", 0),
+                  0u);
+        EXPECT_EQ(feedback().texts(1), (std::vector<std::string>{})) << "nothing else changed";
+    }
+    EXPECT_EQ(Scalar("SELECT Load_Model FROM CDB_LOADBAK"), "3");
+    Exec("DROP TABLE TLoad");
+    feedback().clear();
+    CSTCalDataTransfer fixed(kJob, kCaseLF, db(), nullptr);
+    EXPECT_EQ(fixed.SaveSDataToBaseDB("NEW", false), 0);
+    EXPECT_EQ(Scalar("SELECT Load_Model FROM CDB_LOADBAK"), "4");
+    EXPECT_EQ(feedback().texts(1),
+              (std::vector<std::string>{"回存负荷数目：1", "回存元件总数：1"}));
+}
