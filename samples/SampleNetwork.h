@@ -85,6 +85,20 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
                           const QString& scheme, QString& error,
                           const std::function<void(int done, int total)>& progress = {});
 
+// Adds to group `group` of a written synthetic network the families the generator does not
+// make, from its own rows: a series capacitor beside every 20th line, a phase shifter beside
+// every 4th transformer, a three-winding transformer on every 50th node (its windings to the
+// next two nodes) and a DC line from every 200th node; every other one of each in named
+// units. False with `error` set when a statement fails.
+bool AddOtherFamilies(QSqlDatabase* db, const QString& group, QString& error);
+
+// Gives every element of group `group` its stability data: zero-sequence impedances (lines
+// three times their positive sequence), zero-sequence connections (every fourth transformer
+// "NO", every third three-winding transformer's second winding), DC control data, dynamic
+// models of generators and loads, and adds a static var compensator on every 100th node.
+// False with `error` set when a statement fails.
+bool AddStabilityData(QSqlDatabase* db, const QString& group, QString& error);
+
 // Appends to `sql` the rows of every working copy that the writer above fills, as SQL
 // that first empties each of those tables and then inserts its rows, so that loading the
 // text gives back the same base database. False with `error` set when a read fails.

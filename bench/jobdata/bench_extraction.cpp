@@ -58,38 +58,6 @@ BENCHMARK(BM_ExtractSynthetic)
     ->Iterations(3)
     ->UseRealTime();
 
-// The families the synthetic network lacks, made from its own rows in group G: a series
-// capacitor beside every 20th line, a phase shifter beside every 4th transformer, a
-// three-winding transformer on every 50th node (its windings to the next two nodes) and a
-// DC line from every 200th node; every other one of each in named units.
-bool AddMissingFamilies(QSqlQuery& q)
-{
-    const char* statements[] = {
-        "INSERT INTO CDB_SCAPREABAK(GrpName, ID_Name, Valid, I_Name, J_Name, ID_No, I_Break, "
-        "J_Break, Unit, R1, X1, Owner) SELECT GrpName, CONCAT('S', ID_Name), 1, I_Name, J_Name, "
-        "2, 1, 1, Unit, 0, -X1/2, Owner FROM CDB_ACLINEBAK WHERE GrpName='G' AND MOD(id,20)=0",
-        "INSERT INTO CDB_SHIFTBAK(GrpName, ID_Name, Valid, I_Name, J_Name, ID_No, Unit, R1, X1, "
-        "Gm, Bm, Tk, Ang_Shift) SELECT GrpName, CONCAT('P', ID_Name), 1, I_Name, J_Name, 2, Unit, "
-        "R1, X1, Gm, Bm, Tk, 5 FROM CDB_TRANS_2WBAK WHERE GrpName='G' AND MOD(id,4)=0",
-        "INSERT INTO CDB_TRANS_3WBAK(GrpName, ID_Name, Valid, Name_N, Name_1, Name_2, Name_3, "
-        "ID_No1, ID_No2, ID_No3, Break_1, Break_2, Break_3, Unit, R1, X1, R2, X2, R3, X3, Gm, "
-        "Bm, Tk1, Tk2, Tk3) SELECT 'G', CONCAT('T3_', a.id), 1, a.Node_Name, a.Node_Name, "
-        "b.Node_Name, c.Node_Name, 1, 1, 1, 1, 1, 1, MOD(a.id,100)=50, IF(MOD(a.id,100)=50, "
-        "0.01, 4.84), IF(MOD(a.id,100)=50, 0.1, 48.4), IF(MOD(a.id,100)=50, 0.02, 9.68), "
-        "IF(MOD(a.id,100)=50, 0.2, 96.8), IF(MOD(a.id,100)=50, 0.03, 14.52), IF(MOD(a.id,100)=50, "
-        "0.3, 145.2), 0, 0, 1, 1, 1 FROM CDB_NODEBAK a, CDB_NODEBAK b, CDB_NODEBAK c WHERE "
-        "b.id=a.id+1 AND c.id=a.id+2 AND MOD(a.id,50)=0",
-        "INSERT INTO CDB_DCLINEBAK(GrpName, ID_Name, Valid, I_Name, J_Name, ID_No, Owner, OP_Mode, "
-        "Vd1_kV, Pd1_MW) SELECT 'G', CONCAT('DC', a.id), 1, a.Node_Name, b.Node_Name, 1, 1, 1, "
-        "500, 100 FROM CDB_NODEBAK a, CDB_NODEBAK b WHERE b.id=a.id+3 AND MOD(a.id,200)=0"};
-    for (const char* sql : statements) {
-        if (!q.exec(sql)) {
-            return false;
-        }
-    }
-    return true;
-}
-
 // The whole save-back of the job, in the mended statement mode, into a new group: 10 % of
 // the rows of every job table changed beyond the tolerance and 1 % made orphans (their
 // base rows gone), every family run to its end, the group's row and the orphans' nodes.
@@ -101,7 +69,7 @@ void BM_SaveBack(benchmark::State& state)
     char scheme[] = "SCH";
     QSqlQuery q(*scratch.db());
     if (!scratch.ok() || !samples::WriteNetworkToBaseDb(scratch.db(), net, "G", "SCH", error) ||
-        !AddMissingFamilies(q) ||
+        !samples::AddOtherFamilies(scratch.db(), "G", error) ||
         CLFCalDataTransfer(0, scheme, scratch.db(), nullptr).ImportLDataFromBaseDB() != 0) {
         state.SkipWithError("the network could not be prepared");
         return;

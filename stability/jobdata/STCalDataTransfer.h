@@ -7,7 +7,9 @@
 
 #include "common/SaveBackPattern.h"
 
+#include <QByteArray>
 #include <QString>
+#include <vector>
 
 class QSqlDatabase;
 class CDatabase;
@@ -70,6 +72,11 @@ private:
     int ImportSingleInsert(const char* jobTable, const char* source, const char* insert,
                            int& counter);
 
+    // Runs one save-back family through the shared pattern.
+    int RunSaveFamily(const char* base, std::vector<QByteArray> changes, const char* copy,
+                      const char* inGroup, const char* inPlace, const char* drop, int& counter);
+    std::vector<QByteArray> ZeroSequenceChanges(const char* jobTable, const char* base,
+                                                const char* unit1, const char* unit0) const;
     int SaveS2DataToAC();
     int SaveS2DataToPCR();
     int SaveS2DataToSCR();

@@ -86,95 +86,83 @@ int CSTCalDataTransfer::SaveSDataToBaseDB(QString groupName, bool newGroup)
 
 // Each family is one run of the shared pattern without an orphan stage: the changes
 // (the first statement makes T), then the copy into the group and its update, or the
-// update in place, then T dropped.
+// update in place, then T dropped. The last three are formatted alike in every family
+// but the three-winding one: on the base table, and the group.
+int CSTCalDataTransfer::RunSaveFamily(const char* base, std::vector<QByteArray> changes,
+                                      const char* copy, const char* inGroup, const char* inPlace,
+                                      const char* drop, int& counter)
+{
+    const QByteArray group = m_strGroupName.toLocal8Bit();
+    SaveBackFamily f;
+    f.changes = std::move(changes);
+    f.intoGroup = {FormatText(copy, base, WORKING_COPY, group.constData(), base, WORKING_COPY),
+                   FormatText(inGroup, base, WORKING_COPY, group.constData())};
+    f.inPlace = {FormatText(inPlace, base, WORKING_COPY)};
+    f.drop = drop;
+    return m_saveBack.Run(f, m_bNewGroup, counter, nullptr);
+}
 
+// The two comparisons of R0 and X0: per-unit rows directly, named rows after conversion by
+// the load-flow case's node table.
+std::vector<QByteArray> CSTCalDataTransfer::ZeroSequenceChanges(const char* jobTable,
+                                                                const char* base, const char* unit1,
+                                                                const char* unit0) const
+{
+    const QByteArray job = FormatText(jobTable, m_nJobNumber);
+    const double sb = m_dBaseMva, tol = TOLERANCE;
+    return {FormatText(unit1, job.constData(), base, WORKING_COPY, tol, tol),
+            FormatText(unit0, sb, sb, job.constData(), base, WORKING_COPY, m_nLFCase, sb, tol, sb,
+                       tol)};
+}
+
+// AC lines compare B0_Half too.
 int CSTCalDataTransfer::SaveS2DataToAC()
 {
     const QByteArray job = FormatText("S2_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_ACLINE";
     const double sb = m_dBaseMva, tol = TOLERANCE;
-    SaveBackFamily f;
-    f.changes = {FormatText(SQL_AC_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol, tol),
-                 FormatText(SQL_AC_CHANGED_UNIT0, sb, sb, sb, job.constData(), B, WORKING_COPY,
-                            m_nLFCase, sb, tol, sb, tol, sb, tol)};
-    f.intoGroup = {FormatText(m_saveBack.Text(SQL_AC_COPY, SQL_AC_COPY_MENDED), B, WORKING_COPY,
-                              group.constData(), B, WORKING_COPY),
-                   FormatText(SQL_AC_IN_GROUP, B, WORKING_COPY, group.constData())};
-    f.inPlace = {FormatText(SQL_AC_IN_PLACE, B, WORKING_COPY)};
-    f.drop = SQL_AC_DROP;
-    return m_saveBack.Run(f, m_bNewGroup, Nacline, nullptr);
+    return RunSaveFamily(
+        B,
+        {FormatText(SQL_AC_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol, tol),
+         FormatText(SQL_AC_CHANGED_UNIT0, sb, sb, sb, job.constData(), B, WORKING_COPY, m_nLFCase,
+                    sb, tol, sb, tol, sb, tol)},
+        m_saveBack.Text(SQL_AC_COPY, SQL_AC_COPY_MENDED), SQL_AC_IN_GROUP, SQL_AC_IN_PLACE,
+        SQL_AC_DROP, Nacline);
 }
 
 int CSTCalDataTransfer::SaveS2DataToPCR()
 {
-    const QByteArray job = FormatText("S2_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_PCAPREA";
-    const double sb = m_dBaseMva, tol = TOLERANCE;
-    SaveBackFamily f;
-    f.changes = {FormatText(SQL_PCR_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol),
-                 FormatText(SQL_PCR_CHANGED_UNIT0, sb, sb, job.constData(), B, WORKING_COPY,
-                            m_nLFCase, sb, tol, sb, tol)};
-    f.intoGroup = {FormatText(m_saveBack.Text(SQL_PCR_COPY, SQL_PCR_COPY_MENDED), B, WORKING_COPY,
-                              group.constData(), B, WORKING_COPY),
-                   FormatText(SQL_PCR_IN_GROUP, B, WORKING_COPY, group.constData())};
-    f.inPlace = {FormatText(SQL_PCR_IN_PLACE, B, WORKING_COPY)};
-    f.drop = SQL_PCR_DROP;
-    return m_saveBack.Run(f, m_bNewGroup, Nacline, nullptr);
+    return RunSaveFamily(
+        B, ZeroSequenceChanges("S2_%d", B, SQL_PCR_CHANGED_UNIT1, SQL_PCR_CHANGED_UNIT0),
+        m_saveBack.Text(SQL_PCR_COPY, SQL_PCR_COPY_MENDED), SQL_PCR_IN_GROUP, SQL_PCR_IN_PLACE,
+        SQL_PCR_DROP, Nacline);
 }
 
 int CSTCalDataTransfer::SaveS2DataToSCR()
 {
-    const QByteArray job = FormatText("S2_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_SCAPREA";
-    const double sb = m_dBaseMva, tol = TOLERANCE;
-    SaveBackFamily f;
-    f.changes = {FormatText(SQL_SCR_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol),
-                 FormatText(SQL_SCR_CHANGED_UNIT0, sb, sb, job.constData(), B, WORKING_COPY,
-                            m_nLFCase, sb, tol, sb, tol)};
-    f.intoGroup = {FormatText(m_saveBack.Text(SQL_SCR_COPY, SQL_SCR_COPY_MENDED), B, WORKING_COPY,
-                              group.constData(), B, WORKING_COPY),
-                   FormatText(SQL_SCR_IN_GROUP, B, WORKING_COPY, group.constData())};
-    f.inPlace = {FormatText(SQL_SCR_IN_PLACE, B, WORKING_COPY)};
-    f.drop = SQL_SCR_DROP;
-    return m_saveBack.Run(f, m_bNewGroup, Nacline, nullptr);
+    return RunSaveFamily(
+        B, ZeroSequenceChanges("S2_%d", B, SQL_SCR_CHANGED_UNIT1, SQL_SCR_CHANGED_UNIT0),
+        m_saveBack.Text(SQL_SCR_COPY, SQL_SCR_COPY_MENDED), SQL_SCR_IN_GROUP, SQL_SCR_IN_PLACE,
+        SQL_SCR_DROP, Nacline);
 }
 
 int CSTCalDataTransfer::SaveS3DataToT2W()
 {
-    const QByteArray job = FormatText("S3_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_TRANS_2W";
-    const double sb = m_dBaseMva, tol = TOLERANCE;
-    SaveBackFamily f;
-    f.changes = {FormatText(SQL_T2W_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol),
-                 FormatText(SQL_T2W_CHANGED_UNIT0, sb, sb, job.constData(), B, WORKING_COPY,
-                            m_nLFCase, sb, tol, sb, tol)};
-    f.intoGroup = {FormatText(m_saveBack.Text(SQL_T2W_COPY, SQL_T2W_COPY_MENDED), B, WORKING_COPY,
-                              group.constData(), B, WORKING_COPY),
-                   FormatText(SQL_T2W_IN_GROUP, B, WORKING_COPY, group.constData())};
-    f.inPlace = {FormatText(SQL_T2W_IN_PLACE, B, WORKING_COPY)};
-    f.drop = SQL_T2W_DROP;
-    return m_saveBack.Run(f, m_bNewGroup, Ntrans, nullptr);
+    return RunSaveFamily(
+        B, ZeroSequenceChanges("S3_%d", B, SQL_T2W_CHANGED_UNIT1, SQL_T2W_CHANGED_UNIT0),
+        m_saveBack.Text(SQL_T2W_COPY, SQL_T2W_COPY_MENDED), SQL_T2W_IN_GROUP, SQL_T2W_IN_PLACE,
+        SQL_T2W_DROP, Ntrans);
 }
 
 int CSTCalDataTransfer::SaveS3DataToShift()
 {
-    const QByteArray job = FormatText("S3_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_SHIFT";
-    const double sb = m_dBaseMva, tol = TOLERANCE;
-    SaveBackFamily f;
-    f.changes = {FormatText(SQL_SHIFT_CHANGED_UNIT1, job.constData(), B, WORKING_COPY, tol, tol),
-                 FormatText(SQL_SHIFT_CHANGED_UNIT0, sb, sb, job.constData(), B, WORKING_COPY,
-                            m_nLFCase, sb, tol, sb, tol)};
-    f.intoGroup = {FormatText(SQL_SHIFT_COPY, B, WORKING_COPY, group.constData(), B, WORKING_COPY),
-                   FormatText(SQL_SHIFT_IN_GROUP, B, WORKING_COPY, group.constData())};
-    f.inPlace = {FormatText(SQL_SHIFT_IN_PLACE, B, WORKING_COPY)};
-    f.drop = SQL_SHIFT_DROP;
-    return m_saveBack.Run(f, m_bNewGroup, Ntrans, nullptr);
+    return RunSaveFamily(
+        B, ZeroSequenceChanges("S3_%d", B, SQL_SHIFT_CHANGED_UNIT1, SQL_SHIFT_CHANGED_UNIT0),
+        SQL_SHIFT_COPY, SQL_SHIFT_IN_GROUP, SQL_SHIFT_IN_PLACE, SQL_SHIFT_DROP, Ntrans);
 }
 
 // Each changed winding counts; the copy takes one row per transformer, and the updates
@@ -209,47 +197,31 @@ int CSTCalDataTransfer::SaveS3DataToT3W()
 int CSTCalDataTransfer::SaveS4DataToBaseDB()
 {
     const QByteArray job = FormatText("S4_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_DCLINE";
     const double t = TOLERANCE;
-    SaveBackFamily f;
-    f.changes = {
-        FormatText(SQL_DC_CHANGED, job.constData(), B, WORKING_COPY, t, t, t, t, t, t, t, t, t, t)};
-    f.intoGroup = {FormatText(m_saveBack.Text(SQL_DC_COPY, SQL_DC_COPY_MENDED), B, WORKING_COPY,
-                              group.constData(), B, WORKING_COPY),
-                   FormatText(SQL_DC_IN_GROUP, B, WORKING_COPY, group.constData())};
-    f.inPlace = {FormatText(SQL_DC_IN_PLACE, B, WORKING_COPY)};
-    f.drop = SQL_DC_DROP;
-    return m_saveBack.Run(f, m_bNewGroup, Ndcline, nullptr);
+    return RunSaveFamily(B,
+                         {FormatText(SQL_DC_CHANGED, job.constData(), B, WORKING_COPY, t, t, t, t,
+                                     t, t, t, t, t, t)},
+                         m_saveBack.Text(SQL_DC_COPY, SQL_DC_COPY_MENDED), SQL_DC_IN_GROUP,
+                         SQL_DC_IN_PLACE, SQL_DC_DROP, Ndcline);
 }
 
 int CSTCalDataTransfer::SaveS5DataToBaseDB()
 {
     const QByteArray job = FormatText("S5_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_GENERAT";
     const double t = TOLERANCE;
-    SaveBackFamily f;
-    f.changes = {FormatText(SQL_GEN_CHANGED, job.constData(), B, WORKING_COPY, t, t, t, t, t, t)};
-    f.intoGroup = {FormatText(SQL_GEN_COPY, B, WORKING_COPY, group.constData(), B, WORKING_COPY),
-                   FormatText(SQL_GEN_IN_GROUP, B, WORKING_COPY, group.constData())};
-    f.inPlace = {FormatText(SQL_GEN_IN_PLACE, B, WORKING_COPY)};
-    f.drop = SQL_GEN_DROP;
-    return m_saveBack.Run(f, m_bNewGroup, Ngenerat, nullptr);
+    return RunSaveFamily(
+        B, {FormatText(SQL_GEN_CHANGED, job.constData(), B, WORKING_COPY, t, t, t, t, t, t)},
+        SQL_GEN_COPY, SQL_GEN_IN_GROUP, SQL_GEN_IN_PLACE, SQL_GEN_DROP, Ngenerat);
 }
 
 int CSTCalDataTransfer::SaveS6DataToBaseDB()
 {
     const QByteArray job = FormatText("S6_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
     const char* B = "CDB_LOAD";
-    SaveBackFamily f;
-    f.changes = {FormatText(SQL_LOAD_CHANGED, job.constData(), B, WORKING_COPY)};
-    f.intoGroup = {FormatText(SQL_LOAD_COPY, B, WORKING_COPY, group.constData(), B, WORKING_COPY),
-                   FormatText(SQL_LOAD_IN_GROUP, B, WORKING_COPY, group.constData())};
-    f.inPlace = {FormatText(SQL_LOAD_IN_PLACE, B, WORKING_COPY)};
-    f.drop = SQL_LOAD_DROP;
-    return m_saveBack.Run(f, m_bNewGroup, Nload, nullptr);
+    return RunSaveFamily(B, {FormatText(SQL_LOAD_CHANGED, job.constData(), B, WORKING_COPY)},
+                         SQL_LOAD_COPY, SQL_LOAD_IN_GROUP, SQL_LOAD_IN_PLACE, SQL_LOAD_DROP, Nload);
 }
 
 // SVC values never go back: Nsvc stays 0, so its message and flag are never reached.
