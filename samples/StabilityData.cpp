@@ -45,7 +45,8 @@ bool AddOtherFamilies(QSqlDatabase* db, const QString& group, QString& error)
          "IF(MOD(a.id,100)=50, 0.2, 96.8), IF(MOD(a.id,100)=50, 0.03, 14.52), IF(MOD(a.id,100)=50, "
          "0.3, 145.2), 0, 0, 1, 1, 1 FROM CDB_NODEBAK a, CDB_NODEBAK b, CDB_NODEBAK c WHERE "
          "b.id=a.id+1 AND c.id=a.id+2 AND MOD(a.id,50)=0",
-         "INSERT INTO CDB_DCLINEBAK(GrpName, ID_Name, Valid, I_Name, J_Name, ID_No, Owner, OP_Mode, "
+         "INSERT INTO CDB_DCLINEBAK(GrpName, ID_Name, Valid, I_Name, J_Name, ID_No, Owner, "
+         "OP_Mode, "
          "Vd1_kV, Pd1_MW) SELECT '%GROUP%', CONCAT('DC', a.id), 1, a.Node_Name, b.Node_Name, 1, 1, "
          "1, 500, 100 FROM CDB_NODEBAK a, CDB_NODEBAK b WHERE b.id=a.id+3 AND MOD(a.id,200)=0"},
         error);

@@ -38,12 +38,12 @@ bool Prepare(benchmark::State& state, fixtures::ScratchDatabase& scratch, bool e
     QString error;
     const samples::Network net = samples::MakeSyntheticNetwork(static_cast<int>(state.range(0)));
     char scheme[] = "SCH";
-    bool ok = scratch.ok() && samples::WriteNetworkToBaseDb(scratch.db(), net, "G", "SCH", error) &&
-              samples::AddOtherFamilies(scratch.db(), "G", error) &&
-              samples::AddStabilityData(scratch.db(), "G", error) &&
-              scratch.exec("INSERT INTO LF_CASE(Case_No, SCHEME) VALUES (5, 'SCH')") &&
-              CLFCalDataTransfer(kCaseLF, scheme, scratch.db(), nullptr).ImportLDataFromBaseDB() ==
-                  0;
+    bool ok =
+        scratch.ok() && samples::WriteNetworkToBaseDb(scratch.db(), net, "G", "SCH", error) &&
+        samples::AddOtherFamilies(scratch.db(), "G", error) &&
+        samples::AddStabilityData(scratch.db(), "G", error) &&
+        scratch.exec("INSERT INTO LF_CASE(Case_No, SCHEME) VALUES (5, 'SCH')") &&
+        CLFCalDataTransfer(kCaseLF, scheme, scratch.db(), nullptr).ImportLDataFromBaseDB() == 0;
     if (ok && extract) {
         ok = CSTCalDataTransfer(kJob, kCaseLF, scratch.db(), nullptr).ImportSDataFromBaseDB() == 0;
     }
@@ -157,9 +157,12 @@ void BuildRecords(QSqlDatabase* db, dbDatabase& rtdb)
     q.exec("SELECT ID_Name, Ntype FROM S2_7");
     while (q.next()) {
         const int ntype = q.value(1).toInt();
-        const QByteArray id =
-            GetNameInRealDB(q.value(0).toString(), ntype == 1 ? 6 : ntype == 2 ? 8 : 4, 0)
-                .toLocal8Bit();
+        const QByteArray id = GetNameInRealDB(q.value(0).toString(),
+                                              ntype == 1   ? 6
+                                              : ntype == 2 ? 8
+                                                           : 4,
+                                              0)
+                                  .toLocal8Bit();
         if (ntype == 1 || ntype == 2) {
             Insert<dtsdb::ln>(rtdb, id);
         } else {
@@ -170,7 +173,10 @@ void BuildRecords(QSqlDatabase* db, dbDatabase& rtdb)
     while (q.next()) {
         const int ntype = q.value(1).toInt();
         Insert<dtsdb::xf>(rtdb, GetNameInRealDB(q.value(0).toString(),
-                                                ntype == 1 ? 10 : ntype == 2 ? 11 : 12, ntype)
+                                                ntype == 1   ? 10
+                                                : ntype == 2 ? 11
+                                                             : 12,
+                                                ntype)
                                     .toLocal8Bit());
     }
     q.exec("SELECT ID_Name FROM S4_7");
