@@ -38,15 +38,23 @@ bool Prepare(benchmark::State& state, fixtures::ScratchDatabase& scratch, bool e
     QString error;
     const samples::Network net = samples::MakeSyntheticNetwork(static_cast<int>(state.range(0)));
     char scheme[] = "SCH";
-    bool ok =
-        scratch.ok() && samples::WriteNetworkToBaseDb(scratch.db(), net, "G", "SCH", error) &&
-        samples::AddOtherFamilies(scratch.db(), "G", error) &&
-        samples::AddStabilityData(scratch.db(), "G", error) &&
-        scratch.exec("INSERT INTO LF_CASE(Case_No, SCHEME) VALUES (5, 'SCH')") &&
-        CLFCalDataTransfer(kCaseLF, scheme, scratch.db(), nullptr).ImportLDataFromBaseDB() == 0;
-    if (ok && extract) {
-        ok = CSTCalDataTransfer(kJob, kCaseLF, scratch.db(), nullptr).ImportSDataFromBaseDB() == 0;
+    if (!scratch.ok()) {
+        error = scratch.error();
+    } else if (!samples::WriteNetworkToBaseDb(scratch.db(), net, "G", "SCH", error) ||
+               !samples::AddOtherFamilies(scratch.db(), "G", error) ||
+               !samples::AddStabilityData(scratch.db(), "G", error)) {
+        // error says which statement
+    } else if (!scratch.exec("INSERT INTO LF_CASE(Case_No, SCHEME) VALUES (5, 'SCH')")) {
+        error = scratch.error();
+    } else if (CLFCalDataTransfer(kCaseLF, scheme, scratch.db(), nullptr).ImportLDataFromBaseDB() !=
+               0) {
+        error = "the load-flow extraction of case 5 failed";
+    } else if (extract &&
+               CSTCalDataTransfer(kJob, kCaseLF, scratch.db(), nullptr).ImportSDataFromBaseDB() !=
+                   0) {
+        error = "the stability extraction failed";
     }
+    const bool ok = error.isEmpty();
     if (!ok) {
         state.SkipWithError(qPrintable("the network could not be prepared: " + error));
     }
