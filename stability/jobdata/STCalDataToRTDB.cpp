@@ -2,13 +2,13 @@
 
 #include "common/Feedback.h"
 #include "common/RowValues.h"
+#include "common/SqlRows.h"
 #include "records/NetworkRecords.h"
 #include "records/RecordFlags.h"
 #include "stability/jobdata/STRealtimeStatements.h"
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
-#include <QVariant>
 #include <cstring>
 
 using namespace dtsdb;
@@ -18,10 +18,9 @@ namespace {
 
 // Runs a job-table SELECT forward only. A refused one is not looked at: it gives no row,
 // as an empty table would, and shows nothing.
-void runSelect(QSqlQuery& q, const QByteArray& sql)
+void runSelect(CSqlRows& rows, QSqlQuery& q, const QByteArray& sql)
 {
-    q.setForwardOnly(true);
-    q.exec(QString::fromLocal8Bit(sql));
+    rows.exec(q, QString::fromLocal8Bit(sql));
 }
 
 // The frame of the tables keyed by the bare name: one cursor for the whole table; for each
@@ -33,14 +32,15 @@ int importRows(QSqlDatabase* db, const QByteArray& sql, const char* query, const
 {
     dbCursor<T> cursor(dbCursorForUpdate);
     QSqlQuery q(*db);
-    runSelect(q, sql);
+    CSqlRows rows;
+    runSelect(rows, q, sql);
     char id[kRecordIdSize];
-    while (q.next()) {
-        FormRecordId(id, q.value(0), ID_PLAIN);
+    while (rows.next()) {
+        FormRecordId(id, rows.toLocal8Bit(0), ID_PLAIN);
         if (!FindRecord(cursor, query, id, missing, id)) {
             continue;
         }
-        apply(*cursor, q);
+        apply(*cursor, rows);
         cursor.update();
     }
     return CALC_OK;
@@ -88,15 +88,17 @@ int CSTCalDataToRTDB::ImportSDataToRTDB()
 int CSTCalDataToRTDB::ImportS2DataToRTDB()
 {
     const QByteArray table = FormatText(S2_TABLE, m_nJobNumber);
-    QSqlQuery q(*m_pDB);
-    runSelect(q, FormatText(SQL_S2_SELECT, table.constData()));
+    QSqlQuery query(*m_pDB);
+    CSqlRows q;
+    runSelect(q, query, FormatText(SQL_S2_SELECT, table.constData()));
     char id[kRecordIdSize];
     char name[kRecordIdSize];
     while (q.next()) {
         const int ntype = RowInt(q, 4);
-        FormRecordId(name, q.value(0), ID_PLAIN);
+        const QByteArray bare = q.toLocal8Bit(0);
+        FormRecordId(name, bare, ID_PLAIN);
         if (ntype == 1 || ntype == 2) {
-            FormRecordId(id, q.value(0), ntype == 1 ? ID_AC : ID_SC);
+            FormRecordId(id, bare, ntype == 1 ? ID_AC : ID_SC);
             dbCursor<ln> lines(dbCursorForUpdate);
             if (!FindRecord(lines, QUERY_ID, id, MSG_LN_MISSING, name)) {
                 continue;
@@ -122,13 +124,15 @@ int CSTCalDataToRTDB::ImportS3DataToRTDB()
 {
     const QByteArray table = FormatText(S3_TABLE, m_nJobNumber);
     dbCursor<xf> cursor(dbCursorForUpdate);
-    QSqlQuery q(*m_pDB);
-    runSelect(q, FormatText(SQL_S3_SELECT, table.constData()));
+    QSqlQuery query(*m_pDB);
+    CSqlRows q;
+    runSelect(q, query, FormatText(SQL_S3_SELECT, table.constData()));
     char id[kRecordIdSize];
     char name[kRecordIdSize];
     while (q.next()) {
-        FormRecordId(name, q.value(0), ID_PLAIN);
-        FormRecordId(id, q.value(0), transformerId(RowInt(q, 4)));
+        const QByteArray bare = q.toLocal8Bit(0);
+        FormRecordId(name, bare, ID_PLAIN);
+        FormRecordId(id, bare, transformerId(RowInt(q, 4)));
         if (!FindRecord(cursor, QUERY_ID, id, MSG_XF_MISSING, name)) {
             continue;
         }
@@ -152,7 +156,7 @@ int CSTCalDataToRTDB::ImportS4DataToRTDB()
     }
     constexpr int kColumns = 38;
     return importRows<dln>(m_pDB, QByteArray(SQL_S4_SELECT) + table, QUERY_ID, MSG_DLN_MISSING,
-                           [&](dln& r, const QSqlQuery& q) {
+                           [&](dln& r, const CSqlRows& q) {
                                char* base = reinterpret_cast<char*>(&r);
                                for (int c = 1; c <= kColumns; ++c) {
                                    const dbFieldDescriptor& f = fields[first + (c - 1)];
@@ -171,7 +175,7 @@ int CSTCalDataToRTDB::ImportS5DataToRTDB()
 {
     const QByteArray table = FormatText(S5_TABLE, m_nJobNumber);
     return importRows<un>(m_pDB, FormatText(SQL_S5_SELECT, table.constData()), QUERY_ID,
-                          MSG_UN_MISSING, [](un& r, const QSqlQuery& q) {
+                          MSG_UN_MISSING, [](un& r, const CSqlRows& q) {
                               r.Gen_Model = RowInt(q, 1);
                               r.Gen_Par = RowInt(q, 2);
                               r.AVR_Model = RowInt(q, 3);
@@ -194,7 +198,7 @@ int CSTCalDataToRTDB::ImportS6DataToRTDB()
 {
     const QByteArray table = FormatText(S6_TABLE, m_nJobNumber);
     return importRows<ld>(m_pDB, FormatText(SQL_S6_SELECT, table.constData()), QUERY_ID,
-                          MSG_LD_MISSING, [](ld& r, const QSqlQuery& q) {
+                          MSG_LD_MISSING, [](ld& r, const CSqlRows& q) {
                               r.Load_Model = RowInt(q, 1);
                               r.Load_Par = RowInt(q, 2);
                               r.Z_Percent = RowInt(q, 3);
@@ -206,7 +210,7 @@ int CSTCalDataToRTDB::ImportS7DataToRTDB()
 {
     const QByteArray table = FormatText(S7_TABLE, m_nJobNumber);
     return importRows<svc>(m_pDB, FormatText(SQL_S7_SELECT, table.constData()), QUERY_SVC,
-                           MSG_SVC_MISSING, [](svc& r, const QSqlQuery& q) {
+                           MSG_SVC_MISSING, [](svc& r, const CSqlRows& q) {
                                r.Model = RowInt(q, 1);
                                r.Par_No = RowInt(q, 2);
                                r.X_Fixed = RowReal(q, 3);
