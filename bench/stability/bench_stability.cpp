@@ -3,7 +3,9 @@
 // save-back in place with 10 % of the rows changed, and the job's values into the network
 // records of the real-time database.
 
+#include "BenchStats.h"
 #include "SampleNetwork.h"
+#include "ServerBench.h"
 #include "ServerConnection.h"
 #include "common/Conversions.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
@@ -14,6 +16,7 @@
 #include <QElapsedTimer>
 #include <QSqlQuery>
 #include <benchmark/benchmark.h>
+#include <memory>
 
 namespace {
 
@@ -31,126 +34,8 @@ int JobRows(QSqlDatabase* db)
     return rows;
 }
 
-// The network with its other families and stability data, the load-flow case 5 with its
-// scheme and node table, and (with `extract`) the stability job extracted once.
-bool Prepare(benchmark::State& state, fixtures::ScratchDatabase& scratch, bool extract)
-{
-    QString error;
-    const samples::Network net = samples::MakeSyntheticNetwork(static_cast<int>(state.range(0)));
-    char scheme[] = "SCH";
-    if (!scratch.ok()) {
-        error = scratch.error();
-    } else if (!samples::WriteNetworkToBaseDb(scratch.db(), net, "G", "SCH", error) ||
-               !samples::AddOtherFamilies(scratch.db(), "G", error) ||
-               !samples::AddStabilityData(scratch.db(), "G", error)) {
-        // error says which statement
-    } else if (!scratch.exec("INSERT INTO LF_CASE(Case_No, SCHEME) VALUES (5, 'SCH')")) {
-        error = scratch.error();
-    } else if (CLFCalDataTransfer(kCaseLF, scheme, scratch.db(), nullptr).ImportLDataFromBaseDB() !=
-               0) {
-        error = "the load-flow extraction of case 5 failed";
-    } else if (extract &&
-               CSTCalDataTransfer(kJob, kCaseLF, scratch.db(), nullptr).ImportSDataFromBaseDB() !=
-                   0) {
-        error = "the stability extraction failed";
-    }
-    const bool ok = error.isEmpty();
-    if (!ok) {
-        state.SkipWithError(qPrintable("the network could not be prepared: " + error));
-    }
-    return ok;
-}
-
-void BM_StabilityExtraction(benchmark::State& state)
-{
-    fixtures::ScratchDatabase scratch(QStringLiteral("benchst"));
-    if (!Prepare(state, scratch, false)) {
-        return;
-    }
-    fixtures::ServerStatementTime server(scratch);
-    double wall = 0, inServer = 0;
-    for (auto _ : state) {
-        state.PauseTiming();
-        server.reset();
-        state.ResumeTiming();
-        QElapsedTimer timer;
-        timer.start();
-        CSTCalDataTransfer job(kJob, kCaseLF, scratch.db(), nullptr);
-        if (job.ImportSDataFromBaseDB() != 0) {
-            state.SkipWithError("extraction failed");
-            break;
-        }
-        wall += timer.nsecsElapsed() / 1e9;
-        state.PauseTiming();
-        inServer += server.seconds();
-        state.ResumeTiming();
-    }
-    state.counters["job_rows"] = JobRows(scratch.db());
-    if (wall > 0) {
-        state.counters["server_s"] = inServer / state.iterations();
-        state.counters["library_share_%"] = 100.0 * (wall - inServer) / wall;
-    }
-}
-BENCHMARK(BM_StabilityExtraction)
-    ->Arg(10000)
-    ->Arg(100000)
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(3)
-    ->UseRealTime();
-
-// In place: before each run 10 % of the rows of S2 to S6 move beyond the tolerance again
-// (the run before brought the base rows level with the job).
-void BM_StabilitySaveBack(benchmark::State& state)
-{
-    fixtures::ScratchDatabase scratch(QStringLiteral("benchst"));
-    if (!Prepare(state, scratch, true)) {
-        return;
-    }
-    QSqlQuery q(*scratch.db());
-    fixtures::ServerStatementTime server(scratch);
-    double wall = 0, inServer = 0;
-    int saved = 0, result = -1;
-    for (auto _ : state) {
-        state.PauseTiming();
-        for (const char* sql : {"UPDATE S2_7 SET X0=X0*1.01+0.01 WHERE MOD(EleID,10)=0",
-                                "UPDATE S3_7 SET X0=X0*1.01+0.01 WHERE MOD(EleID,10)=0",
-                                "UPDATE S4_7 SET Tdo=Tdo+0.01 WHERE MOD(EleID,10)=0",
-                                "UPDATE S5_7 SET Gen_Par=Gen_Par+1 WHERE MOD(EleID,10)=0",
-                                "UPDATE S6_7 SET Load_Par=Load_Par+1 WHERE MOD(EleID,10)=0"}) {
-            q.exec(sql);
-        }
-        server.reset();
-        state.ResumeTiming();
-        QElapsedTimer timer;
-        timer.start();
-        CSTCalDataTransfer job(kJob, kCaseLF, scratch.db(), nullptr);
-        result = job.SaveSDataToBaseDB("G", false);
-        wall += timer.nsecsElapsed() / 1e9;
-        state.PauseTiming();
-        inServer += server.seconds();
-        saved = job.Nacline + job.Ntrans + job.Ndcline + job.Ngenerat + job.Nload;
-        state.ResumeTiming();
-    }
-    if (result != 0) {
-        state.SkipWithError("the save-back did not run to its end");
-        return;
-    }
-    state.counters["job_rows"] = JobRows(scratch.db());
-    state.counters["saved_rows"] = saved;
-    if (wall > 0) {
-        state.counters["server_s"] = inServer / state.iterations();
-        state.counters["library_share_%"] = 100.0 * (wall - inServer) / wall;
-    }
-}
-BENCHMARK(BM_StabilitySaveBack)
-    ->Arg(10000)
-    ->Arg(100000)
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(3)
-    ->UseRealTime();
-
-// The records the load-flow import would have left, one for each job row, under its
-// real-time id.
+// The records the load-flow import would have left, one for each job row under its
+// real-time id; committed.
 template <class T> void Insert(dbDatabase& rtdb, const QByteArray& id)
 {
     T r;
@@ -209,45 +94,174 @@ void BuildRecords(QSqlDatabase* db, dbDatabase& rtdb)
     rtdb.commit();
 }
 
-void BM_StabilityIntoRecords(benchmark::State& state)
+// The network with its other families and stability data, the load-flow case 5 with its
+// scheme and node table, the stability job extracted and its records built: made once per
+// size and kept across the repetitions and the three benchmarks.
+struct PreparedNetwork
 {
-    fixtures::ScratchDatabase scratch(QStringLiteral("benchst"));
+    int nodes = 0;
+    fixtures::ScratchDatabase scratch{QStringLiteral("benchst")};
     dbDatabase rtdb;
-    rtdb.open("benchst");
-    if (!Prepare(state, scratch, true)) {
-        return;
+    QString error;
+    int rows = 0;
+    std::unique_ptr<fixtures::ServerStatementTime> server;
+};
+
+PreparedNetwork* Prepare(benchmark::State& state)
+{
+    const int nodes = static_cast<int>(state.range(0));
+    auto& p = serverbench::Kept<PreparedNetwork>();
+    if (!p || p->nodes != nodes) {
+        p.reset();
+        p = std::make_unique<PreparedNetwork>();
+        p->nodes = nodes;
+        p->rtdb.open("benchst");
+        QSqlDatabase* db = p->scratch.db();
+        QString& error = p->error;
+        const samples::Network net = samples::MakeSyntheticNetwork(nodes);
+        char scheme[] = "SCH";
+        if (!p->scratch.ok()) {
+            error = p->scratch.error();
+        } else if (!samples::WriteNetworkToBaseDb(db, net, "G", "SCH", error) ||
+                   !samples::AddOtherFamilies(db, "G", error) ||
+                   !samples::AddStabilityData(db, "G", error)) {
+            // error says which statement
+        } else if (!p->scratch.exec("INSERT INTO LF_CASE(Case_No, SCHEME) VALUES (5, 'SCH')")) {
+            error = p->scratch.error();
+        } else if (CLFCalDataTransfer(kCaseLF, scheme, db, nullptr).ImportLDataFromBaseDB() != 0) {
+            error = "the load-flow extraction of case 5 failed";
+        } else if (CSTCalDataTransfer(kJob, kCaseLF, db, nullptr).ImportSDataFromBaseDB() != 0) {
+            error = "the stability extraction failed";
+        } else {
+            BuildRecords(db, p->rtdb);
+            p->rows = JobRows(db);
+        }
+        p->server = std::make_unique<fixtures::ServerStatementTime>(p->scratch);
     }
-    BuildRecords(scratch.db(), rtdb);
-    const int rows = JobRows(scratch.db());
-    fixtures::ServerStatementTime server(scratch);
-    double wall = 0, inServer = 0;
+    if (!p->error.isEmpty()) {
+        state.SkipWithError(qPrintable("the network could not be prepared: " + p->error));
+        return nullptr;
+    }
+    return p.get();
+}
+
+// Times `run` per iteration after `before` (untimed): client against server as
+// ClientAndServer tells, and the client's share of the elapsed time.
+template <class Before, class Run>
+void Measure(benchmark::State& state, PreparedNetwork& p, Before before, Run run)
+{
+    fixtures::ServerStatementTime& server = *p.server;
+    serverbench::ClientAndServer sums;
     for (auto _ : state) {
         state.PauseTiming();
+        before();
         server.reset();
         state.ResumeTiming();
         QElapsedTimer timer;
         timer.start();
-        CSTCalDataToRTDB job(kJob, scratch.db());
-        job.ImportSDataToRTDB();
-        rtdb.commit();
-        wall += timer.nsecsElapsed() / 1e9;
+        const double cpu0 = benchstats::ThreadCpuSeconds();
+        if (!run()) {
+            state.SkipWithError("the transfer failed");
+            return;
+        }
+        sums.clientCpu += benchstats::ThreadCpuSeconds() - cpu0;
+        sums.wall += timer.nsecsElapsed() / 1e9;
         state.PauseTiming();
-        inServer += server.seconds();
+        sums.serverCpu += server.cpuSeconds();
+        sums.inServer += server.seconds();
         state.ResumeTiming();
     }
-    state.counters["job_rows"] = rows;
-    state.counters["rows_per_s"] =
-        benchmark::Counter(rows * double(state.iterations()), benchmark::Counter::kIsRate);
-    if (wall > 0) {
-        state.counters["server_%"] = 100.0 * inServer / wall;
+    state.counters["job_rows"] = p.rows;
+    sums.report(state);
+    if (sums.wall > 0) {
+        state.counters["client_share_%"] = 100.0 * (sums.wall - sums.inServer) / sums.wall;
     }
-    rtdb.close();
 }
-BENCHMARK(BM_StabilityIntoRecords)
-    ->Arg(10000)
-    ->Arg(100000)
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(3)
-    ->UseRealTime();
+
+void BM_StabilityExtraction(benchmark::State& state)
+{
+    PreparedNetwork* p = Prepare(state);
+    if (!p) {
+        return;
+    }
+    Measure(
+        state, *p, [] {},
+        [p] {
+            return CSTCalDataTransfer(kJob, kCaseLF, p->scratch.db(), nullptr)
+                       .ImportSDataFromBaseDB() == 0;
+        });
+}
+
+// In place: before each run 10 % of the rows of S2 to S6 move beyond the tolerance again
+// (the run before brought the base rows level with the job).
+void BM_StabilitySaveBack(benchmark::State& state)
+{
+    PreparedNetwork* p = Prepare(state);
+    if (!p) {
+        return;
+    }
+    QSqlDatabase* db = p->scratch.db();
+    int saved = 0;
+    Measure(
+        state, *p,
+        [db] {
+            QSqlQuery q(*db);
+            for (const char* sql : {"UPDATE S2_7 SET X0=X0*1.01+0.01 WHERE MOD(EleID,10)=0",
+                                    "UPDATE S3_7 SET X0=X0*1.01+0.01 WHERE MOD(EleID,10)=0",
+                                    "UPDATE S4_7 SET Tdo=Tdo+0.01 WHERE MOD(EleID,10)=0",
+                                    "UPDATE S5_7 SET Gen_Par=Gen_Par+1 WHERE MOD(EleID,10)=0",
+                                    "UPDATE S6_7 SET Load_Par=Load_Par+1 WHERE MOD(EleID,10)=0"}) {
+                q.exec(sql);
+            }
+        },
+        [db, &saved] {
+            CSTCalDataTransfer job(kJob, kCaseLF, db, nullptr);
+            const bool ok = job.SaveSDataToBaseDB("G", false) == 0;
+            saved = job.Nacline + job.Ntrans + job.Ndcline + job.Ngenerat + job.Nload;
+            return ok;
+        });
+    state.counters["saved_rows"] = saved;
+}
+
+void BM_StabilityIntoRecords(benchmark::State& state)
+{
+    PreparedNetwork* p = Prepare(state);
+    if (!p) {
+        return;
+    }
+    // Before each run one value of every job row moves, so that every import changes every
+    // record it meets (an update that changes nothing writes nothing).
+    Measure(
+        state, *p,
+        [p] {
+            QSqlQuery q(*p->scratch.db());
+            for (const char* sql :
+                 {"UPDATE S2_7 SET R0=R0+1", "UPDATE S3_7 SET R0=R0+1", "UPDATE S4_7 SET Tdo=Tdo+1",
+                  "UPDATE S5_7 SET Tj=Tj+1", "UPDATE S6_7 SET Load_Par=Load_Par+1",
+                  "UPDATE S7_7 SET Par_No=Par_No+1"}) {
+                q.exec(sql);
+            }
+        },
+        [p] {
+            CSTCalDataToRTDB(kJob, p->scratch.db()).ImportSDataToRTDB();
+            p->rtdb.commit();
+            return true;
+        });
+    state.counters["rows_per_s"] =
+        benchmark::Counter(p->rows * double(state.iterations()), benchmark::Counter::kIsRate);
+}
+
+// One size after the other, so that each network is made once for all three.
+void Sizes(benchmark::internal::Benchmark* b)
+{
+    b->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime()->Apply(benchstats::Repeated);
+}
 
 } // namespace
+
+BENCHMARK(BM_StabilityExtraction)->Arg(10000)->Apply(Sizes);
+BENCHMARK(BM_StabilitySaveBack)->Arg(10000)->Apply(Sizes);
+BENCHMARK(BM_StabilityIntoRecords)->Arg(10000)->Apply(Sizes);
+BENCHMARK(BM_StabilityExtraction)->Arg(100000)->Apply(Sizes);
+BENCHMARK(BM_StabilitySaveBack)->Arg(100000)->Apply(Sizes);
+BENCHMARK(BM_StabilityIntoRecords)->Arg(100000)->Apply(Sizes);
