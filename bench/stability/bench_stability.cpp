@@ -100,11 +100,11 @@ void BuildRecords(QSqlDatabase* db, dbDatabase& rtdb)
 struct PreparedNetwork
 {
     int nodes = 0;
-    fixtures::ScratchDatabase scratch{QStringLiteral("benchst")};
+    dbserver::ScratchDatabase scratch{QStringLiteral("benchst")};
     dbDatabase rtdb;
     QString error;
     int rows = 0;
-    std::unique_ptr<fixtures::ServerStatementTime> server;
+    std::unique_ptr<dbserver::ServerStatementTime> server;
 };
 
 PreparedNetwork* Prepare(benchmark::State& state)
@@ -136,7 +136,7 @@ PreparedNetwork* Prepare(benchmark::State& state)
             BuildRecords(db, p->rtdb);
             p->rows = JobRows(db);
         }
-        p->server = std::make_unique<fixtures::ServerStatementTime>(p->scratch);
+        p->server = std::make_unique<dbserver::ServerStatementTime>(p->scratch);
     }
     if (!p->error.isEmpty()) {
         state.SkipWithError(qPrintable("the network could not be prepared: " + p->error));
@@ -150,7 +150,7 @@ PreparedNetwork* Prepare(benchmark::State& state)
 template <class Before, class Run>
 void Measure(benchmark::State& state, PreparedNetwork& p, Before before, Run run)
 {
-    fixtures::ServerStatementTime& server = *p.server;
+    dbserver::ServerStatementTime& server = *p.server;
     serverbench::ClientAndServer sums;
     for (auto _ : state) {
         state.PauseTiming();
