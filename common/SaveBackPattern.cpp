@@ -1,6 +1,7 @@
 #include "common/SaveBackPattern.h"
 
 #include "common/Feedback.h"
+#include "platform/CDatabase.h"
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -19,6 +20,24 @@ bool CSaveBackPattern::Exec(QSqlQuery& query, const QByteArray& sql) const
     }
     ShowMessagef(MSG_ERROR, m_failure, sql.constData());
     return false;
+}
+
+int CSaveBackPattern::RunSteps(const std::vector<SaveBackStep>& steps, CDatabase* baseDb)
+{
+    for (const SaveBackStep& s : steps) {
+        const int before = *s.counter;
+        if (s.family() != 0) {
+            return CALC_FAIL;
+        }
+        const int count = s.increase ? *s.counter - before : *s.counter;
+        if (count > 0) {
+            ShowMessagef(MSG_PROGRESS, s.message, count);
+            if (baseDb) {
+                baseDb->SetBakTabModifyFlag(s.flag);
+            }
+        }
+    }
+    return CALC_OK;
 }
 
 void CSaveBackPattern::ExecUnchecked(const QByteArray& sql) const

@@ -20,6 +20,7 @@
 #include <functional>
 #include <vector>
 
+class CDatabase;
 class QSqlDatabase;
 class QSqlQuery;
 
@@ -55,6 +56,17 @@ struct SaveBackOrphans
     std::function<void(const QString&)> addNode;
 };
 
+// One step of a save-back driver: a family and the counter it adds to, with what the step
+// shows and flags when it saved rows.
+struct SaveBackStep
+{
+    std::function<int()> family; // 0, or 1 after its own failure text
+    int* counter;
+    bool increase;       // the message counts the counter's growth over the step, not its value
+    const char* message; // printf text with that count, shown at level 1
+    int flag;            // table type whose modify flag the step sets
+};
+
 class CSaveBackPattern
 {
 public:
@@ -75,6 +87,11 @@ public:
     // family has no orphan stage. Returns 0, or 1 after the failure text.
     int Run(const SaveBackFamily& family, bool newGroup, int& counter,
             const SaveBackOrphans* orphans) const;
+
+    // Runs a driver's steps in order. A step that saved rows shows its message and, with a
+    // base-database object, sets its table's modify flag. Returns 1 at the first family that
+    // fails (the steps before it stay saved and flagged), else 0.
+    static int RunSteps(const std::vector<SaveBackStep>& steps, CDatabase* baseDb);
 
     // Runs a checked statement on `query`: on failure the failure text at level 2, false.
     bool Exec(QSqlQuery& query, const QByteArray& sql) const;

@@ -64,40 +64,29 @@ int CLFCalDataTransfer::SaveLDataToBaseDB(QString groupName, bool newGroup)
     m_bNewGroup = newGroup;
     Nbus = Ngenerat = Nload = Nacline = Ndcline = Ntrans = Nswitch = 0;
     m_nNewElements = 0;
-    struct Step
-    {
-        int (CLFCalDataTransfer::*family)();
-        int* counter;
-        bool increase; // the message counts the counter's increase, not its value
-        const char* message;
-        int flag;
-    } steps[] = {
-        {&CLFCalDataTransfer::SaveL2DataToAC, &Nacline, false, MSG_AC_COUNT, CDB_TYPE_ACLINE},
-        {&CLFCalDataTransfer::SaveL2DataToPCR, &Nacline, true, MSG_PCR_COUNT, CDB_TYPE_PCAPREA},
-        {&CLFCalDataTransfer::SaveL2DataToSCR, &Nacline, true, MSG_SCR_COUNT, CDB_TYPE_SCAPREA},
-        {&CLFCalDataTransfer::SaveL3DataToT2W, &Ntrans, false, MSG_T2W_COUNT, CDB_TYPE_TRANS_2W},
-        {&CLFCalDataTransfer::SaveL3DataToShift, &Ntrans, true, MSG_SHIFT_COUNT, CDB_TYPE_SHIFT},
-        {&CLFCalDataTransfer::SaveL3DataToT3W, &Ntrans, true, MSG_T3W_COUNT, CDB_TYPE_TRANS_3W},
-        {&CLFCalDataTransfer::SaveL4DataToBaseDB, &Ndcline, false, MSG_DC_COUNT, CDB_TYPE_DCLINE},
-        {&CLFCalDataTransfer::SaveL5DataToBaseDB, &Ngenerat, false, MSG_GEN_COUNT,
-         CDB_TYPE_GENERAT},
-        {&CLFCalDataTransfer::SaveL6DataToBaseDB, &Nload, false, MSG_LOAD_COUNT, CDB_TYPE_LOAD},
-        {&CLFCalDataTransfer::SaveLKDataToBreaker, &Nswitch, false, MSG_BRK_COUNT,
-         CDB_TYPE_BREAKER},
-        {&CLFCalDataTransfer::SaveLKDataToSwitch, &Nswitch, true, MSG_SW_COUNT, CDB_TYPE_ISOSWITCH},
-    };
-    for (const Step& s : steps) {
-        const int before = *s.counter;
-        if ((this->*s.family)() != 0) {
-            return CALC_FAIL; // the families before stay saved and flagged
-        }
-        const int count = s.increase ? *s.counter - before : *s.counter;
-        if (count > 0) {
-            ShowMessagef(MSG_PROGRESS, s.message, count);
-            if (m_pBaseDB) {
-                m_pBaseDB->SetBakTabModifyFlag(s.flag);
-            }
-        }
+    const int saved = CSaveBackPattern::RunSteps(
+        {
+            {[this] { return SaveL2DataToAC(); }, &Nacline, false, MSG_AC_COUNT, CDB_TYPE_ACLINE},
+            {[this] { return SaveL2DataToPCR(); }, &Nacline, true, MSG_PCR_COUNT, CDB_TYPE_PCAPREA},
+            {[this] { return SaveL2DataToSCR(); }, &Nacline, true, MSG_SCR_COUNT, CDB_TYPE_SCAPREA},
+            {[this] { return SaveL3DataToT2W(); }, &Ntrans, false, MSG_T2W_COUNT,
+             CDB_TYPE_TRANS_2W},
+            {[this] { return SaveL3DataToShift(); }, &Ntrans, true, MSG_SHIFT_COUNT,
+             CDB_TYPE_SHIFT},
+            {[this] { return SaveL3DataToT3W(); }, &Ntrans, true, MSG_T3W_COUNT, CDB_TYPE_TRANS_3W},
+            {[this] { return SaveL4DataToBaseDB(); }, &Ndcline, false, MSG_DC_COUNT,
+             CDB_TYPE_DCLINE},
+            {[this] { return SaveL5DataToBaseDB(); }, &Ngenerat, false, MSG_GEN_COUNT,
+             CDB_TYPE_GENERAT},
+            {[this] { return SaveL6DataToBaseDB(); }, &Nload, false, MSG_LOAD_COUNT, CDB_TYPE_LOAD},
+            {[this] { return SaveLKDataToBreaker(); }, &Nswitch, false, MSG_BRK_COUNT,
+             CDB_TYPE_BREAKER},
+            {[this] { return SaveLKDataToSwitch(); }, &Nswitch, true, MSG_SW_COUNT,
+             CDB_TYPE_ISOSWITCH},
+        },
+        m_pBaseDB);
+    if (saved != CALC_OK) {
+        return CALC_FAIL; // the families before stay saved and flagged
     }
     const int total = Nacline + Ntrans + Ndcline + Ngenerat + Nload + Nswitch;
     ShowMessagef(MSG_PROGRESS, MSG_TOTAL, total);

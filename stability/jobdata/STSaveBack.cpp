@@ -33,38 +33,26 @@ int CSTCalDataTransfer::SaveSDataToBaseDB(QString groupName, bool newGroup)
     m_bNewGroup = newGroup;
     Nbus = Nacline = Ntrans = Ndcline = Ngenerat = Nload = Nsvc = 0;
     m_nReserved = 0;
-    struct Step
-    {
-        int (CSTCalDataTransfer::*family)();
-        int* counter;
-        bool increase; // the message counts the counter's increase, not its value
-        const char* message;
-        int flag;
-    } steps[] = {
-        {&CSTCalDataTransfer::SaveS2DataToAC, &Nacline, false, MSG_AC_COUNT, CDB_TYPE_ACLINE},
-        {&CSTCalDataTransfer::SaveS2DataToPCR, &Nacline, true, MSG_PCR_COUNT, CDB_TYPE_PCAPREA},
-        {&CSTCalDataTransfer::SaveS2DataToSCR, &Nacline, true, MSG_SCR_COUNT, CDB_TYPE_SCAPREA},
-        {&CSTCalDataTransfer::SaveS3DataToT2W, &Ntrans, false, MSG_T2W_COUNT, CDB_TYPE_TRANS_2W},
-        {&CSTCalDataTransfer::SaveS3DataToShift, &Ntrans, true, MSG_SHIFT_COUNT, CDB_TYPE_SHIFT},
-        {&CSTCalDataTransfer::SaveS3DataToT3W, &Ntrans, true, MSG_T3W_COUNT, CDB_TYPE_TRANS_3W},
-        {&CSTCalDataTransfer::SaveS4DataToBaseDB, &Ndcline, false, MSG_DC_COUNT, CDB_TYPE_DCLINE},
-        {&CSTCalDataTransfer::SaveS5DataToBaseDB, &Ngenerat, false, MSG_GEN_COUNT,
-         CDB_TYPE_GENERAT},
-        {&CSTCalDataTransfer::SaveS6DataToBaseDB, &Nload, false, MSG_LOAD_COUNT, CDB_TYPE_LOAD},
-        {&CSTCalDataTransfer::SaveS7DataToBaseDB, &Nsvc, false, MSG_SVC_COUNT, CDB_TYPE_SVC},
-    };
-    for (const Step& s : steps) {
-        const int before = *s.counter;
-        if ((this->*s.family)() != 0) {
-            return CALC_FAIL; // the families before stay saved and flagged
-        }
-        const int count = s.increase ? *s.counter - before : *s.counter;
-        if (count > 0) {
-            ShowMessagef(MSG_PROGRESS, s.message, count);
-            if (m_pBaseDB) {
-                m_pBaseDB->SetBakTabModifyFlag(s.flag);
-            }
-        }
+    const int saved = CSaveBackPattern::RunSteps(
+        {
+            {[this] { return SaveS2DataToAC(); }, &Nacline, false, MSG_AC_COUNT, CDB_TYPE_ACLINE},
+            {[this] { return SaveS2DataToPCR(); }, &Nacline, true, MSG_PCR_COUNT, CDB_TYPE_PCAPREA},
+            {[this] { return SaveS2DataToSCR(); }, &Nacline, true, MSG_SCR_COUNT, CDB_TYPE_SCAPREA},
+            {[this] { return SaveS3DataToT2W(); }, &Ntrans, false, MSG_T2W_COUNT,
+             CDB_TYPE_TRANS_2W},
+            {[this] { return SaveS3DataToShift(); }, &Ntrans, true, MSG_SHIFT_COUNT,
+             CDB_TYPE_SHIFT},
+            {[this] { return SaveS3DataToT3W(); }, &Ntrans, true, MSG_T3W_COUNT, CDB_TYPE_TRANS_3W},
+            {[this] { return SaveS4DataToBaseDB(); }, &Ndcline, false, MSG_DC_COUNT,
+             CDB_TYPE_DCLINE},
+            {[this] { return SaveS5DataToBaseDB(); }, &Ngenerat, false, MSG_GEN_COUNT,
+             CDB_TYPE_GENERAT},
+            {[this] { return SaveS6DataToBaseDB(); }, &Nload, false, MSG_LOAD_COUNT, CDB_TYPE_LOAD},
+            {[this] { return SaveS7DataToBaseDB(); }, &Nsvc, false, MSG_SVC_COUNT, CDB_TYPE_SVC},
+        },
+        m_pBaseDB);
+    if (saved != CALC_OK) {
+        return CALC_FAIL; // the families before stay saved and flagged
     }
     const int total = Nacline + Ntrans + Ndcline + Ngenerat + Nload + Nsvc;
     ShowMessagef(MSG_PROGRESS, MSG_TOTAL, total);
