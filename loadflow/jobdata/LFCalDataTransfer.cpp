@@ -2,6 +2,7 @@
 
 #include "common/Feedback.h"
 #include "common/RunTimeLog.h"
+#include "common/WorkTable.h"
 #include "loadflow/jobdata/LFExtractStatements.h"
 #include "loadflow/jobdata/LFSaveStatements.h"
 
@@ -106,15 +107,7 @@ int CLFCalDataTransfer::ImportLDataFromBaseDB()
 
 bool CLFCalDataTransfer::CreateTmp()
 {
-    if (run(m_pDB, SQL_CREATE_TMP)) {
-        return true;
-    }
-    run(m_pDB, SQL_DROP_TMP_RETRY);
-    if (run(m_pDB, SQL_CREATE_TMP)) {
-        return true;
-    }
-    ShowMessage(MSG_DB_ERROR, MSG_ERROR);
-    return false;
+    return CreateWorkTable(m_pDB, SQL_CREATE_TMP, SQL_DROP_TMP_RETRY, MSG_DB_ERROR);
 }
 
 void CLFCalDataTransfer::DropTmp()

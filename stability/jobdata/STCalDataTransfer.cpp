@@ -4,6 +4,7 @@
 #include "stability/jobdata/STCalDataTransfer.h"
 
 #include "common/Feedback.h"
+#include "common/WorkTable.h"
 #include "stability/jobdata/STExtractStatements.h"
 #include "stability/jobdata/STSaveStatements.h"
 
@@ -155,15 +156,7 @@ bool CSTCalDataTransfer::SelectByScheme(const QByteArray& source, int& rows)
 
 bool CSTCalDataTransfer::CreateTmp()
 {
-    if (run(m_pDB, SQL_CREATE_TMP)) {
-        return true;
-    }
-    run(m_pDB, SQL_DROP_TMP_RETRY);
-    if (run(m_pDB, SQL_CREATE_TMP)) {
-        return true;
-    }
-    ShowMessage(MSG_DB_ERROR, MSG_ERROR);
-    return false;
+    return CreateWorkTable(m_pDB, SQL_CREATE_TMP, SQL_DROP_TMP_RETRY, MSG_DB_ERROR);
 }
 
 // ---- S2: AC lines, series and shunt compensators, all counted as AC lines ----
