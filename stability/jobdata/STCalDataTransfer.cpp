@@ -20,7 +20,7 @@ namespace {
 bool run(QSqlDatabase* db, const QByteArray& sql)
 {
     QSqlQuery q(*db);
-    return q.exec(QString::fromLocal8Bit(sql));
+    return ExecStatement(q, sql);
 }
 
 QByteArray workingCopy(const char* table)
@@ -57,8 +57,7 @@ CSTCalDataTransfer::CSTCalDataTransfer(int jobNumber, int lfCase, QSqlDatabase* 
     std::memset(m_SchName, 0, sizeof m_SchName);
     if (lfCase > 0) {
         QSqlQuery q(*m_pDB);
-        if (q.exec(QString::fromLocal8Bit(FormatText(SQL_LF_SCHEME, "LF_CASE", lfCase))) &&
-            q.next()) {
+        if (ExecStatement(q, FormatText(SQL_LF_SCHEME, "LF_CASE", lfCase)) && q.next()) {
             copyScheme(m_SchName, q.value(0).toString().toLocal8Bit());
         }
     }
@@ -77,8 +76,7 @@ void CSTCalDataTransfer::Init()
 {
     // An empty CDB_SBBAK leaves the base power at 1.0, as everywhere in the library.
     QSqlQuery q(*m_pDB);
-    if (q.exec(QString::fromLocal8Bit(FormatText(SQL_BASE_POWER, "CDB_SB", WORKING_COPY))) &&
-        q.next()) {
+    if (ExecStatement(q, FormatText(SQL_BASE_POWER, "CDB_SB", WORKING_COPY)) && q.next()) {
         m_dBaseMva = q.value(0).toDouble();
     }
     Nbus = Ngenerat = Nload = Nacline = Ndcline = Ntrans = Nsvc = 0;
@@ -93,7 +91,7 @@ bool CSTCalDataTransfer::Exec(const QByteArray& sql)
 bool CSTCalDataTransfer::Exec(const QByteArray& sql, int& rows)
 {
     QSqlQuery q(*m_pDB);
-    if (!q.exec(QString::fromLocal8Bit(sql))) {
+    if (!ExecStatement(q, sql)) {
         ShowMessagef(MSG_ERROR, MSG_SQL_FAIL, sql.constData());
         rows = 0; // a refused statement wrote no row
         return false;
@@ -134,8 +132,7 @@ int CSTCalDataTransfer::ImportSDataFromBaseDB()
     ImportS7DataFromBaseDB();
 
     QSqlQuery q(*m_pDB);
-    if (q.exec(QString::fromLocal8Bit(FormatText(SQL_CASE_ROW, "ST_CASE", m_nJobNumber))) &&
-        !q.next()) {
+    if (ExecStatement(q, FormatText(SQL_CASE_ROW, "ST_CASE", m_nJobNumber)) && !q.next()) {
         run(m_pDB, FormatText(SQL_CASE_INSERT, "ST_CASE", m_nJobNumber));
     }
     if (!run(m_pDB, FormatText(SQL_CASE_COUNTS, "ST_CASE", Nbus, Ngenerat, Nload, Nacline, Ndcline,
@@ -150,7 +147,7 @@ int CSTCalDataTransfer::ImportSDataFromBaseDB()
 bool CSTCalDataTransfer::SelectByScheme(const QByteArray& source, int& rows)
 {
     return Exec(FormatText(SQL_SCHEME, source.constData(), "CDB_SCHEMEINF", WORKING_COPY,
-                           "CDB_SCHEMECONT", WORKING_COPY, m_SchName),
+                           "CDB_SCHEMECONT", WORKING_COPY, SqlText(m_pDB, m_SchName).constData()),
                 rows);
 }
 

@@ -60,8 +60,8 @@ int CSTCalDataTransfer::SaveSDataToBaseDB(QString groupName, bool newGroup)
     if (m_bNewGroup && total >= 1) {
         const QByteArray group = m_strGroupName.toLocal8Bit();
         QSqlQuery q(*m_pDB);
-        if (!m_saveBack.Send(
-                q, FormatText(SQL_ADD_GROUP, "CDB_DATAGROUP", WORKING_COPY, group.constData()))) {
+        if (!m_saveBack.Send(q, FormatText(SQL_ADD_GROUP, "CDB_DATAGROUP", WORKING_COPY,
+                                           SqlText(m_pDB, group).constData()))) {
             ShowMessagef(MSG_GROUP_FAIL, MSG_ADD_GROUP, group.constData());
             return CALC_FAIL;
         }
@@ -80,7 +80,7 @@ int CSTCalDataTransfer::RunSaveFamily(const char* base, std::vector<QByteArray> 
                                       const char* copy, const char* inGroup, const char* inPlace,
                                       const char* drop, int& counter)
 {
-    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const QByteArray group = SqlText(m_pDB, m_strGroupName.toLocal8Bit());
     SaveBackFamily f;
     f.changes = std::move(changes);
     f.intoGroup = {FormatText(copy, base, WORKING_COPY, group.constData(), base, WORKING_COPY),
@@ -158,7 +158,7 @@ int CSTCalDataTransfer::SaveS3DataToShift()
 int CSTCalDataTransfer::SaveS3DataToT3W()
 {
     const QByteArray job = FormatText("S3_%d", m_nJobNumber);
-    const QByteArray group = m_strGroupName.toLocal8Bit();
+    const QByteArray group = SqlText(m_pDB, m_strGroupName.toLocal8Bit());
     const char* B = "CDB_TRANS_3W";
     const double sb = m_dBaseMva, tol = TOLERANCE;
     SaveBackFamily f;

@@ -215,6 +215,11 @@ TEST_F(Extraction, NoSchemeGivesEmptyTablesAndTheLongSchemeIsCut)
     CSTCalDataTransfer byName(other, db());
     EXPECT_EQ(byName.ImportSDataFromBaseDB(), 0);
     EXPECT_EQ(Rows("SELECT ID_Name FROM S2_0"), (std::vector<std::string>{"L4"}));
+    // A scheme whose name holds a quote picks nothing and breaks no statement.
+    char quoted[] = "O'THER";
+    EXPECT_EQ(CSTCalDataTransfer(quoted, db()).ImportSDataFromBaseDB(), 0);
+    EXPECT_EQ(Count("S2_0"), 0);
+    EXPECT_TRUE(feedback().texts(2).empty());
     // An empty base-power table leaves 1.0.
     Exec("DELETE FROM CDB_SBBAK");
     EXPECT_DOUBLE_EQ(CSTCalDataTransfer(kJob, kCaseLF, db(), nullptr).BasePower(), 1.0);

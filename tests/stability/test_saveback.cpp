@@ -253,6 +253,21 @@ TEST_F(SaveBack, FaithfulRunIntoAGroupCompletesWhenOnlyModelsChanged)
     EXPECT_EQ(Scalar("SELECT PSS_Par FROM CDB_GENERATBAK WHERE GrpName='G'"), "6");
 }
 
+TEST_F(SaveBack, AGroupNameWithAQuoteAndABackslashNamesItsOwnRows)
+{
+    Exec("UPDATE S5_7 SET Gen_Model=7");
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
+    const QString group = QString::fromUtf8("O'Neil\\组");
+    EXPECT_EQ(job.SaveSDataToBaseDB(group, true), 0);
+    EXPECT_TRUE(feedback().texts(2).empty());
+    EXPECT_EQ(Rows("SELECT GrpName FROM CDB_DATAGROUPBAK WHERE GrpName LIKE 'O''N%'"),
+              (std::vector<std::string>{group.toStdString()}));
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', GrpName, Gen_Model) FROM CDB_GENERATBAK WHERE "
+                   "GrpName LIKE 'O''N%'"),
+              (std::vector<std::string>{group.toStdString() + "|7"}));
+    EXPECT_EQ(Scalar("SELECT Gen_Model FROM CDB_GENERATBAK WHERE GrpName='G'"), "6");
+}
+
 TEST_F(SaveBack, MendedRunIntoAGroupSavesEveryFamily)
 {
     ChangeEveryFamily();
