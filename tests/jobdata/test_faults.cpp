@@ -11,6 +11,8 @@
 #include <QSqlError>
 #include <map>
 
+using testsupport::BaseChecksums;
+using testsupport::BaseTables;
 using testsupport::DbTest;
 using testsupport::Fault;
 using testsupport::FaultInjector;
@@ -20,34 +22,6 @@ namespace {
 
 char kScheme[] = "SCH";
 const char* const kJobTables[] = {"L1_0", "L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"};
-
-// Every base table, plain and working copy.
-QStringList BaseTables(QSqlDatabase db)
-{
-    QSqlQuery q(db);
-    q.exec("SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_SCHEMA=DATABASE() "
-           "AND TABLE_NAME LIKE 'cdb\\_%' ORDER BY TABLE_NAME");
-    QStringList tables;
-    while (q.next()) {
-        tables << q.value(0).toString();
-    }
-    return tables;
-}
-
-// CHECKSUM TABLE of every base table.
-std::map<std::string, std::string> BaseChecksums(QSqlDatabase db)
-{
-    const QStringList tables = BaseTables(db);
-    QSqlQuery q(db);
-    std::map<std::string, std::string> sums;
-    EXPECT_GT(tables.size(), 30) << "the base tables, plain and working copies";
-    EXPECT_TRUE(q.exec("CHECKSUM TABLE " + tables.join(", ")))
-        << q.lastError().text().toStdString();
-    while (q.next()) {
-        sums[q.value(0).toString().toStdString()] = q.value(1).toString().toStdString();
-    }
-    return sums;
-}
 
 // The job tables that still hold the marker row put in before a run: those the run
 // neither emptied nor refilled.

@@ -214,4 +214,30 @@ QSqlDatabase FreshConnection(dbserver::ScratchDatabase& scratch)
         QStringLiteral("fresh_%1").arg(serial.fetchAndAddRelaxed(1)));
 }
 
+QStringList BaseTables(QSqlDatabase db)
+{
+    QSqlQuery q(db);
+    q.exec("SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_SCHEMA=DATABASE() "
+           "AND TABLE_NAME LIKE 'cdb\\_%' ORDER BY TABLE_NAME");
+    QStringList tables;
+    while (q.next()) {
+        tables << q.value(0).toString();
+    }
+    return tables;
+}
+
+std::map<std::string, std::string> BaseChecksums(QSqlDatabase db)
+{
+    const QStringList tables = BaseTables(db);
+    QSqlQuery q(db);
+    std::map<std::string, std::string> sums;
+    EXPECT_GT(tables.size(), 30) << "the base tables, plain and working copies";
+    EXPECT_TRUE(q.exec("CHECKSUM TABLE " + tables.join(", ")))
+        << q.lastError().text().toStdString();
+    while (q.next()) {
+        sums[q.value(0).toString().toStdString()] = q.value(1).toString().toStdString();
+    }
+    return sums;
+}
+
 } // namespace testsupport

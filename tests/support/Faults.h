@@ -21,9 +21,11 @@
 
 #include <QSqlDatabase>
 #include <QString>
+#include <QStringList>
 #include <atomic>
 #include <functional>
 #include <gtest/gtest.h>
+#include <map>
 #include <memory>
 #include <string>
 #include <thread>
@@ -84,5 +86,11 @@ private:
 
 // A connection of its own to the suite's database, for the run after a fault.
 QSqlDatabase FreshConnection(dbserver::ScratchDatabase& scratch);
+
+// Every base table of the database, plain and working copy.
+QStringList BaseTables(QSqlDatabase db);
+// CHECKSUM TABLE of every base table, by name: an extraction, faulted or not, leaves
+// them as they were.
+std::map<std::string, std::string> BaseChecksums(QSqlDatabase db);
 
 } // namespace testsupport
