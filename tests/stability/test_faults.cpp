@@ -1,0 +1,389 @@
+// The stability job data under server faults: extraction and save-back on the small
+// network of the stability fixture, and the job into the network records.
+
+#include "Faults.h"
+#include "RecordAccess.h"
+#include "StabilityNetwork.h"
+#include "platform/CDatabase.h"
+#include "records/NetworkRecords.h"
+#include "stability/jobdata/STCalDataToRTDB.h"
+#include "stability/jobdata/STCalDataTransfer.h"
+
+#include <QSqlQuery>
+
+using namespace dtsdb;
+using namespace sttest;
+using testsupport::Fault;
+using testsupport::FaultInjector;
+using testsupport::Hold;
+
+namespace {
+
+const char* const kJobTables[] = {"S2_7", "S3_7", "S4_7", "S5_7", "S6_7", "S7_7"};
+
+// Each message, up to its statement's column list: "Fail to execute SQL: insert into S2_7".
+std::vector<std::string> Heads(const std::vector<std::string>& messages)
+{
+    std::vector<std::string> heads;
+    for (const std::string& m : messages) {
+        heads.push_back(m.substr(0, m.find('(')));
+    }
+    return heads;
+}
+
+} // namespace
+
+// ---- Extraction, faulted on the generators' job table ----
+
+// A failed family tells of itself and the run goes on; only the counters' update that
+// cannot be written makes the run fail.
+struct ExtractionFault
+{
+    Fault fault;
+    int result;
+    std::vector<std::string> errors; // level 2, in order, each up to its column list
+    // Each job table, S2_7 to S7_7, after the run: k its rows as before, e emptied, n the
+    // new rows only, a the new rows beside the old ones, p a part of the new rows.
+    std::string tables;
+};
+
+void PrintTo(const ExtractionFault& f, std::ostream* os)
+{
+    *os << testsupport::FaultName(f.fault);
+}
+
+class ExtractionFaults : public StabilityTest, public ::testing::WithParamInterface<ExtractionFault>
+{
+protected:
+    void SetUp() override
+    {
+        StabilityTest::SetUp();
+        if (HasFatalFailure() || IsSkipped()) {
+            return;
+        }
+        // Generators enough to overfill the smallest table the server keeps in memory.
+        Exec("INSERT INTO CDB_GENERATBAK(GrpName, ID_Name, Valid, Node_Name, Gen_Model) SELECT "
+             "'G', CONCAT('GX', seq), 1, 'N1', 1 FROM seq_1_to_1000");
+        ASSERT_EQ(CSTCalDataTransfer(kJob, kCaseLF, db(), nullptr).ImportSDataFromBaseDB(), 0);
+        for (const char* t : kJobTables) {
+            m_full.push_back(Count(t));
+            Exec(QString("INSERT INTO %1(ID_Name) VALUES ('MARK')").arg(t));
+        }
+        ASSERT_EQ(m_full[3], 1001);
+        feedback().clear();
+    }
+    std::string Tables() const
+    {
+        std::string out;
+        for (size_t i = 0; i < m_full.size(); ++i) {
+            const int n = Count(kJobTables[i]), full = m_full[i];
+            const bool marked = Count(QString("%1 WHERE ID_Name='MARK'").arg(kJobTables[i])) > 0;
+            if (marked && n == full + 1) {
+                out += 'k';
+            } else if (marked && n == 2 * full + 1) {
+                out += 'a';
+            } else if (!marked && n == 0) {
+                out += 'e';
+            } else if (!marked && n == full) {
+                out += 'n';
+            } else if (!marked && n < full) {
+                out += 'p';
+            } else {
+                out += "?" + std::to_string(n);
+            }
+        }
+        return out;
+    }
+    std::vector<int> m_full; // rows of each job table after a whole extraction
+};
+
+TEST_P(ExtractionFaults, TheRunReportsLeavesTheBaseTablesAloneAndTheNextRunSucceeds)
+{
+    const ExtractionFault& f = GetParam();
+    const auto before = testsupport::BaseChecksums(checker());
+    const std::string counters = Rows("SELECT CONCAT_WS('|', Nbus, Ngenerat, Nload, Nacline, "
+                                      "Ndcline, Ntrans, Nsvc) FROM ST_CASE")[0];
+    if (f.fault == Fault::Full) {
+        Exec("DELETE FROM S5_7"); // what the run does first; a full table takes no more
+    }
+    {
+        FaultInjector fault(scratch(), db(), f.fault, "S5_7", Hold::Rows);
+        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
+            CSTCalDataTransfer job(kJob, kCaseLF, connection, nullptr);
+            EXPECT_EQ(job.ImportSDataFromBaseDB(), f.result);
+        }));
+    }
+    EXPECT_EQ(Heads(feedback().texts(2)), f.errors);
+    EXPECT_EQ(feedback().texts(1).back(),
+              f.result == 0 ? "基础库数据抽取完成。" : "基础库数据抽取开始...");
+    EXPECT_EQ(Tables(), f.tables);
+    if (f.result != 0) {
+        EXPECT_EQ(Rows("SELECT CONCAT_WS('|', Nbus, Ngenerat, Nload, Nacline, Ndcline, Ntrans, "
+                       "Nsvc) FROM ST_CASE")[0],
+                  counters)
+            << "the counters the update could not write";
+    }
+    EXPECT_EQ(testsupport::BaseChecksums(checker()), before) << "a base table changed";
+
+    // The next run, on a fresh connection, fills every job table with the whole extraction.
+    QSqlDatabase fresh = testsupport::FreshConnection(scratch());
+    feedback().clear();
+    CSTCalDataTransfer again(kJob, kCaseLF, &fresh, nullptr);
+    EXPECT_EQ(again.ImportSDataFromBaseDB(), 0);
+    EXPECT_TRUE(feedback().texts(2).empty()) << ::testing::PrintToString(feedback().texts(2));
+    EXPECT_EQ(Tables(), "nnnnnn");
+    EXPECT_EQ(Scalar("SELECT Ngenerat FROM ST_CASE"), "1001");
+    EXPECT_EQ(testsupport::BaseChecksums(checker()), before);
+    fresh.close();
+}
+
+namespace {
+const std::string kFail = "Fail to execute SQL: ";
+const std::string kFill = kFail + "INSERT INTO tmp SELECT 0+substring";
+const std::string kDbError = "数据库操作发生错误！";
+const std::string kCounts = "更新暂稳作业表元件个数信息发生错误！";
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ExtractionFaults,
+    ::testing::Values(
+        // The generators' rows locked: the emptying waits at S5_7 and the connection dies
+        // there. S2_7 to S4_7 were emptied; every statement after fails, the counters too.
+        ExtractionFault{Fault::Killed,
+                        1,
+                        {"S5_7表可能不存在, 导入计算数据发生错误！", kFill,
+                         kFail + "insert into S2_7", kFill, kFill, kFail + "insert into S2_7",
+                         kFill, kFill, kFill, kDbError, kDbError, kDbError, kFill, kCounts},
+                        "eeekkk"},
+        // S5_7 missing: the emptying stops there, so S6_7 and S7_7 get the new rows beside
+        // their old ones; only the generators' insert fails. The run succeeds.
+        ExtractionFault{Fault::MissingTable,
+                        0,
+                        {"S5_7表可能不存在, 导入计算数据发生错误！", kFail + "INSERT INTO S5_7"},
+                        "nnnkaa"},
+        // A user who may only read: no job table and no working table can be written.
+        ExtractionFault{Fault::ReadOnly,
+                        1,
+                        {"S2_7表可能不存在, 导入计算数据发生错误！", kFill,
+                         kFail + "insert into S2_7", kFill, kFill, kFail + "insert into S2_7",
+                         kFill, kFill, kFill, kDbError, kDbError, kDbError, kFill, kCounts},
+                        "kkkkkk"},
+        // S5_7 full: the generators' insert stops with the rows it wrote (the memory engine
+        // keeps them); every other family is done.
+        ExtractionFault{Fault::Full, 0, {kFail + "INSERT INTO S5_7"}, "nnnpnn"},
+        // S5_7's rows locked and a session that waits one second: the emptying and then the
+        // generators' insert time out, as with the table missing.
+        ExtractionFault{Fault::LockTimeout,
+                        0,
+                        {"S5_7表可能不存在, 导入计算数据发生错误！", kFail + "INSERT INTO S5_7"},
+                        "nnnkaa"}),
+    [](const ::testing::TestParamInfo<ExtractionFault>& info) {
+        return testsupport::FaultName(info.param.fault);
+    });
+
+// ---- Save-back into a new group, faulted on the phase shifters' working copy ----
+
+struct SaveBackFault
+{
+    Fault fault;
+    std::string error; // the level-2 message's start
+    bool lineSaved;    // the AC lines, saved before the phase shifters, kept their copy
+};
+
+void PrintTo(const SaveBackFault& f, std::ostream* os)
+{
+    *os << testsupport::FaultName(f.fault);
+}
+
+class SaveBackFaults : public StabilityTest, public ::testing::WithParamInterface<SaveBackFault>
+{
+protected:
+    void SetUp() override
+    {
+        StabilityTest::SetUp();
+        if (HasFatalFailure() || IsSkipped()) {
+            return;
+        }
+        ASSERT_EQ(CSTCalDataTransfer(kJob, kCaseLF, db(), nullptr).ImportSDataFromBaseDB(), 0);
+        // A line (step 1), a phase shifter (step 5) and the generator (step 8) changed.
+        Exec("UPDATE S2_7 SET R0=R0+0.01 WHERE ID_Name='L1'");
+        Exec("UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='P1'");
+        Exec("UPDATE S5_7 SET Gen_Model=7");
+        feedback().clear();
+    }
+    // Rows of the group NEW among the lines, the phase shifters and the generators.
+    static std::string Copies()
+    {
+        std::string out;
+        for (const char* t : {"CDB_ACLINEBAK", "CDB_SHIFTBAK", "CDB_GENERATBAK"}) {
+            out += (out.empty() ? "" : "/") +
+                   std::to_string(Count(QString("%1 WHERE GrpName='NEW'").arg(t)));
+        }
+        return out;
+    }
+};
+
+TEST_P(SaveBackFaults, TheRunStopsAtTheFaultedFamilyAndTheNextRunSavesEverything)
+{
+    const SaveBackFault& f = GetParam();
+    const auto shifters = Rows("SELECT GrpName, ID_Name, R0 FROM CDB_SHIFTBAK ORDER BY ID");
+    CDatabase base;
+    {
+        FaultInjector fault(scratch(), db(), f.fault, "CDB_SHIFTBAK", Hold::Rows);
+        fault.SetFiller("INSERT INTO CDB_SHIFTBAK (GrpName, ID_Name) SELECT 'FILLER', seq FROM "
+                        "seq_1_to_100000",
+                        "DELETE FROM CDB_SHIFTBAK WHERE GrpName='FILLER'");
+        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
+            CSTCalDataTransfer job(kJob, kCaseLF, connection, &base);
+            job.SetStatementMode(SaveStatementMode::Mended);
+            EXPECT_EQ(job.SaveSDataToBaseDB("NEW", true), 1);
+        }));
+    }
+    const auto errors = feedback().texts(2);
+    ASSERT_EQ(errors.size(), 1u) << ::testing::PrintToString(errors);
+    EXPECT_EQ(errors[0].substr(0, f.error.size()), f.error) << errors[0];
+    EXPECT_TRUE(feedback().texts(3).empty()) << "no group row was tried";
+    EXPECT_EQ(Copies(), f.lineSaved ? "1/0/0" : "0/0/0");
+    EXPECT_EQ(base.ModifiedTableTypes(), f.lineSaved ? std::vector<int>{102} : std::vector<int>{});
+    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 0);
+    EXPECT_EQ(Rows("SELECT GrpName, ID_Name, R0 FROM CDB_SHIFTBAK ORDER BY ID"), shifters);
+
+    // The next run, on a fresh connection: every family, the group's row last.
+    QSqlDatabase fresh = testsupport::FreshConnection(scratch());
+    Exec("DELETE FROM CDB_ACLINEBAK WHERE GrpName='NEW'");
+    feedback().clear();
+    CSTCalDataTransfer again(kJob, kCaseLF, &fresh, nullptr);
+    again.SetStatementMode(SaveStatementMode::Mended);
+    EXPECT_EQ(again.SaveSDataToBaseDB("NEW", true), 0);
+    EXPECT_TRUE(feedback().texts(2).empty()) << ::testing::PrintToString(feedback().texts(2));
+    EXPECT_EQ(Copies(), "1/1/1");
+    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 1);
+    fresh.close();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, SaveBackFaults,
+    ::testing::Values(
+        // The shifters' rows locked: the family's first statement, whose select reads them
+        // with shared locks, waits, and the connection dies there. The lines were saved.
+        SaveBackFault{Fault::Killed, "Fail to execute SQL: Create temporary Table TShift", true},
+        SaveBackFault{Fault::MissingTable, "Fail to execute SQL: Create temporary Table TShift",
+                      true},
+        // Read only: the first write, the lines' copy into the group, is refused.
+        SaveBackFault{Fault::ReadOnly, "Fail to execute SQL: insert into CDB_ACLINEBAK(GrpName, ",
+                      false},
+        SaveBackFault{Fault::Full, "Fail to execute SQL: insert into CDB_SHIFTBAK(GrpName, ", true},
+        SaveBackFault{Fault::LockTimeout, "Fail to execute SQL: Create temporary Table TShift",
+                      true}),
+    [](const ::testing::TestParamInfo<SaveBackFault>& info) {
+        return testsupport::FaultName(info.param.fault);
+    });
+
+// ---- The job into the records, faulted on the generators' job table ----
+
+// A select the server refuses reads as an empty table and shows nothing, and the import
+// never fails: a fault shows only in the records it left alone.
+struct ImportFault
+{
+    Fault fault;
+    Hold hold;
+    // Whether each job table, S2_7 to S7_7, reached its records: 1 yes, 0 no.
+    std::string loaded;
+};
+
+void PrintTo(const ImportFault& f, std::ostream* os)
+{
+    *os << testsupport::FaultName(f.fault);
+}
+
+class ImportFaults : public StabilityTest, public ::testing::WithParamInterface<ImportFault>
+{
+protected:
+    void SetUp() override
+    {
+        StabilityTest::SetUp();
+        if (HasFatalFailure() || IsSkipped()) {
+            return;
+        }
+        ASSERT_TRUE(m_rtdb.open("stability_faults"));
+        ASSERT_EQ(CSTCalDataTransfer(kJob, kCaseLF, db(), nullptr).ImportSDataFromBaseDB(), 0);
+        // A record for every row of the job, as the load-flow import leaves them.
+        for (const char* id : {"L1_ac", "L2_ac", "S1_sc"}) {
+            testsupport::Put<ln>(id);
+        }
+        testsupport::Put<cp>("C1");
+        for (const char* id : {"T1_2w", "T3_2w", "P1_sf", "P2_sf", "W1_3w1", "W1_3w3", "W2_3w2",
+                               "W3_3w1", "W3_3w2", "W3_3w3"}) {
+            testsupport::Put<xf>(id);
+        }
+        testsupport::Put<dln>("DC1");
+        testsupport::Put<un>("G1");
+        testsupport::Put<ld>("D1");
+        for (const char* name : {"V1", "V2"}) {
+            svc r;
+            r.id_name = name;
+            testsupport::Put(r);
+        }
+        m_rtdb.commit();
+        feedback().clear();
+    }
+    void TearDown() override
+    {
+        m_rtdb.rollback();
+        m_rtdb.close();
+    }
+    // One value of each table's rows, as the job holds it, found in its record.
+    static std::string Loaded()
+    {
+        dbCursor<svc> svcs;
+        dbQuery byName;
+        byName = "id_name=", "V1";
+        const bool svcLoaded = svcs.select(byName) == 1 && svcs->Model == 2;
+        std::string out;
+        out += testsupport::Fetch<ln>("L1_ac").R0 == 0.25f ? '1' : '0';
+        out += testsupport::Fetch<xf>("T1_2w").ZCtype == 1 ? '1' : '0';
+        out += testsupport::Fetch<dln>("DC1").DC_Model == 2 ? '1' : '0';
+        out += testsupport::Fetch<un>("G1").Gen_Model == 6 ? '1' : '0';
+        out += testsupport::Fetch<ld>("D1").Load_Model == 3 ? '1' : '0';
+        out += svcLoaded ? '1' : '0';
+        return out;
+    }
+    dbDatabase m_rtdb;
+};
+
+TEST_P(ImportFaults, AFailedReadLoadsNothingOfItsTableSilentlyAndTheNextRunLoadsAll)
+{
+    const ImportFault& f = GetParam();
+    {
+        FaultInjector fault(scratch(), db(), f.fault, "S5_7", f.hold);
+        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
+            CSTCalDataToRTDB job(kJob, connection);
+            EXPECT_EQ(job.ImportSDataToRTDB(), 0) << "no failure is ever returned";
+        }));
+    }
+    EXPECT_TRUE(feedback().messages().empty()) << "a refused select shows nothing";
+    EXPECT_EQ(Loaded(), f.loaded);
+
+    m_rtdb.rollback();
+    ASSERT_EQ(Loaded(), "000000");
+    QSqlDatabase fresh = testsupport::FreshConnection(scratch());
+    CSTCalDataToRTDB again(kJob, &fresh);
+    EXPECT_EQ(again.ImportSDataToRTDB(), 0);
+    EXPECT_TRUE(feedback().messages().empty());
+    EXPECT_EQ(Loaded(), "111111");
+    fresh.close();
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, ImportFaults,
+                         ::testing::Values(
+                             // The generators' table locked whole: its select waits and the
+                             // connection dies there; every table after it reads as empty.
+                             ImportFault{Fault::Killed, Hold::Table, "111000"},
+                             ImportFault{Fault::MissingTable, Hold::Rows, "111011"},
+                             // Reading is all this import does.
+                             ImportFault{Fault::ReadOnly, Hold::Rows, "111111"},
+                             ImportFault{Fault::Full, Hold::Rows, "111111"},
+                             ImportFault{Fault::LockTimeout, Hold::Table, "111011"}),
+                         [](const ::testing::TestParamInfo<ImportFault>& info) {
+                             return testsupport::FaultName(info.param.fault);
+                         });
