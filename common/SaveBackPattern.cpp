@@ -1,16 +1,78 @@
 #include "common/SaveBackPattern.h"
 
 #include "common/Feedback.h"
+#include "common/SaveBackStatementText.h"
+#include "common/SaveBackStatements.h"
 #include "platform/CDatabase.h"
 
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QVariant>
+#include <algorithm>
+
+using namespace sbo;
+
+bool CSaveBackPattern::EndsTransaction(const QByteArray& sql)
+{
+    return sbtext::EndsTransaction(sql);
+}
 
 bool CSaveBackPattern::Send(QSqlQuery& query, const QByteArray& sql) const
 {
-    return ExecStatement(query, sql);
+    switch (m_run.kind) {
+    case RunKind::Save:
+        break;
+    case RunKind::Collect:
+        return true; // nothing reaches the server before the transaction's plan is known
+    case RunKind::AllOrNothing:
+        if (m_run.inTransaction && sbtext::EndsTransaction(sql)) {
+            Show(MSG_ERROR, MSG_ENDS_TRANSACTION, sql.constData());
+            return false;
+        }
+        break;
+    case RunKind::Preview:
+        if (sbtext::EndsTransaction(sql)) {
+            // Only a detection statement that makes a working table of its own gets here.
+            QSqlQuery in(*m_pDB);
+            if (!Send(in, SQL_IN_TRANSACTION) || !in.next() || in.value(0).toInt() != 0) {
+                m_run.preview->refused =
+                    QString::fromLocal8Bit(FormatText(MSG_PREVIEW_IN_CALLERS_TRANSACTION,
+                                                      sql.constData()));
+                return false;
+            }
+        }
+        break;
+    }
+    const bool ok = ExecStatement(query, sql);
+    if (ok && m_run.kind != RunKind::Save) {
+        QByteArray table;
+        bool temporary = false;
+        if (sbtext::CreatedTable(sql, table, temporary)) {
+            m_run.created.emplace_back(table, temporary);
+        }
+    }
+    return ok;
+}
+
+void CSaveBackPattern::Say(int level, const QByteArray& text, const QString& why) const
+{
+    switch (m_run.kind) {
+    case RunKind::Collect:
+        return;
+    case RunKind::Preview:
+        m_run.preview->messages.push_back({level, text, why});
+        return;
+    default:
+        ShowMessage(text, level);
+    }
+}
+
+void CSaveBackPattern::Fail(const QByteArray& sql, const QString& why) const
+{
+    m_run.failed = true;
+    Say(MSG_ERROR, FormatText(m_failure, sql.constData()), why);
 }
 
 bool CSaveBackPattern::Exec(QSqlQuery& query, const QByteArray& sql) const
@@ -18,11 +80,13 @@ bool CSaveBackPattern::Exec(QSqlQuery& query, const QByteArray& sql) const
     if (Send(query, sql)) {
         return true;
     }
-    ShowMessagef(MSG_ERROR, m_failure, sql.constData());
+    if (m_run.kind != RunKind::Preview || m_run.preview->refused.isEmpty()) {
+        Fail(sql, query.lastError().text());
+    }
     return false;
 }
 
-int CSaveBackPattern::RunSteps(const std::vector<SaveBackStep>& steps, CDatabase* baseDb)
+int CSaveBackPattern::RunSteps(const std::vector<SaveBackStep>& steps, CDatabase* baseDb) const
 {
     for (const SaveBackStep& s : steps) {
         const int before = *s.counter;
@@ -31,10 +95,8 @@ int CSaveBackPattern::RunSteps(const std::vector<SaveBackStep>& steps, CDatabase
         }
         const int count = s.increase ? *s.counter - before : *s.counter;
         if (count > 0) {
-            ShowMessagef(MSG_PROGRESS, s.message, count);
-            if (baseDb) {
-                baseDb->SetBakTabModifyFlag(s.flag);
-            }
+            Show(MSG_PROGRESS, s.message, count);
+            Flag(baseDb, s.flag);
         }
     }
     return CALC_OK;
@@ -42,27 +104,166 @@ int CSaveBackPattern::RunSteps(const std::vector<SaveBackStep>& steps, CDatabase
 
 void CSaveBackPattern::ExecUnchecked(const QByteArray& sql) const
 {
+    QByteArray dropped;
+    switch (m_run.kind) {
+    case RunKind::Save:
+        break;
+    case RunKind::Collect:
+        return;
+    case RunKind::AllOrNothing:
+        if (m_run.inTransaction && sbtext::EndsTransaction(sql)) {
+            // A drop (also of a temporary table) or an index would commit what the run did
+            // so far: it goes after the transaction, as it stands.
+            m_run.deferred.push_back(sql);
+            if (sbtext::DroppedTable(sql, dropped)) {
+                auto& made = m_run.created;
+                made.erase(std::remove_if(made.begin(), made.end(),
+                                          [&](const auto& t) { return sbtext::SameTable(t.first, dropped); }),
+                           made.end());
+            }
+            return;
+        }
+        break;
+    case RunKind::Preview:
+        if (sbtext::DroppedTable(sql, dropped)) {
+            // The preview's own drop, which a caller's transaction survives.
+            auto& made = m_run.created;
+            for (auto it = made.begin(); it != made.end(); ++it) {
+                if (sbtext::SameTable(it->first, dropped)) {
+                    QSqlQuery q(*m_pDB);
+                    Send(q, FormatText(it->second ? SQL_DROP_TEMPORARY : SQL_DROP_WORKING,
+                                       it->first.constData()));
+                    made.erase(it);
+                    break;
+                }
+            }
+            return;
+        }
+        if (sbtext::EndsTransaction(sql)) {
+            return; // an index on a table of the detection: no part of what a preview reads
+        }
+        break;
+    }
     QSqlQuery q(*m_pDB);
     Send(q, sql);
+}
+
+bool CSaveBackPattern::Step(QSqlQuery& query, const QByteArray& sql, int& rows) const
+{
+    if (m_run.kind == RunKind::AllOrNothing) {
+        auto it = m_run.hoisted.find(sql);
+        if (it != m_run.hoisted.end()) {
+            const Hoisted h = it->second;
+            m_run.hoisted.erase(it);
+            if (!h.ok) {
+                Fail(sql, h.error);
+                return false;
+            }
+            rows = h.rows;
+            return true;
+        }
+    }
+    if (!Exec(query, sql)) {
+        return false;
+    }
+    rows = query.numRowsAffected();
+    return true;
+}
+
+bool CSaveBackPattern::Write(QSqlQuery& query, const QByteArray& sql, WriteRole role,
+                             bool report) const
+{
+    switch (m_run.kind) {
+    case RunKind::Collect:
+        return true;
+    case RunKind::Preview: {
+        QString why;
+        if (PreviewWrite(sql, role, why)) {
+            return true;
+        }
+        if (!m_run.preview->refused.isEmpty()) {
+            return false;
+        }
+        if (report) {
+            Fail(sql, why);
+        } else {
+            m_run.failed = true;
+        }
+        return false;
+    }
+    default:
+        if (report) {
+            return Exec(query, sql);
+        }
+        if (!Send(query, sql)) {
+            m_run.failed = true;
+            return false;
+        }
+        return true;
+    }
+}
+
+bool CSaveBackPattern::ExecWrite(QSqlQuery& query, const QByteArray& sql) const
+{
+    return Write(query, sql, WriteRole::Addition, true);
+}
+
+bool CSaveBackPattern::SendWrite(QSqlQuery& query, const QByteArray& sql) const
+{
+    return Write(query, sql, WriteRole::Addition, false);
+}
+
+void CSaveBackPattern::Flag(CDatabase* base, int tableType) const
+{
+    if (!base) {
+        return;
+    }
+    switch (m_run.kind) {
+    case RunKind::Save:
+        base->SetBakTabModifyFlag(tableType);
+        return;
+    case RunKind::Collect:
+        return;
+    case RunKind::AllOrNothing:
+        m_run.flags.emplace_back(base, tableType);
+        return;
+    case RunKind::Preview:
+        m_run.preview->flags.push_back(tableType);
+        return;
+    }
 }
 
 int CSaveBackPattern::Run(const SaveBackFamily& f, bool newGroup, int& counter,
                           const SaveBackOrphans* orphans) const
 {
+    if (m_run.kind == RunKind::Collect) {
+        // The statement that makes T, when it is a working table of its own (not a
+        // temporary one), would commit: it runs before the transaction. That is sound
+        // because a family reads its own base table and the job tables, which no earlier
+        // family writes.
+        const QByteArray& make = !f.createOrphans.isEmpty()  ? f.createOrphans
+                                 : !f.changes.empty()        ? f.changes.front()
+                                                             : f.createOrphans;
+        QByteArray table;
+        bool temporary = true;
+        if (sbtext::CreatedTable(make, table, temporary) && !temporary) {
+            m_run.toHoist.push_back(make);
+        }
+        return CALC_OK;
+    }
     QSqlQuery q(*m_pDB);
+    int rows = 0;
     if (!f.createOrphans.isEmpty()) {
-        if (!Exec(q, f.createOrphans)) {
+        if (!Step(q, f.createOrphans, rows)) {
             return CALC_FAIL;
         }
-        const int rows = q.numRowsAffected();
         if (rows > 0) {
             if (orphans && orphans->newElements) {
                 *orphans->newElements += rows / f.rowsPerElement;
             }
-            ShowMessagef(MSG_ERROR, f.orphanWarning, rows,
-                         orphans ? orphans->groupName.constData() : "");
+            Show(MSG_ERROR, f.orphanWarning, rows, orphans ? orphans->groupName.constData() : "");
             for (const QByteArray& sql : f.orphanInserts) {
-                if (!Exec(q, sql)) {
+                if (!Write(q, sql, WriteRole::Orphan, true)) {
                     return CALC_FAIL;
                 }
             }
@@ -82,22 +283,139 @@ int CSaveBackPattern::Run(const SaveBackFamily& f, bool newGroup, int& counter,
     }
     int changed = 0;
     for (const QByteArray& sql : f.changes) {
-        if (!Exec(q, sql)) {
+        if (!Step(q, sql, rows)) {
             return CALC_FAIL;
         }
-        changed += q.numRowsAffected();
+        changed += rows;
     }
     if (!f.afterChanges.isEmpty()) {
         ExecUnchecked(f.afterChanges);
     }
     if (changed > 0) {
         counter += changed;
+        // A preview reads the values by the in-place updates in both cases: the copies in
+        // the group get the same assignments.
+        if (m_run.kind == RunKind::Preview && !PreviewChanges(f.inPlace)) {
+            return CALC_FAIL;
+        }
         for (const QByteArray& sql : newGroup ? f.intoGroup : f.inPlace) {
-            if (!Exec(q, sql)) {
+            if (!Write(q, sql, WriteRole::Change, true)) {
                 return CALC_FAIL;
             }
         }
     }
     ExecUnchecked(f.drop);
     return CALC_OK;
+}
+
+int CSaveBackPattern::Save(const std::function<int()>& driver)
+{
+    if (!m_allOrNothing) {
+        return driver();
+    }
+    const int result = RunAllOrNothing(driver);
+    m_run = RunState();
+    return result;
+}
+
+// All-or-nothing, in this order:
+//   1. refuse when the connection is inside a transaction of the caller's (ours would end
+//      it, or the caller's commit would make ours);
+//   2. the driver once without sending anything, to find the statements that would end a
+//      transaction and must run before it (a working table that is not temporary);
+//   3. those statements, then START TRANSACTION, then the driver, every statement that
+//      would end the transaction (the drops, also of temporary tables, and an index) held
+//      back; anything else of the kind is refused;
+//   4. COMMIT when the driver returned 0 and no checked statement failed, else ROLLBACK;
+//   5. the held-back statements as they stand, and drops of the tables the run made and
+//      a failure left behind;
+//   6. after a commit the change flags; after a rollback one line saying nothing was saved.
+int CSaveBackPattern::RunAllOrNothing(const std::function<int()>& driver)
+{
+    m_run = RunState();
+    QSqlQuery q(*m_pDB);
+    if (!Send(q, SQL_IN_TRANSACTION) || !q.next()) {
+        Fail(SQL_IN_TRANSACTION, q.lastError().text());
+        Say(MSG_ERROR, MSG_NOTHING_SAVED);
+        return CALC_FAIL;
+    }
+    if (q.value(0).toInt() != 0) {
+        Say(MSG_ERROR, MSG_IN_CALLERS_TRANSACTION);
+        return CALC_FAIL;
+    }
+
+    m_run.kind = RunKind::Collect;
+    driver();
+    const std::vector<QByteArray> toHoist = m_run.toHoist;
+    m_run = RunState();
+    m_run.kind = RunKind::AllOrNothing;
+    for (const QByteArray& sql : toHoist) {
+        QSqlQuery h(*m_pDB);
+        Hoisted out;
+        out.ok = Send(h, sql);
+        out.rows = out.ok ? h.numRowsAffected() : 0;
+        out.error = h.lastError().text();
+        m_run.hoisted.emplace(sql, out);
+    }
+
+    bool ok = Send(q, SQL_START_TRANSACTION);
+    if (!ok) {
+        Fail(SQL_START_TRANSACTION, q.lastError().text());
+    } else {
+        m_run.inTransaction = true;
+        ok = driver() == CALC_OK && !m_run.failed;
+        if (ok && !Send(q, SQL_COMMIT)) {
+            Fail(SQL_COMMIT, q.lastError().text()); // the server has rolled back
+            ok = false;
+        }
+    }
+    bool allUndone = true;
+    if (!ok && m_run.inTransaction) {
+        QSqlQuery rollback(*m_pDB);
+        if (Send(rollback, SQL_ROLLBACK) && Send(rollback, SQL_SHOW_WARNINGS)) {
+            while (rollback.next()) {
+                allUndone &= rollback.value(1).toInt() != WARNING_NOT_ROLLED_BACK;
+            }
+        }
+    }
+    m_run.inTransaction = false;
+
+    for (const QByteArray& sql : m_run.deferred) {
+        QSqlQuery d(*m_pDB);
+        Send(d, sql);
+    }
+    DropCreated();
+    if (ok) {
+        for (const auto& flag : m_run.flags) {
+            flag.first->SetBakTabModifyFlag(flag.second);
+        }
+        return CALC_OK;
+    }
+    Say(MSG_ERROR, allUndone ? MSG_NOTHING_SAVED : MSG_NOT_ALL_UNDONE);
+    return CALC_FAIL;
+}
+
+void CSaveBackPattern::DropCreated() const
+{
+    const auto made = std::move(m_run.created);
+    m_run.created.clear();
+    for (const auto& t : made) {
+        QSqlQuery q(*m_pDB);
+        Send(q, FormatText(t.second ? SQL_DROP_TEMPORARY : SQL_DROP_WORKING, t.first.constData()));
+    }
+}
+
+SaveBackPreview CSaveBackPattern::Preview(const std::function<int()>& driver)
+{
+    SaveBackPreview preview;
+    m_run = RunState();
+    m_run.kind = RunKind::Preview;
+    m_run.preview = &preview;
+    preview.result = driver();
+    if (!preview.refused.isEmpty()) {
+        preview.result = CALC_FAIL;
+    }
+    DropCreated();
+    m_run = RunState();
+    return preview;
 }

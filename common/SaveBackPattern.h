@@ -14,15 +14,30 @@
 //
 // The statement mode decides which text a transfer sends where the design keeps a statement
 // that the server refuses: the faithful text by default, the intended one on request.
+//
+// Two options go beyond the design, both off by default, both for any transfer that runs its
+// save-back driver through Save and Preview and lets its driver's messages, flags and
+// writes go through Show, Flag, ExecWrite and SendWrite:
+//   - all-or-nothing: the save-back runs in one server transaction on the caller's
+//     connection, rolled back whole when anything fails; the change flags are raised after
+//     the commit only;
+//   - preview: the save-back's detection statements run into their temporary tables and are
+//     read; no base table is written, no flag raised, no table left on the connection.
+
+#include "common/Feedback.h"
+#include "common/SaveBackPreview.h"
 
 #include <QByteArray>
 #include <QString>
 #include <functional>
+#include <map>
+#include <utility>
 #include <vector>
 
 class CDatabase;
 class QSqlDatabase;
 class QSqlQuery;
+class CDatabase;
 
 enum class SaveStatementMode {
     Faithful, // every statement as the design writes it, refused ones included
@@ -89,9 +104,11 @@ public:
             const SaveBackOrphans* orphans) const;
 
     // Runs a driver's steps in order. A step that saved rows shows its message and, with a
-    // base-database object, sets its table's modify flag. Returns 1 at the first family that
-    // fails (the steps before it stay saved and flagged), else 0.
-    static int RunSteps(const std::vector<SaveBackStep>& steps, CDatabase* baseDb);
+    // base-database object, sets its table's modify flag, both through Show and Flag (so a
+    // preview shows and flags nothing, and all-or-nothing flags after its commit). Returns 1
+    // at the first family that fails (the steps before it stay saved and flagged by
+    // default), else 0.
+    int RunSteps(const std::vector<SaveBackStep>& steps, CDatabase* baseDb) const;
 
     // Runs a checked statement on `query`: on failure the failure text at level 2, false.
     bool Exec(QSqlQuery& query, const QByteArray& sql) const;
@@ -100,8 +117,78 @@ public:
     // The one exec point: every statement of a save-back reaches the server here.
     bool Send(QSqlQuery& query, const QByteArray& sql) const;
 
+    // ---- The options ----
+    void SetAllOrNothing(bool on) { m_allOrNothing = on; }
+    bool AllOrNothing() const { return m_allOrNothing; }
+
+    // Runs `driver`, the transfer's whole save-back, and returns its result: as it stands
+    // by default; with all-or-nothing on, in one transaction (see the .cpp for the order).
+    int Save(const std::function<int()>& driver);
+    // Runs `driver` as a preview: detection and reads only.
+    SaveBackPreview Preview(const std::function<int()>& driver);
+
+    // What a driver does besides its families goes through these, so that a preview records
+    // it and an all-or-nothing run holds the flags back until the commit.
+    template <typename... Args>
+    void Show(int level, const char* format, Args... args) const
+    {
+        Say(level, FormatText(format, args...));
+    }
+    void Say(int level, const QByteArray& text, const QString& why = QString()) const;
+    // SetBakTabModifyFlag on `base` (nothing when it is null).
+    void Flag(CDatabase* base, int tableType) const;
+    // A checked statement that writes a base table: on failure the failure text, false.
+    bool ExecWrite(QSqlQuery& query, const QByteArray& sql) const;
+    // A statement that writes a base table, whose failure the caller reports.
+    bool SendWrite(QSqlQuery& query, const QByteArray& sql) const;
+
+    // True when MariaDB ends an open transaction before running `sql` (DDL, locks, a new
+    // transaction), by its first words: a plain DROP TABLE does so even for a temporary
+    // table, CREATE/DROP TEMPORARY TABLE do not, CREATE INDEX always does.
+    static bool EndsTransaction(const QByteArray& sql);
+
 private:
+    enum class RunKind {
+        Save,         // the design's run
+        Collect,      // all-or-nothing, before the transaction: statements noted, none sent
+        AllOrNothing, // all-or-nothing, the run itself
+        Preview,
+    };
+    enum class WriteRole { Addition, Orphan, Change };
+    struct Hoisted
+    {
+        bool ok = false;
+        int rows = 0;
+        QString error;
+    };
+    // The bookkeeping of one run under an option; empty for the design's run.
+    struct RunState
+    {
+        RunKind kind = RunKind::Save;
+        bool inTransaction = false;
+        bool failed = false;                    // a checked statement failed
+        std::vector<QByteArray> toHoist;         // Collect: creates to run before the transaction
+        std::map<QByteArray, Hoisted> hoisted;   // their outcomes, used where the run meets them
+        std::vector<QByteArray> deferred;        // statements that end a transaction, for after it
+        std::vector<std::pair<QByteArray, bool>> created; // tables made (name, temporary)
+        std::vector<std::pair<CDatabase*, int>> flags;   // raised after the commit
+        SaveBackPreview* preview = nullptr;
+    };
+
+    int RunAllOrNothing(const std::function<int()>& driver);
+    // A checked statement of a family: a hoisted one's outcome is taken, not sent again.
+    bool Step(QSqlQuery& query, const QByteArray& sql, int& rows) const;
+    bool Write(QSqlQuery& query, const QByteArray& sql, WriteRole role, bool report) const;
+    bool PreviewWrite(const QByteArray& sql, WriteRole role, QString& why) const;
+    bool PreviewAdditions(const QByteArray& sql, bool orphan, QString& why) const;
+    bool PreviewChanges(const std::vector<QByteArray>& updates) const;
+    void Fail(const QByteArray& sql, const QString& why) const;
+    // Drops what the run made and did not drop itself, with the options' own statements.
+    void DropCreated() const;
+
     QSqlDatabase* m_pDB;
     const char* m_failure;
     SaveStatementMode m_mode = SaveStatementMode::Faithful;
+    bool m_allOrNothing = false;
+    mutable RunState m_run;
 };

@@ -32,6 +32,15 @@ public:
     // faithful (the default) stops the run there, mended sends the intended statement.
     void SetStatementMode(SaveStatementMode mode) { m_saveBack.SetStatementMode(mode); }
     SaveStatementMode StatementMode() const { return m_saveBack.StatementMode(); }
+    // All-or-nothing (off by default): SaveLDataToBaseDB runs in one transaction on the
+    // connection and undoes everything when any family fails; it refuses a connection that
+    // is inside a transaction already. The change flags are raised after the commit.
+    void SetAllOrNothing(bool on) { m_saveBack.SetAllOrNothing(on); }
+    bool AllOrNothing() const { return m_saveBack.AllOrNothing(); }
+    // What SaveLDataToBaseDB would do with these arguments, in this statement mode, found by
+    // its own detection statements and without writing a base table; the transfer's counts
+    // and new-node map stay as they were.
+    SaveBackPreview PreviewLDataToBaseDB(QString groupName, bool newGroup);
 
     // Counters: after extraction the LF_CASE counts, after save-back the changed elements.
     int Nbus = 0, Ngenerat = 0, Nload = 0, Nacline = 0, Ndcline = 0, Ntrans = 0, Nswitch = 0;
@@ -63,6 +72,9 @@ private:
     int ImportLKDataFromBaseDB();
     int AddNewNode(const QString& name);
 
+    // The save-back's driver, which the save-back, its all-or-nothing run and the preview
+    // run alike.
+    int RunSaveBack(const QString& groupName, bool newGroup);
     // Save-back families, each 0 or 1.
     int RunSaveFamily(const SaveBackFamily& family, int& counter);
     int SaveL1DataToBaseDB();

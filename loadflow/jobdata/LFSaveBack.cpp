@@ -60,11 +60,40 @@ int CLFCalDataTransfer::RunSaveFamily(const SaveBackFamily& family, int& counter
 int CLFCalDataTransfer::SaveLDataToBaseDB(QString groupName, bool newGroup)
 {
     CRunTimeLog frame("SaveLDataToBaseDB");
+    return m_saveBack.Save([&] { return RunSaveBack(groupName, newGroup); });
+}
+
+SaveBackPreview CLFCalDataTransfer::PreviewLDataToBaseDB(QString groupName, bool newGroup)
+{
+    CRunTimeLog frame("PreviewLDataToBaseDB");
+    const int counts[] = {Nbus, Ngenerat, Nload, Nacline, Ndcline, Ntrans, Nswitch};
+    const QString lastGroup = m_strGroupName;
+    const bool lastNewGroup = m_bNewGroup;
+    const int lastNewElements = m_nNewElements;
+    const QMap<QString, int> nodes = m_NewNodes;
+
+    SaveBackPreview preview = m_saveBack.Preview([&] { return RunSaveBack(groupName, newGroup); });
+    preview.groupName = groupName;
+    preview.newGroup = newGroup;
+
+    int* const counters[] = {&Nbus, &Ngenerat, &Nload, &Nacline, &Ndcline, &Ntrans, &Nswitch};
+    for (int k = 0; k < 7; ++k) {
+        *counters[k] = counts[k];
+    }
+    m_strGroupName = lastGroup;
+    m_bNewGroup = lastNewGroup;
+    m_nNewElements = lastNewElements;
+    m_NewNodes = nodes;
+    return preview;
+}
+
+int CLFCalDataTransfer::RunSaveBack(const QString& groupName, bool newGroup)
+{
     m_strGroupName = groupName;
     m_bNewGroup = newGroup;
     Nbus = Ngenerat = Nload = Nacline = Ndcline = Ntrans = Nswitch = 0;
     m_nNewElements = 0;
-    const int saved = CSaveBackPattern::RunSteps(
+    const int saved = m_saveBack.RunSteps(
         {
             {[this] { return SaveL2DataToAC(); }, &Nacline, false, MSG_AC_COUNT, CDB_TYPE_ACLINE},
             {[this] { return SaveL2DataToPCR(); }, &Nacline, true, MSG_PCR_COUNT, CDB_TYPE_PCAPREA},
@@ -86,27 +115,25 @@ int CLFCalDataTransfer::SaveLDataToBaseDB(QString groupName, bool newGroup)
         },
         m_pBaseDB);
     if (saved != CALC_OK) {
-        return CALC_FAIL; // the families before stay saved and flagged
+        return CALC_FAIL; // the families before stay saved and flagged, but under all-or-nothing
     }
     const int total = Nacline + Ntrans + Ndcline + Ngenerat + Nload + Nswitch;
-    ShowMessagef(MSG_PROGRESS, MSG_TOTAL, total);
-    ShowMessagef(MSG_PROGRESS, MSG_NEW_TOTAL, m_nNewElements);
+    m_saveBack.Show(MSG_PROGRESS, MSG_TOTAL, total);
+    m_saveBack.Show(MSG_PROGRESS, MSG_NEW_TOTAL, m_nNewElements);
     if (m_nNewElements > 0 || (m_bNewGroup && total > 0)) {
         const QByteArray group = m_strGroupName.toLocal8Bit();
         QSqlQuery q(*m_pDB);
-        if (!m_saveBack.Send(q, FormatText(SQL_ADD_GROUP, "CDB_DATAGROUP", WORKING_COPY,
-                                           SqlText(m_pDB, group).constData()))) {
-            ShowMessagef(MSG_GROUP_FAIL, MSG_ADD_GROUP, group.constData());
+        if (!m_saveBack.SendWrite(q, FormatText(SQL_ADD_GROUP, "CDB_DATAGROUP", WORKING_COPY,
+                                                SqlText(m_pDB, group).constData()))) {
+            m_saveBack.Show(MSG_GROUP_FAIL, MSG_ADD_GROUP, group.constData());
             return CALC_FAIL;
         }
-        if (m_pBaseDB) {
-            m_pBaseDB->SetBakTabModifyFlag(CDB_TYPE_DATAGROUP);
-        }
+        m_saveBack.Flag(m_pBaseDB, CDB_TYPE_DATAGROUP);
     }
     SaveL1DataToBaseDB();
-    if (m_nNewElements > 0 && m_pBaseDB) {
+    if (m_nNewElements > 0) {
         for (int flag : {CDB_TYPE_NODE, CDB_TYPE_BUS, CDB_TYPE_PSTATION, CDB_TYPE_ZONE}) {
-            m_pBaseDB->SetBakTabModifyFlag(flag);
+            m_saveBack.Flag(m_pBaseDB, flag);
         }
     }
     return CALC_OK;
@@ -138,7 +165,7 @@ int CLFCalDataTransfer::SaveL1DataToBaseDB()
                 {m_saveBack.Text(SQL_NEW_STATIONS, SQL_NEW_STATIONS_MENDED), "CDB_PSTATION"},
                 {m_saveBack.Text(SQL_NEW_ZONES, SQL_NEW_ZONES_MENDED), "CDB_ZONE"}};
     for (const auto& a : adds) {
-        if (!m_saveBack.Exec(
+        if (!m_saveBack.ExecWrite(
                 q, FormatText(a.sql, a.table, WORKING_COPY, m_nJobNumber, a.table, WORKING_COPY))) {
             return CALC_FAIL;
         }

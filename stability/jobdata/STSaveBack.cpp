@@ -33,7 +33,7 @@ int CSTCalDataTransfer::SaveSDataToBaseDB(QString groupName, bool newGroup)
     m_bNewGroup = newGroup;
     Nbus = Nacline = Ntrans = Ndcline = Ngenerat = Nload = Nsvc = 0;
     m_nReserved = 0;
-    const int saved = CSaveBackPattern::RunSteps(
+    const int saved = m_saveBack.RunSteps(
         {
             {[this] { return SaveS2DataToAC(); }, &Nacline, false, MSG_AC_COUNT, CDB_TYPE_ACLINE},
             {[this] { return SaveS2DataToPCR(); }, &Nacline, true, MSG_PCR_COUNT, CDB_TYPE_PCAPREA},

@@ -1,0 +1,240 @@
+#include "common/SaveBackStatementText.h"
+
+#include <QRegularExpression>
+#include <QString>
+
+namespace sbtext {
+
+namespace {
+
+// The first `n` words, lower case; a word ends at a blank or an opening parenthesis.
+QList<QByteArray> Words(const QByteArray& sql, int n)
+{
+    QList<QByteArray> words;
+    int i = 0;
+    const int size = sql.size();
+    while (words.size() < n && i < size) {
+        while (i < size && QChar::isSpace(uchar(sql[i]))) {
+            ++i;
+        }
+        const int start = i;
+        while (i < size && !QChar::isSpace(uchar(sql[i])) && sql[i] != '(') {
+            ++i;
+        }
+        if (i == start) {
+            break;
+        }
+        words.append(sql.mid(start, i - start).toLower());
+    }
+    return words;
+}
+
+// The commas of `text` outside parentheses and quotes, plus one: the items of a list.
+int Items(const QByteArray& text)
+{
+    int depth = 0, items = 1;
+    char quote = 0;
+    for (int i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (quote) {
+            if (c == '\\') {
+                ++i;
+            } else if (c == quote) {
+                quote = 0;
+            }
+        } else if (c == '\'' || c == '"' || c == '`') {
+            quote = c;
+        } else if (c == '(') {
+            ++depth;
+        } else if (c == ')') {
+            --depth;
+        } else if (c == ',' && depth == 0) {
+            ++items;
+        }
+    }
+    return items;
+}
+
+// Where a top-level word starts in `text` (outside parentheses and quotes), or -1.
+int TopLevelWord(const QByteArray& text, const char* word)
+{
+    const QByteArray lower = text.toLower();
+    const int length = int(qstrlen(word));
+    int depth = 0;
+    char quote = 0;
+    for (int i = 0; i < lower.size(); ++i) {
+        const char c = lower[i];
+        if (quote) {
+            if (c == '\\') {
+                ++i;
+            } else if (c == quote) {
+                quote = 0;
+            }
+        } else if (c == '\'' || c == '"' || c == '`') {
+            quote = c;
+        } else if (c == '(') {
+            ++depth;
+        } else if (c == ')') {
+            --depth;
+        } else if (depth == 0 && lower.mid(i, length) == word &&
+                   (i == 0 || !QChar::isLetterOrNumber(uchar(lower[i - 1]))) &&
+                   (i + length >= lower.size() || !QChar::isLetterOrNumber(uchar(lower[i + length])))) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+} // namespace
+
+bool EndsTransaction(const QByteArray& sql)
+{
+    const QList<QByteArray> w = Words(sql, 3);
+    if (w.isEmpty()) {
+        return false;
+    }
+    const QByteArray& first = w[0];
+    const QByteArray second = w.size() > 1 ? w[1] : QByteArray();
+    if (first == "create" || first == "drop") {
+        // CREATE/DROP TEMPORARY TABLE keep the transaction; everything else of the kind
+        // (tables, indexes, views, routines) ends it, a plain DROP TABLE of a temporary
+        // table too.
+        return second != "temporary";
+    }
+    if (first == "start") {
+        return second == "transaction" || second == "slave" || second == "replica";
+    }
+    if (first == "load") {
+        return second == "index";
+    }
+    if (first == "set") {
+        return second == "password" || second.startsWith("autocommit") ||
+               second.startsWith("@@autocommit");
+    }
+    static const char* const ending[] = {"alter",  "analyze", "begin",   "cache",  "change",
+                                         "check",  "flush",   "grant",   "lock",   "optimize",
+                                         "rename", "repair",  "reset",   "revoke", "shutdown",
+                                         "stop",   "truncate", "unlock"};
+    for (const char* e : ending) {
+        if (first == e) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool CreatedTable(const QByteArray& sql, QByteArray& table, bool& temporary)
+{
+    const QList<QByteArray> w = Words(sql, 4);
+    if (w.size() < 3 || w[0] != "create") {
+        return false;
+    }
+    temporary = w[1] == "temporary";
+    const int at = temporary ? 2 : 1;
+    if (w.size() <= at + 1 || w[at] != "table") {
+        return false;
+    }
+    // The name in its own spelling.
+    const QList<QByteArray> original = [&] {
+        QList<QByteArray> out;
+        for (const QByteArray& part : sql.simplified().split(' ')) {
+            out.append(part.left(part.indexOf('(') < 0 ? part.size() : part.indexOf('(')));
+        }
+        return out;
+    }();
+    table = original.value(at + 1);
+    return !table.isEmpty();
+}
+
+bool DroppedTable(const QByteArray& sql, QByteArray& table)
+{
+    const QList<QByteArray> original = sql.simplified().split(' ');
+    int at = 0;
+    auto word = [&](int k) { return original.value(k).toLower(); };
+    if (word(at) != "drop") {
+        return false;
+    }
+    ++at;
+    if (word(at) == "temporary") {
+        ++at;
+    }
+    if (word(at) != "table") {
+        return false;
+    }
+    ++at;
+    if (word(at) == "if" && word(at + 1) == "exists") {
+        at += 2;
+    }
+    table = original.value(at);
+    return !table.isEmpty();
+}
+
+bool SameTable(const QByteArray& a, const QByteArray& b)
+{
+    return a.toLower() == b.toLower();
+}
+
+bool ParseInsert(const QByteArray& sql, Insert& out)
+{
+    static const QRegularExpression head(QStringLiteral("^\\s*insert\\s+into\\s+([^\\s(]+)\\s*\\("),
+                                         QRegularExpression::CaseInsensitiveOption);
+    const QString text = QString::fromLocal8Bit(sql);
+    const QRegularExpressionMatch m = head.match(text);
+    if (!m.hasMatch()) {
+        return false;
+    }
+    const int open = m.capturedEnd(0);
+    const int close = text.indexOf(QLatin1Char(')'), open);
+    if (close < 0) {
+        return false;
+    }
+    out.table = m.captured(1).toLocal8Bit();
+    out.columns.clear();
+    for (const QString& c : text.mid(open, close - open).split(QLatin1Char(','))) {
+        out.columns.append(c.trimmed().toLocal8Bit());
+    }
+    const QByteArray rest = text.mid(close + 1).trimmed().toLocal8Bit();
+    const QByteArray lower = rest.toLower();
+    if (lower.startsWith("select")) {
+        out.select = rest;
+        const int from = TopLevelWord(rest, "from");
+        out.values = Items(rest.mid(6, from < 0 ? -1 : from - 6));
+        return true;
+    }
+    if (lower.startsWith("values")) {
+        const int first = rest.indexOf('(');
+        const int last = rest.lastIndexOf(')');
+        if (first < 0 || last <= first) {
+            return false;
+        }
+        const QByteArray values = rest.mid(first + 1, last - first - 1);
+        out.select = "select " + values;
+        out.values = Items(values);
+        return true;
+    }
+    return false;
+}
+
+bool ParseUpdate(const QByteArray& sql, Update& out)
+{
+    static const QRegularExpression shape(
+        QStringLiteral("^\\s*update\\s+(\\S+)\\s+a\\s*,\\s*(\\S+)\\s+b\\s+set\\s+(.*)\\s+where\\s+(.*)$"),
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression assignment(QStringLiteral("(?:\\ba\\.)?\\b(\\w+)\\s*=\\s*b\\.(\\w+)"));
+    const QRegularExpressionMatch m = shape.match(QString::fromLocal8Bit(sql));
+    if (!m.hasMatch()) {
+        return false;
+    }
+    out.table = m.captured(1).toLocal8Bit();
+    out.temp = m.captured(2).toLocal8Bit();
+    out.where = m.captured(4).trimmed().toLocal8Bit();
+    out.assignments.clear();
+    auto it = assignment.globalMatch(m.captured(3));
+    while (it.hasNext()) {
+        const QRegularExpressionMatch a = it.next();
+        out.assignments.append({a.captured(1).toLocal8Bit(), a.captured(2).toLocal8Bit()});
+    }
+    return !out.assignments.isEmpty();
+}
+
+} // namespace sbtext

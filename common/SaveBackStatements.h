@@ -1,0 +1,47 @@
+#pragma once
+// Statements and messages of the save-back's two options, beside the transfers' own
+// statements: the all-or-nothing run (one server transaction on the caller's connection)
+// and the preview (the save-back's detection statements into temporary tables, then reads
+// of them). The families' statements themselves stay in the transfers' headers, unchanged.
+
+namespace sbo {
+
+// ---- All-or-nothing ----
+constexpr const char* SQL_IN_TRANSACTION = "select @@in_transaction";
+constexpr const char* SQL_START_TRANSACTION = "start transaction";
+constexpr const char* SQL_COMMIT = "commit";
+constexpr const char* SQL_ROLLBACK = "rollback";
+// After a rollback: the server warns (code 1196) when a table it changed is not
+// transactional, so that not everything was undone.
+constexpr const char* SQL_SHOW_WARNINGS = "show warnings";
+constexpr int WARNING_NOT_ROLLED_BACK = 1196;
+
+constexpr const char* MSG_IN_CALLERS_TRANSACTION =
+    "连接上有未结束的事务，不能在其中以全部或全不方式回存，未作任何修改。";
+constexpr const char* MSG_ENDS_TRANSACTION =
+    "该语句会结束事务，不能在全部或全不方式的回存中执行：%s";
+constexpr const char* MSG_NOTHING_SAVED = "回存失败，已全部撤销，基础库未保存任何修改。";
+constexpr const char* MSG_NOT_ALL_UNDONE =
+    "回存失败，已撤销事务中的修改，但服务器报告有非事务表的修改无法撤销。";
+
+// ---- Preview ----
+// The changes of one in-place update: the base row's id and name, then for each of the
+// update's assignments the base column, the new value and whether they are equal
+// ("a.X, b.Y, a.X<=>b.Y"), from the update's own tables and condition.
+constexpr const char* SQL_PREVIEW_CHANGES = "select a.id, a.ID_Name, %s from %s a, %s b where %s";
+// A write the preview does not run is checked by the server all the same: parsed and its
+// names resolved, not executed.
+constexpr const char* SQL_PREVIEW_PREPARE = "prepare calcdata_preview from %s";
+constexpr const char* SQL_PREVIEW_DEALLOCATE = "deallocate prepare calcdata_preview";
+// The preview's own clean-up of the tables its detection made: never ends a transaction
+// when the table is temporary.
+constexpr const char* SQL_DROP_TEMPORARY = "drop temporary table if exists %s";
+constexpr const char* SQL_DROP_WORKING = "drop table if exists %s";
+
+constexpr const char* MSG_PREVIEW_IN_CALLERS_TRANSACTION =
+    "预览需执行会结束事务的语句，而连接上有未结束的事务，预览在此停止：%s";
+constexpr const char* MSG_PREVIEW_UNREADABLE = "预览无法从该语句读出变化：%s";
+constexpr const char* MSG_PREVIEW_DUPLICATE_COLUMN = "列 %s 在插入语句中出现两次";
+constexpr const char* MSG_PREVIEW_COLUMN_COUNT = "插入语句的列数 %d 与值的个数 %d 不符";
+
+} // namespace sbo
