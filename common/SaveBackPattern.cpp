@@ -192,6 +192,10 @@ bool CSaveBackPattern::Write(QSqlQuery& query, const QByteArray& sql, WriteRole 
         return false;
     }
     default:
+        if (!Undoable(sql)) {
+            m_run.failed = true;
+            return false;
+        }
         if (report) {
             return Exec(query, sql);
         }
@@ -201,6 +205,27 @@ bool CSaveBackPattern::Write(QSqlQuery& query, const QByteArray& sql, WriteRole 
         }
         return true;
     }
+}
+
+bool CSaveBackPattern::Undoable(const QByteArray& sql) const
+{
+    QByteArray table;
+    if (m_run.kind != RunKind::AllOrNothing || !sbtext::WrittenTable(sql, table)) {
+        return true;
+    }
+    const QByteArray key = table.toLower();
+    auto known = m_run.transactional.find(key);
+    if (known == m_run.transactional.end()) {
+        QSqlQuery q(*m_pDB);
+        // A table the catalogue does not show (a temporary one) is let through.
+        const bool undoable = !Send(q, FormatText(SQL_TRANSACTIONAL, table.constData())) ||
+                              !q.next() || q.value(0).toString() == QLatin1String("YES");
+        known = m_run.transactional.emplace(key, undoable).first;
+    }
+    if (!known->second) {
+        Show(MSG_ERROR, MSG_NOT_TRANSACTIONAL, table.constData());
+    }
+    return known->second;
 }
 
 bool CSaveBackPattern::ExecWrite(QSqlQuery& query, const QByteArray& sql) const

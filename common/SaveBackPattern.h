@@ -172,6 +172,7 @@ private:
         std::vector<QByteArray> deferred;        // statements that end a transaction, for after it
         std::vector<std::pair<QByteArray, bool>> created; // tables made (name, temporary)
         std::vector<std::pair<CDatabase*, int>> flags;   // raised after the commit
+        std::map<QByteArray, bool> transactional;        // tables written, by lower-case name
         SaveBackPreview* preview = nullptr;
     };
 
@@ -179,6 +180,9 @@ private:
     // A checked statement of a family: a hoisted one's outcome is taken, not sent again.
     bool Step(QSqlQuery& query, const QByteArray& sql, int& rows) const;
     bool Write(QSqlQuery& query, const QByteArray& sql, WriteRole role, bool report) const;
+    // All-or-nothing: false, with the reason shown, when `sql` writes a table that a
+    // rollback cannot undo.
+    bool Undoable(const QByteArray& sql) const;
     bool PreviewWrite(const QByteArray& sql, WriteRole role, QString& why) const;
     bool PreviewAdditions(const QByteArray& sql, bool orphan, QString& why) const;
     bool PreviewChanges(const std::vector<QByteArray>& updates) const;

@@ -115,6 +115,9 @@ bool CSaveBackPattern::PreviewChanges(const std::vector<QByteArray>& updates) co
 {
     // One value per base row and column: where several updates assign it (the windings of a
     // three-winding transformer each set Valid), the last one stands, as in the base row.
+    // A family with one update has nothing to merge, and most of a changed row's columns are
+    // equal: their values are not even fetched.
+    const bool merge = updates.size() > 1;
     struct Value
     {
         SaveBackChange change;
@@ -131,8 +134,8 @@ bool CSaveBackPattern::PreviewChanges(const std::vector<QByteArray>& updates) co
         }
         QByteArray columns;
         for (const auto& a : update.assignments) {
-            columns += (columns.isEmpty() ? "" : ", ") + ("a." + a.first) + ", b." + a.second +
-                       ", a." + a.first + "<=>b." + a.second;
+            columns += (columns.isEmpty() ? "" : ", ") + ("a." + a.first) + "<=>b." + a.second +
+                       ", a." + a.first + ", b." + a.second;
         }
         QSqlQuery q(*m_pDB);
         q.setForwardOnly(true);
@@ -146,20 +149,33 @@ bool CSaveBackPattern::PreviewChanges(const std::vector<QByteArray>& updates) co
             return false;
         }
         const QString family = QString::fromLocal8Bit(update.table);
+        QStringList fields;
+        for (const auto& a : update.assignments) {
+            fields << QString::fromLocal8Bit(a.first);
+        }
         while (q.next()) {
             const qlonglong id = q.value(0).toLongLong();
-            const QString element = Shown(q.value(1)).toString();
-            for (int k = 0; k < update.assignments.size(); ++k) {
-                const QString field = QString::fromLocal8Bit(update.assignments[k].first);
-                const QString key = QString::number(id) + QLatin1Char('\n') + field.toLower();
-                auto found = at.find(key);
-                if (found == at.end()) {
-                    found = at.insert(key, int(values.size()));
-                    values.push_back({{family, element, id, field, Shown(q.value(2 + 3 * k)), {}}, true});
+            QString element;
+            for (int k = 0; k < fields.size(); ++k) {
+                const bool same = q.value(2 + 3 * k).toInt() != 0;
+                const QString key =
+                    merge ? QString::number(id) + QLatin1Char('\n') + fields[k].toLower() : QString();
+                auto found = merge ? at.find(key) : at.end();
+                if (same && found == at.end()) {
+                    continue;
                 }
-                Value& v = values[*found];
-                v.change.newValue = Shown(q.value(3 + 3 * k));
-                v.same = q.value(4 + 3 * k).toInt() != 0;
+                if (element.isNull()) {
+                    element = Shown(q.value(1)).toString();
+                }
+                if (found == at.end()) {
+                    if (merge) {
+                        found = at.insert(key, int(values.size()));
+                    }
+                    values.push_back({{family, element, id, fields[k], Shown(q.value(3 + 3 * k)), {}}, true});
+                }
+                Value& v = merge ? values[*found] : values.back();
+                v.change.newValue = Shown(q.value(4 + 3 * k));
+                v.same = same;
             }
         }
     }

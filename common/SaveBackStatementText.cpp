@@ -169,6 +169,23 @@ bool DroppedTable(const QByteArray& sql, QByteArray& table)
     return !table.isEmpty();
 }
 
+bool WrittenTable(const QByteArray& sql, QByteArray& table)
+{
+    const QList<QByteArray> w = Words(sql, 3);
+    if (w.size() >= 3 && w[0] == "insert" && w[1] == "into") {
+        table = sql.simplified().split(' ').value(2);
+    } else if (w.size() >= 2 && w[0] == "update") {
+        table = sql.simplified().split(' ').value(1);
+    } else {
+        return false;
+    }
+    const int paren = table.indexOf('(');
+    if (paren >= 0) {
+        table.truncate(paren);
+    }
+    return !table.isEmpty();
+}
+
 bool SameTable(const QByteArray& a, const QByteArray& b)
 {
     return a.toLower() == b.toLower();

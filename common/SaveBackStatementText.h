@@ -15,6 +15,8 @@ bool EndsTransaction(const QByteArray& sql);
 bool CreatedTable(const QByteArray& sql, QByteArray& table, bool& temporary);
 // "drop [temporary] table [if exists] NAME".
 bool DroppedTable(const QByteArray& sql, QByteArray& table);
+// The table an insert ("insert into NAME(") or an update ("update NAME a, ...") writes.
+bool WrittenTable(const QByteArray& sql, QByteArray& table);
 // Table names as this server compares them (lower_case_table_names=1).
 bool SameTable(const QByteArray& a, const QByteArray& b);
 

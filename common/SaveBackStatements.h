@@ -16,6 +16,13 @@ constexpr const char* SQL_ROLLBACK = "rollback";
 constexpr const char* SQL_SHOW_WARNINGS = "show warnings";
 constexpr int WARNING_NOT_ROLLED_BACK = 1196;
 
+// Before the run's first write of a table: whether its engine can roll back.
+constexpr const char* SQL_TRANSACTIONAL =
+    "select e.TRANSACTIONS from information_schema.TABLES t, information_schema.ENGINES e where "
+    "e.ENGINE=t.ENGINE and t.TABLE_SCHEMA=database() and lower(t.TABLE_NAME)=lower('%s')";
+
+constexpr const char* MSG_NOT_TRANSACTIONAL =
+    "数据表 %s 不是事务表（须为 InnoDB），不能以全部或全不方式回存。";
 constexpr const char* MSG_IN_CALLERS_TRANSACTION =
     "连接上有未结束的事务，不能在其中以全部或全不方式回存，未作任何修改。";
 constexpr const char* MSG_ENDS_TRANSACTION =
@@ -26,8 +33,8 @@ constexpr const char* MSG_NOT_ALL_UNDONE =
 
 // ---- Preview ----
 // The changes of one in-place update: the base row's id and name, then for each of the
-// update's assignments the base column, the new value and whether they are equal
-// ("a.X, b.Y, a.X<=>b.Y"), from the update's own tables and condition.
+// update's assignments whether the base column and the new value are equal, the one and the
+// other ("a.X<=>b.Y, a.X, b.Y"), from the update's own tables and condition.
 constexpr const char* SQL_PREVIEW_CHANGES = "select a.id, a.ID_Name, %s from %s a, %s b where %s";
 // A write the preview does not run is checked by the server all the same: parsed and its
 // names resolved, not executed.
