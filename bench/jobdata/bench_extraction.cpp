@@ -1,5 +1,6 @@
 // Extraction of a synthetic network by calculation scheme into job 0, and the whole
-// save-back of the job, against the private MariaDB (eval "$(scripts/db.sh env)" first).
+// save-back of the job with its preview and its all-or-nothing run, against the private
+// MariaDB (eval "$(scripts/db.sh env)" first).
 
 #include "SampleNetwork.h"
 #include "ServerConnection.h"
@@ -7,7 +8,9 @@
 
 #include <QElapsedTimer>
 #include <QSqlQuery>
+#include <algorithm>
 #include <benchmark/benchmark.h>
+#include <string>
 #include <vector>
 
 namespace {
@@ -58,21 +61,19 @@ BENCHMARK(BM_ExtractSynthetic)
     ->Iterations(3)
     ->UseRealTime();
 
-// The whole save-back of the job, in the mended statement mode, into a new group: 10 % of
-// the rows of every job table changed beyond the tolerance and 1 % made orphans (their
-// base rows gone), every family run to its end, the group's row and the orphans' nodes.
-void BM_SaveBack(benchmark::State& state)
+// The synthetic network with every family in group G, extracted into job 0, with 10 % of
+// the rows of every job table changed beyond the tolerance and 1 % made orphans (their base
+// rows gone). False when something could not be made.
+bool PrepareChangedJob(dbserver::ScratchDatabase& scratch, int nodes)
 {
-    dbserver::ScratchDatabase scratch(QStringLiteral("bench"));
     QString error;
-    const samples::Network net = samples::MakeSyntheticNetwork(static_cast<int>(state.range(0)));
+    const samples::Network net = samples::MakeSyntheticNetwork(nodes);
     char scheme[] = "SCH";
     QSqlQuery q(*scratch.db());
     if (!scratch.ok() || !samples::WriteNetworkToBaseDb(scratch.db(), net, "G", "SCH", error) ||
         !samples::AddOtherFamilies(scratch.db(), "G", error) ||
         CLFCalDataTransfer(0, scheme, scratch.db(), nullptr).ImportLDataFromBaseDB() != 0) {
-        state.SkipWithError("the network could not be prepared");
-        return;
+        return false;
     }
     for (const char* sql :
          {"UPDATE L2_0 SET X1=X1*1.01 WHERE MOD(EleID,10)=0",
@@ -88,23 +89,44 @@ void BM_SaveBack(benchmark::State& state)
           "UPDATE L6_0 SET EleID=EleID+100000000 WHERE MOD(EleID,100)=1",
           "UPDATE LK_0 SET EleID=EleID+100000000 WHERE MOD(EleID,100)=1"}) {
         if (!q.exec(sql)) {
-            state.SkipWithError("the job could not be changed");
-            return;
+            return false;
         }
     }
-    const char* tables[] = {"CDB_ACLINEBAK",  "CDB_PCAPREABAK", "CDB_SCAPREABAK",
-                            "CDB_TRANS_2WBAK", "CDB_SHIFTBAK",   "CDB_TRANS_3WBAK",
-                            "CDB_DCLINEBAK",  "CDB_GENERATBAK", "CDB_LOADBAK",
-                            "CDB_BREAKERBAK", "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK"};
+    return true;
+}
+
+const char* const kGroupTables[] = {"CDB_ACLINEBAK",  "CDB_PCAPREABAK", "CDB_SCAPREABAK",
+                                    "CDB_TRANS_2WBAK", "CDB_SHIFTBAK",   "CDB_TRANS_3WBAK",
+                                    "CDB_DCLINEBAK",  "CDB_GENERATBAK", "CDB_LOADBAK",
+                                    "CDB_BREAKERBAK", "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK"};
+
+// Removes what a save-back into group NEW wrote, so that the next run starts from the same
+// base rows.
+void RemoveGroup(QSqlQuery& q)
+{
+    for (const char* t : kGroupTables) {
+        q.exec(QString("DELETE FROM %1 WHERE GrpName='NEW'").arg(t));
+    }
+}
+
+// The whole save-back of the job, in the mended statement mode, into a new group: every
+// family run to its end, the group's row and the orphans' nodes.
+void BM_SaveBack(benchmark::State& state)
+{
+    dbserver::ScratchDatabase scratch(QStringLiteral("bench"));
+    char scheme[] = "SCH";
+    QSqlQuery q(*scratch.db());
+    if (!PrepareChangedJob(scratch, static_cast<int>(state.range(0)))) {
+        state.SkipWithError("the network could not be prepared");
+        return;
+    }
     dbserver::ServerStatementTime server(scratch);
     double wall = 0, inServer = 0;
     std::vector<int> counts;
     int orphans = 0, result = -1;
     for (auto _ : state) {
         state.PauseTiming();
-        for (const char* t : tables) {
-            q.exec(QString("DELETE FROM %1 WHERE GrpName='NEW'").arg(t));
-        }
+        RemoveGroup(q);
         server.reset();
         state.ResumeTiming();
         QElapsedTimer timer;
@@ -143,5 +165,65 @@ BENCHMARK(BM_SaveBack)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(2)
     ->UseRealTime();
+
+// The save-back's options against the ordinary save-back on the same job, in the same run:
+// each iteration times the ordinary save-back, its preview and its all-or-nothing run (in
+// an order that turns from one iteration to the next, since the machine is shared), each on
+// the same base rows. The counters are the ratios to the ordinary save-back: their median,
+// least and greatest over the iterations.
+void BM_SaveBackOptions(benchmark::State& state)
+{
+    dbserver::ScratchDatabase scratch(QStringLiteral("bench"));
+    char scheme[] = "SCH";
+    QSqlQuery q(*scratch.db());
+    if (!PrepareChangedJob(scratch, static_cast<int>(state.range(0)))) {
+        state.SkipWithError("the network could not be prepared");
+        return;
+    }
+    enum { Ordinary, Preview, AllOrNothing };
+    std::vector<double> previewRatio, wholeRatio, ordinarySeconds;
+    bool ok = true;
+    int turn = 0;
+    for (auto _ : state) {
+        double seconds[3] = {0, 0, 0};
+        for (int k = 0; k < 3; ++k) {
+            const int kind = (k + turn) % 3;
+            CLFCalDataTransfer job(0, scheme, scratch.db(), nullptr);
+            job.SetStatementMode(SaveStatementMode::Mended);
+            job.SetAllOrNothing(kind == AllOrNothing);
+            QElapsedTimer timer;
+            timer.start();
+            if (kind == Preview) {
+                const SaveBackPreview p = job.PreviewLDataToBaseDB("NEW", true);
+                ok &= p.result == 0 && !p.changes.empty();
+            } else {
+                ok &= job.SaveLDataToBaseDB("NEW", true) == 0;
+            }
+            seconds[kind] = timer.nsecsElapsed() / 1e9;
+            state.PauseTiming();
+            RemoveGroup(q);
+            state.ResumeTiming();
+        }
+        ++turn;
+        ordinarySeconds.push_back(seconds[Ordinary]);
+        previewRatio.push_back(seconds[Preview] / seconds[Ordinary]);
+        wholeRatio.push_back(seconds[AllOrNothing] / seconds[Ordinary]);
+    }
+    if (!ok) {
+        state.SkipWithError("a run did not come to its end");
+        return;
+    }
+    auto spread = [&](const char* name, std::vector<double> v) {
+        std::sort(v.begin(), v.end());
+        state.counters[std::string(name) + "_median"] = v[v.size() / 2];
+        state.counters[std::string(name) + "_min"] = v.front();
+        state.counters[std::string(name) + "_max"] = v.back();
+    };
+    spread("ordinary_s", ordinarySeconds);
+    spread("preview_ratio", previewRatio);
+    spread("all_or_nothing_ratio", wholeRatio);
+}
+BENCHMARK(BM_SaveBackOptions)->Arg(10000)->Iterations(7)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_SaveBackOptions)->Arg(100000)->Iterations(5)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace
