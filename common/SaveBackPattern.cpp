@@ -37,9 +37,8 @@ bool CSaveBackPattern::Send(QSqlQuery& query, const QByteArray& sql) const
             // Only a detection statement that makes a working table of its own gets here.
             QSqlQuery in(*m_pDB);
             if (!Send(in, SQL_IN_TRANSACTION) || !in.next() || in.value(0).toInt() != 0) {
-                m_run.preview->refused =
-                    QString::fromLocal8Bit(FormatText(MSG_PREVIEW_IN_CALLERS_TRANSACTION,
-                                                      sql.constData()));
+                m_run.preview->refused = QString::fromLocal8Bit(
+                    FormatText(MSG_PREVIEW_IN_CALLERS_TRANSACTION, sql.constData()));
                 return false;
             }
         }
@@ -117,8 +116,9 @@ void CSaveBackPattern::ExecUnchecked(const QByteArray& sql) const
             m_run.deferred.push_back(sql);
             if (sbtext::DroppedTable(sql, dropped)) {
                 auto& made = m_run.created;
-                made.erase(std::remove_if(made.begin(), made.end(),
-                                          [&](const auto& t) { return sbtext::SameTable(t.first, dropped); }),
+                made.erase(std::remove_if(
+                               made.begin(), made.end(),
+                               [&](const auto& t) { return sbtext::SameTable(t.first, dropped); }),
                            made.end());
             }
             return;
@@ -266,9 +266,9 @@ int CSaveBackPattern::Run(const SaveBackFamily& f, bool newGroup, int& counter,
         // temporary one), would commit: it runs before the transaction. That is sound
         // because a family reads its own base table and the job tables, which no earlier
         // family writes.
-        const QByteArray& make = !f.createOrphans.isEmpty()  ? f.createOrphans
-                                 : !f.changes.empty()        ? f.changes.front()
-                                                             : f.createOrphans;
+        const QByteArray& make = !f.createOrphans.isEmpty() ? f.createOrphans
+                                 : !f.changes.empty()       ? f.changes.front()
+                                                            : f.createOrphans;
         QByteArray table;
         bool temporary = true;
         if (sbtext::CreatedTable(make, table, temporary) && !temporary) {

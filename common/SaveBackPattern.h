@@ -129,8 +129,7 @@ public:
 
     // What a driver does besides its families goes through these, so that a preview records
     // it and an all-or-nothing run holds the flags back until the commit.
-    template <typename... Args>
-    void Show(int level, const char* format, Args... args) const
+    template <typename... Args> void Show(int level, const char* format, Args... args) const
     {
         Say(level, FormatText(format, args...));
     }
@@ -166,13 +165,13 @@ private:
     {
         RunKind kind = RunKind::Save;
         bool inTransaction = false;
-        bool failed = false;                    // a checked statement failed
-        std::vector<QByteArray> toHoist;         // Collect: creates to run before the transaction
-        std::map<QByteArray, Hoisted> hoisted;   // their outcomes, used where the run meets them
-        std::vector<QByteArray> deferred;        // statements that end a transaction, for after it
+        bool failed = false;                   // a checked statement failed
+        std::vector<QByteArray> toHoist;       // Collect: creates to run before the transaction
+        std::map<QByteArray, Hoisted> hoisted; // their outcomes, used where the run meets them
+        std::vector<QByteArray> deferred;      // statements that end a transaction, for after it
         std::vector<std::pair<QByteArray, bool>> created; // tables made (name, temporary)
-        std::vector<std::pair<CDatabase*, int>> flags;   // raised after the commit
-        std::map<QByteArray, bool> transactional;        // tables written, by lower-case name
+        std::vector<std::pair<CDatabase*, int>> flags;    // raised after the commit
+        std::map<QByteArray, bool> transactional;         // tables written, by lower-case name
         SaveBackPreview* preview = nullptr;
     };
 

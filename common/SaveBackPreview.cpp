@@ -7,13 +7,13 @@
 #include "common/SaveBackStatements.h"
 
 #include <QHash>
+#include <QSet>
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlField>
 #include <QSqlQuery>
 #include <QSqlRecord>
-#include <QSet>
 
 using namespace sbo;
 
@@ -139,9 +139,9 @@ bool CSaveBackPattern::PreviewChanges(const std::vector<QByteArray>& updates) co
         }
         QSqlQuery q(*m_pDB);
         q.setForwardOnly(true);
-        const QByteArray read = FormatText(SQL_PREVIEW_CHANGES, columns.constData(),
-                                           update.table.constData(), update.temp.constData(),
-                                           update.where.constData());
+        const QByteArray read =
+            FormatText(SQL_PREVIEW_CHANGES, columns.constData(), update.table.constData(),
+                       update.temp.constData(), update.where.constData());
         if (!Send(q, read)) {
             m_run.preview->refused =
                 QString::fromLocal8Bit(FormatText(MSG_PREVIEW_UNREADABLE, sql.constData())) +
@@ -159,7 +159,8 @@ bool CSaveBackPattern::PreviewChanges(const std::vector<QByteArray>& updates) co
             for (int k = 0; k < fields.size(); ++k) {
                 const bool same = q.value(2 + 3 * k).toInt() != 0;
                 const QString key =
-                    merge ? QString::number(id) + QLatin1Char('\n') + fields[k].toLower() : QString();
+                    merge ? QString::number(id) + QLatin1Char('\n') + fields[k].toLower()
+                          : QString();
                 auto found = merge ? at.find(key) : at.end();
                 if (same && found == at.end()) {
                     continue;
@@ -171,7 +172,8 @@ bool CSaveBackPattern::PreviewChanges(const std::vector<QByteArray>& updates) co
                     if (merge) {
                         found = at.insert(key, int(values.size()));
                     }
-                    values.push_back({{family, element, id, fields[k], Shown(q.value(3 + 3 * k)), {}}, true});
+                    values.push_back(
+                        {{family, element, id, fields[k], Shown(q.value(3 + 3 * k)), {}}, true});
                 }
                 Value& v = merge ? values[*found] : values.back();
                 v.change.newValue = Shown(q.value(4 + 3 * k));
@@ -214,7 +216,8 @@ QString SaveBackPreview::Report() const
     lines << (newGroup ? QStringLiteral("回存预览：变化存入数据组 %1").arg(groupName)
                        : QStringLiteral("回存预览：原位修改"));
     QStringList counts;
-    counts << QStringLiteral("变化元件 %1 个、数值 %2 项").arg(ChangedElements()).arg(changes.size());
+    counts
+        << QStringLiteral("变化元件 %1 个、数值 %2 项").arg(ChangedElements()).arg(changes.size());
     QStringList tables;
     QHash<QString, int> added;
     for (const SaveBackAddition& a : additions) {
@@ -239,7 +242,8 @@ QString SaveBackPreview::Report() const
     for (std::size_t k = 0; k < additions.size() && k < shown; ++k) {
         const SaveBackAddition& a = additions[k];
         lines << QStringLiteral("  新增 %1 %2%3")
-                     .arg(a.table, a.name, a.orphan ? QStringLiteral("（无基础库元件）") : QString());
+                     .arg(a.table, a.name,
+                          a.orphan ? QStringLiteral("（无基础库元件）") : QString());
     }
     if (additions.size() > shown) {
         lines << QStringLiteral("  ……另有新增 %1 行").arg(additions.size() - shown);

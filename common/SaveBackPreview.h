@@ -15,10 +15,10 @@
 // the data group), with both values in the base row's own unit.
 struct SaveBackChange
 {
-    QString family;  // the working copy, e.g. "CDB_GENERATBAK"
-    QString element; // the base row's ID_Name
+    QString family;   // the working copy, e.g. "CDB_GENERATBAK"
+    QString element;  // the base row's ID_Name
     qlonglong id = 0; // the base row's id
-    QString field;   // the working copy's column
+    QString field;    // the working copy's column
     QVariant baseValue;
     QVariant newValue;
 };

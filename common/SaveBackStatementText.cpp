@@ -78,7 +78,8 @@ int TopLevelWord(const QByteArray& text, const char* word)
             --depth;
         } else if (depth == 0 && lower.mid(i, length) == word &&
                    (i == 0 || !QChar::isLetterOrNumber(uchar(lower[i - 1]))) &&
-                   (i + length >= lower.size() || !QChar::isLetterOrNumber(uchar(lower[i + length])))) {
+                   (i + length >= lower.size() ||
+                    !QChar::isLetterOrNumber(uchar(lower[i + length])))) {
             return i;
         }
     }
@@ -111,9 +112,9 @@ bool EndsTransaction(const QByteArray& sql)
         return second == "password" || second.startsWith("autocommit") ||
                second.startsWith("@@autocommit");
     }
-    static const char* const ending[] = {"alter",  "analyze", "begin",   "cache",  "change",
-                                         "check",  "flush",   "grant",   "lock",   "optimize",
-                                         "rename", "repair",  "reset",   "revoke", "shutdown",
+    static const char* const ending[] = {"alter",  "analyze",  "begin", "cache",  "change",
+                                         "check",  "flush",    "grant", "lock",   "optimize",
+                                         "rename", "repair",   "reset", "revoke", "shutdown",
                                          "stop",   "truncate", "unlock"};
     for (const char* e : ending) {
         if (first == e) {
@@ -235,9 +236,11 @@ bool ParseInsert(const QByteArray& sql, Insert& out)
 bool ParseUpdate(const QByteArray& sql, Update& out)
 {
     static const QRegularExpression shape(
-        QStringLiteral("^\\s*update\\s+(\\S+)\\s+a\\s*,\\s*(\\S+)\\s+b\\s+set\\s+(.*)\\s+where\\s+(.*)$"),
+        QStringLiteral(
+            "^\\s*update\\s+(\\S+)\\s+a\\s*,\\s*(\\S+)\\s+b\\s+set\\s+(.*)\\s+where\\s+(.*)$"),
         QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
-    static const QRegularExpression assignment(QStringLiteral("(?:\\ba\\.)?\\b(\\w+)\\s*=\\s*b\\.(\\w+)"));
+    static const QRegularExpression assignment(
+        QStringLiteral("(?:\\ba\\.)?\\b(\\w+)\\s*=\\s*b\\.(\\w+)"));
     const QRegularExpressionMatch m = shape.match(QString::fromLocal8Bit(sql));
     if (!m.hasMatch()) {
         return false;

@@ -19,10 +19,10 @@ namespace {
 
 // The working copies a load-flow save-back writes.
 const char* const kWorkingCopies[] = {
-    "CDB_ACLINEBAK",  "CDB_PCAPREABAK",   "CDB_SCAPREABAK",   "CDB_TRANS_2WBAK",
-    "CDB_SHIFTBAK",   "CDB_TRANS_3WBAK",  "CDB_DCLINEBAK",    "CDB_GENERATBAK",
-    "CDB_LOADBAK",    "CDB_BREAKERBAK",   "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK",
-    "CDB_NODEBAK",    "CDB_BUSBAK",       "CDB_PSTATIONBAK",  "CDB_ZONEBAK"};
+    "CDB_ACLINEBAK", "CDB_PCAPREABAK",  "CDB_SCAPREABAK",   "CDB_TRANS_2WBAK",
+    "CDB_SHIFTBAK",  "CDB_TRANS_3WBAK", "CDB_DCLINEBAK",    "CDB_GENERATBAK",
+    "CDB_LOADBAK",   "CDB_BREAKERBAK",  "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK",
+    "CDB_NODEBAK",   "CDB_BUSBAK",      "CDB_PSTATIONBAK",  "CDB_ZONEBAK"};
 
 struct Row
 {
@@ -98,7 +98,7 @@ public:
     {
         QSqlQuery q(*m_db);
         inTransaction.push_back(q.exec("SELECT @@in_transaction") && q.next() ? q.value(0).toInt()
-                                                                             : -1);
+                                                                              : -1);
         return CDatabase::SetBakTabModifyFlag(tableType);
     }
     std::vector<int> inTransaction;
@@ -130,8 +130,8 @@ protected:
                         row.values[column] = q.value(c).toString();
                     }
                 }
-                for (const char* n : {"id_name", "node_name", "bus_name", "ps_name", "zone_no",
-                                      "grpname"}) {
+                for (const char* n :
+                     {"id_name", "node_name", "bus_name", "ps_name", "zone_no", "grpname"}) {
                     if (row.values.count(n)) {
                         row.name = row.values[n];
                         break;
@@ -196,7 +196,8 @@ protected:
             tables << q.value(0).toString();
         }
         std::map<std::string, std::string> sums;
-        EXPECT_TRUE(q.exec("CHECKSUM TABLE " + tables.join(", "))) << q.lastError().text().toStdString();
+        EXPECT_TRUE(q.exec("CHECKSUM TABLE " + tables.join(", ")))
+            << q.lastError().text().toStdString();
         while (q.next()) {
             // "database.table", in lower case on this server
             sums[q.value(0).toString().section('.', 1).toUpper().toStdString()] =
@@ -210,8 +211,8 @@ protected:
     static std::vector<std::string> TablesLeft()
     {
         std::vector<std::string> left;
-        for (const char* t : {"Tac", "TPCR", "TSCR", "T2W", "TShift", "T3W", "Tdc", "TGen",
-                              "TLoad", "TBrk", "Tswitch", "Tnode"}) {
+        for (const char* t : {"Tac", "TPCR", "TSCR", "T2W", "TShift", "T3W", "Tdc", "TGen", "TLoad",
+                              "TBrk", "Tswitch", "Tnode"}) {
             if (QSqlQuery(*db()).exec(QString("SELECT 1 FROM %1 LIMIT 0").arg(t))) {
                 left.push_back(t);
             }
@@ -390,7 +391,8 @@ TEST_F(SaveBackOptions, AllOrNothingEqualsTheOrdinarySaveBackAndFlagsAfterTheCom
     EXPECT_EQ(whole.SaveLDataToBaseDB("NEW", true), 0);
     EXPECT_EQ(Contents(Take()), rows);
     EXPECT_EQ(watch.ModifiedTableTypes(), flags);
-    EXPECT_EQ(watch.inTransaction, std::vector<int>(flags.size(), 0)) << "every flag after the commit";
+    EXPECT_EQ(watch.inTransaction, std::vector<int>(flags.size(), 0))
+        << "every flag after the commit";
     EXPECT_EQ(Texts(feedback().messages()), messages);
     EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
     EXPECT_EQ(whole.Nacline, ordinary.Nacline);
@@ -433,7 +435,8 @@ TEST_F(SaveBackOptions, AFailureInALateFamilyLeavesEveryBaseTableAsItWasAndNoFla
     EXPECT_EQ(texts[9], "回存开关数目：1");
     auto errors = feedback().texts(2);
     ASSERT_GE(errors.size(), 2u);
-    EXPECT_EQ(errors[errors.size() - 2].rfind("Fail to execute SQL: update CDB_ISOSWITCHBAK", 0), 0u);
+    EXPECT_EQ(errors[errors.size() - 2].rfind("Fail to execute SQL: update CDB_ISOSWITCHBAK", 0),
+              0u);
     EXPECT_EQ(feedback().messages().back().text, nothingSaved);
     EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
     Exec("DROP TRIGGER no_switch");
@@ -613,7 +616,8 @@ TEST_F(SaveBackOptions, AWorkingTableThatIsNotTemporaryIsMadeBeforeTheTransactio
 
     StartStatementLog();
     EXPECT_EQ(run(false), 0);
-    EXPECT_EQ(Count("CDB_LOADBAK a, S6_0 b WHERE a.id=b.EleID AND a.Load_Model=b.Load_Model"), loads);
+    EXPECT_EQ(Count("CDB_LOADBAK a, S6_0 b WHERE a.id=b.EleID AND a.Load_Model=b.Load_Model"),
+              loads);
     EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
     const auto sent = SentStatements();
     auto at = [&](const std::string& start) {
@@ -676,7 +680,8 @@ TEST_F(SaveBackOptionsKilled, AConnectionKilledInALateFamilyLeavesEveryBaseTable
     EXPECT_EQ(feedback().texts(1).back(), "回存发电机数目：1") << "the last count shown";
     const auto errors = feedback().texts(2);
     ASSERT_GE(errors.size(), 2u);
-    EXPECT_EQ(errors[errors.size() - 2].rfind("Fail to execute SQL: insert into CDB_LOADBAK", 0), 0u)
+    EXPECT_EQ(errors[errors.size() - 2].rfind("Fail to execute SQL: insert into CDB_LOADBAK", 0),
+              0u)
         << errors[errors.size() - 2];
     EXPECT_EQ(feedback().messages().back().text, std::string(sbo::MSG_NOTHING_SAVED));
     EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
