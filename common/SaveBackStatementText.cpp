@@ -29,10 +29,11 @@ QList<QByteArray> Words(const QByteArray& sql, int n)
     return words;
 }
 
-// The commas of `text` outside parentheses and quotes, plus one: the items of a list.
-int Items(const QByteArray& text)
+// Calls `at(i)` for each position of `text` outside parentheses and quotes, until it
+// returns true; gives that position, or -1.
+template <typename At> int TopLevel(const QByteArray& text, At at)
 {
-    int depth = 0, items = 1;
+    int depth = 0;
     char quote = 0;
     for (int i = 0; i < text.size(); ++i) {
         const char c = text[i];
@@ -48,42 +49,35 @@ int Items(const QByteArray& text)
             ++depth;
         } else if (c == ')') {
             --depth;
-        } else if (c == ',' && depth == 0) {
-            ++items;
-        }
-    }
-    return items;
-}
-
-// Where a top-level word starts in `text` (outside parentheses and quotes), or -1.
-int TopLevelWord(const QByteArray& text, const char* word)
-{
-    const QByteArray lower = text.toLower();
-    const int length = int(qstrlen(word));
-    int depth = 0;
-    char quote = 0;
-    for (int i = 0; i < lower.size(); ++i) {
-        const char c = lower[i];
-        if (quote) {
-            if (c == '\\') {
-                ++i;
-            } else if (c == quote) {
-                quote = 0;
-            }
-        } else if (c == '\'' || c == '"' || c == '`') {
-            quote = c;
-        } else if (c == '(') {
-            ++depth;
-        } else if (c == ')') {
-            --depth;
-        } else if (depth == 0 && lower.mid(i, length) == word &&
-                   (i == 0 || !QChar::isLetterOrNumber(uchar(lower[i - 1]))) &&
-                   (i + length >= lower.size() ||
-                    !QChar::isLetterOrNumber(uchar(lower[i + length])))) {
+        } else if (depth == 0 && at(i)) {
             return i;
         }
     }
     return -1;
+}
+
+// The items of a list: its commas outside parentheses and quotes, plus one.
+int Items(const QByteArray& text)
+{
+    int items = 1;
+    TopLevel(text, [&](int i) {
+        items += text[i] == ',';
+        return false;
+    });
+    return items;
+}
+
+// Where a word starts in `text` outside parentheses and quotes, or -1.
+int TopLevelWord(const QByteArray& text, const char* word)
+{
+    const QByteArray lower = text.toLower();
+    const int length = int(qstrlen(word));
+    auto letter = [&](int i) {
+        return i >= 0 && i < lower.size() && QChar::isLetterOrNumber(uchar(lower[i]));
+    };
+    return TopLevel(lower, [&](int i) {
+        return lower.mid(i, length) == word && !letter(i - 1) && !letter(i + length);
+    });
 }
 
 } // namespace

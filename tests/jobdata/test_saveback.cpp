@@ -6,10 +6,6 @@
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 #include "platform/CDatabase.h"
 
-#include <atomic>
-#include <chrono>
-#include <thread>
-
 using testsupport::DbTest;
 
 namespace {
@@ -303,42 +299,14 @@ TEST_F(SaveBackKilled, AConnectionKilledInTheMiddleOfAFamilyLeavesTheFamiliesBef
     Exec("UPDATE L2_0 SET X1=X1*2 WHERE Ntype=3"); // the shunt of bus 9
     const QString lineBefore = Scalar("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1'");
     const QString shuntBefore = Scalar("SELECT X1 FROM CDB_PCAPREABAK");
-    QSqlQuery id(*db());
-    ASSERT_TRUE(id.exec("SELECT CONNECTION_ID()") && id.next());
-    const qlonglong victim = id.value(0).toLongLong();
-
     // A second session holds a shared lock on the shunt rows: the family reads them (its
-    // orphans and its changes), then waits at its update, where the second session kills
-    // the library's connection and lets go.
-    std::atomic<bool> locked{false}, killed{false};
-    const QString database = scratch().name();
-    std::thread killer([&] {
-        {
-            QSqlDatabase other = dbserver::OpenConnection("killer", database);
-            QSqlQuery q(other);
-            q.exec("START TRANSACTION");
-            q.exec("SELECT * FROM CDB_PCAPREABAK LOCK IN SHARE MODE");
-            locked = true;
-            for (int k = 0; k < 500 && !killed; ++k) {
-                std::this_thread::sleep_for(std::chrono::milliseconds(20));
-                q.exec(QString("SELECT STATE FROM information_schema.PROCESSLIST WHERE ID=%1 AND "
-                               "COMMAND='Query' AND TIME_MS>100")
-                           .arg(victim));
-                if (q.next()) {
-                    killed = q.exec(QString("KILL CONNECTION %1").arg(victim));
-                }
-            }
-            q.exec("ROLLBACK");
-        }
-        QSqlDatabase::removeDatabase("killer");
-    });
-    while (!locked) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    // orphans and its changes), then waits at its update, where the second session kills the
+    // library's connection and lets go.
     CDatabase base;
     CLFCalDataTransfer saver(0, kScheme, db(), &base);
-    const int result = saver.SaveLDataToBaseDB("NEW", false);
-    killer.join();
+    int result = -1;
+    const bool killed = KillWhileItWaits("SELECT * FROM CDB_PCAPREABAK LOCK IN SHARE MODE",
+                                         [&] { result = saver.SaveLDataToBaseDB("NEW", false); });
     ASSERT_TRUE(killed) << "the family never waited on the lock";
     EXPECT_EQ(result, 1);
     EXPECT_EQ(feedback().texts(1).back(), "回存交流线数目：1") << "the last count shown";
