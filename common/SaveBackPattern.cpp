@@ -351,7 +351,9 @@ int CSaveBackPattern::Save(const std::function<int()>& driver)
 //   3. those statements, then START TRANSACTION, then the driver, every statement that
 //      would end the transaction (the drops, also of temporary tables, and an index) held
 //      back; anything else of the kind is refused;
-//   4. COMMIT when the driver returned 0 and no checked statement failed, else ROLLBACK;
+//   4. COMMIT when the driver returned 0 and no checked statement failed, else ROLLBACK: a
+//      failure that the driver passes over (the new nodes' in load flow) undoes the run too,
+//      since a saved orphan without its node is not the whole of the save-back;
 //   5. the held-back statements as they stand, and drops of the tables the run made and
 //      a failure left behind;
 //   6. after a commit the change flags; after a rollback one line saying nothing was saved.

@@ -2,13 +2,13 @@
 // save-back of the job with its preview and its all-or-nothing run, against the private
 // MariaDB (eval "$(scripts/db.sh env)" first).
 
+#include "BenchStats.h"
 #include "SampleNetwork.h"
 #include "ServerConnection.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 
 #include <QElapsedTimer>
 #include <QSqlQuery>
-#include <algorithm>
 #include <benchmark/benchmark.h>
 #include <string>
 #include <vector>
@@ -213,13 +213,13 @@ void BM_SaveBackOptions(benchmark::State& state)
         state.SkipWithError("a run did not come to its end");
         return;
     }
-    auto spread = [&](const char* name, std::vector<double> v) {
-        std::sort(v.begin(), v.end());
-        state.counters[std::string(name) + "_median"] = v[v.size() / 2];
-        state.counters[std::string(name) + "_min"] = v.front();
-        state.counters[std::string(name) + "_max"] = v.back();
+    auto spread = [&](const char* name, const std::vector<double>& v) {
+        state.counters[std::string(name) + "_median"] = benchstats::Median(v);
+        state.counters[std::string(name) + "_min"] = benchstats::Min(v);
+        state.counters[std::string(name) + "_max"] = benchstats::Max(v);
+        state.counters[std::string(name) + "_spread"] = benchstats::Spread(v);
     };
-    spread("ordinary_s", ordinarySeconds);
+    state.counters["ordinary_s"] = benchstats::Median(ordinarySeconds);
     spread("preview_ratio", previewRatio);
     spread("all_or_nothing_ratio", wholeRatio);
 }
