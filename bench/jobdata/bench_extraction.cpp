@@ -223,7 +223,7 @@ void BM_SaveBackOptions(benchmark::State& state)
     spread("preview_ratio", previewRatio);
     spread("all_or_nothing_ratio", wholeRatio);
 }
-BENCHMARK(BM_SaveBackOptions)->Arg(10000)->Iterations(7)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_SaveBackOptions)->Arg(10000)->Iterations(15)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_SaveBackOptions)->Arg(100000)->Iterations(5)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace

@@ -261,6 +261,8 @@ TEST_F(SaveBackFaults, AQuotedGroupNameTakesTheOrphanAndALostConnectionFailsTheR
     ASSERT_FALSE(feedback().texts(2).empty());
     EXPECT_EQ(feedback().texts(2)[0].rfind("Fail to execute SQL: Create temporary Table Tac", 0),
               0u);
+    db()->close(); // a new session, so that the suite's database can be dropped at its end
+    EXPECT_TRUE(db()->open());
 }
 
 // A group name is held in 20 bytes; the lenient server cuts a longer one without a word.

@@ -181,6 +181,11 @@ bool DbTest::KillWhileItWaits(const QString& lockStatement, const std::function<
     work();
     done = true;
     killer.join();
+    if (killed) {
+        // A new session for the suite's last statements, its database's drop among them.
+        db()->close();
+        db()->open();
+    }
     return killed;
 }
 
