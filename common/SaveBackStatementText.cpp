@@ -7,7 +7,8 @@ namespace sbtext {
 
 namespace {
 
-// The first `n` words, lower case; a word ends at a blank or an opening parenthesis.
+// The first `n` words in their own spelling; a word ends at a blank or an opening
+// parenthesis, and the words end at the first parenthesis.
 QList<QByteArray> Words(const QByteArray& sql, int n)
 {
     QList<QByteArray> words;
@@ -24,9 +25,15 @@ QList<QByteArray> Words(const QByteArray& sql, int n)
         if (i == start) {
             break;
         }
-        words.append(sql.mid(start, i - start).toLower());
+        words.append(sql.mid(start, i - start));
     }
     return words;
+}
+
+// Whether word `k` of `words` is `word`, in any case.
+bool Is(const QList<QByteArray>& words, int k, const char* word)
+{
+    return k < words.size() && qstricmp(words[k].constData(), word) == 0;
 }
 
 // Calls `at(i)` for each position of `text` outside parentheses and quotes, until it
@@ -84,12 +91,12 @@ int TopLevelWord(const QByteArray& text, const char* word)
 
 bool EndsTransaction(const QByteArray& sql)
 {
-    const QList<QByteArray> w = Words(sql, 3);
+    const QList<QByteArray> w = Words(sql, 2);
     if (w.isEmpty()) {
         return false;
     }
-    const QByteArray& first = w[0];
-    const QByteArray second = w.size() > 1 ? w[1] : QByteArray();
+    const QByteArray first = w[0].toLower();
+    const QByteArray second = w.size() > 1 ? w[1].toLower() : QByteArray();
     if (first == "create" || first == "drop") {
         // CREATE/DROP TEMPORARY TABLE keep the transaction; everything else of the kind
         // (tables, indexes, views, routines) ends it, a plain DROP TABLE of a temporary
@@ -121,62 +128,47 @@ bool EndsTransaction(const QByteArray& sql)
 bool CreatedTable(const QByteArray& sql, QByteArray& table, bool& temporary)
 {
     const QList<QByteArray> w = Words(sql, 4);
-    if (w.size() < 3 || w[0] != "create") {
+    if (!Is(w, 0, "create")) {
         return false;
     }
-    temporary = w[1] == "temporary";
+    temporary = Is(w, 1, "temporary");
     const int at = temporary ? 2 : 1;
-    if (w.size() <= at + 1 || w[at] != "table") {
+    if (!Is(w, at, "table")) {
         return false;
     }
-    // The name in its own spelling.
-    const QList<QByteArray> original = [&] {
-        QList<QByteArray> out;
-        for (const QByteArray& part : sql.simplified().split(' ')) {
-            out.append(part.left(part.indexOf('(') < 0 ? part.size() : part.indexOf('(')));
-        }
-        return out;
-    }();
-    table = original.value(at + 1);
+    table = w.value(at + 1);
     return !table.isEmpty();
 }
 
 bool DroppedTable(const QByteArray& sql, QByteArray& table)
 {
-    const QList<QByteArray> original = sql.simplified().split(' ');
+    const QList<QByteArray> w = Words(sql, 6);
     int at = 0;
-    auto word = [&](int k) { return original.value(k).toLower(); };
-    if (word(at) != "drop") {
+    if (!Is(w, at++, "drop")) {
         return false;
     }
-    ++at;
-    if (word(at) == "temporary") {
+    if (Is(w, at, "temporary")) {
         ++at;
     }
-    if (word(at) != "table") {
+    if (!Is(w, at++, "table")) {
         return false;
     }
-    ++at;
-    if (word(at) == "if" && word(at + 1) == "exists") {
+    if (Is(w, at, "if") && Is(w, at + 1, "exists")) {
         at += 2;
     }
-    table = original.value(at);
+    table = w.value(at);
     return !table.isEmpty();
 }
 
 bool WrittenTable(const QByteArray& sql, QByteArray& table)
 {
     const QList<QByteArray> w = Words(sql, 3);
-    if (w.size() >= 3 && w[0] == "insert" && w[1] == "into") {
-        table = sql.simplified().split(' ').value(2);
-    } else if (w.size() >= 2 && w[0] == "update") {
-        table = sql.simplified().split(' ').value(1);
+    if (Is(w, 0, "insert") && Is(w, 1, "into")) {
+        table = w.value(2);
+    } else if (Is(w, 0, "update")) {
+        table = w.value(1);
     } else {
         return false;
-    }
-    const int paren = table.indexOf('(');
-    if (paren >= 0) {
-        table.truncate(paren);
     }
     return !table.isEmpty();
 }
