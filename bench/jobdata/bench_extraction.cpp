@@ -61,20 +61,19 @@ BENCHMARK(BM_ExtractSynthetic)
     ->Iterations(3)
     ->UseRealTime();
 
-// The synthetic network with every family in group G, extracted into job 0, with 10 % of
-// the rows of every job table changed beyond the tolerance and 1 % made orphans (their base
-// rows gone). False when something could not be made.
-bool PrepareChangedJob(dbserver::ScratchDatabase& scratch, int nodes)
+// The synthetic network of the benchmark's size with every family in group G, extracted
+// into job 0, with 10 % of the rows of every job table changed beyond the tolerance and 1 %
+// made orphans (their base rows gone). False, with the benchmark told so, when something
+// could not be made.
+bool PrepareChangedJob(dbserver::ScratchDatabase& scratch, benchmark::State& state)
 {
     QString error;
-    const samples::Network net = samples::MakeSyntheticNetwork(nodes);
+    const samples::Network net = samples::MakeSyntheticNetwork(static_cast<int>(state.range(0)));
     char scheme[] = "SCH";
     QSqlQuery q(*scratch.db());
-    if (!scratch.ok() || !samples::WriteNetworkToBaseDb(scratch.db(), net, "G", "SCH", error) ||
-        !samples::AddOtherFamilies(scratch.db(), "G", error) ||
-        CLFCalDataTransfer(0, scheme, scratch.db(), nullptr).ImportLDataFromBaseDB() != 0) {
-        return false;
-    }
+    bool ok = scratch.ok() && samples::WriteNetworkToBaseDb(scratch.db(), net, "G", "SCH", error) &&
+              samples::AddOtherFamilies(scratch.db(), "G", error) &&
+              CLFCalDataTransfer(0, scheme, scratch.db(), nullptr).ImportLDataFromBaseDB() == 0;
     for (const char* sql :
          {"UPDATE L2_0 SET X1=X1*1.01 WHERE MOD(EleID,10)=0",
           "UPDATE L3_0 SET X1=X1*1.01 WHERE MOD(EleID,10)=0",
@@ -88,11 +87,12 @@ bool PrepareChangedJob(dbserver::ScratchDatabase& scratch, int nodes)
           "UPDATE L5_0 SET EleID=EleID+100000000 WHERE MOD(EleID,100)=1",
           "UPDATE L6_0 SET EleID=EleID+100000000 WHERE MOD(EleID,100)=1",
           "UPDATE LK_0 SET EleID=EleID+100000000 WHERE MOD(EleID,100)=1"}) {
-        if (!q.exec(sql)) {
-            return false;
-        }
+        ok = ok && q.exec(sql);
     }
-    return true;
+    if (!ok) {
+        state.SkipWithError("the network could not be prepared");
+    }
+    return ok;
 }
 
 const char* const kGroupTables[] = {"CDB_ACLINEBAK",  "CDB_PCAPREABAK", "CDB_SCAPREABAK",
@@ -114,12 +114,11 @@ void RemoveGroup(QSqlQuery& q)
 void BM_SaveBack(benchmark::State& state)
 {
     dbserver::ScratchDatabase scratch(QStringLiteral("bench"));
-    char scheme[] = "SCH";
-    QSqlQuery q(*scratch.db());
-    if (!PrepareChangedJob(scratch, static_cast<int>(state.range(0)))) {
-        state.SkipWithError("the network could not be prepared");
+    if (!PrepareChangedJob(scratch, state)) {
         return;
     }
+    char scheme[] = "SCH";
+    QSqlQuery q(*scratch.db());
     dbserver::ServerStatementTime server(scratch);
     double wall = 0, inServer = 0;
     std::vector<int> counts;
@@ -174,12 +173,11 @@ BENCHMARK(BM_SaveBack)
 void BM_SaveBackOptions(benchmark::State& state)
 {
     dbserver::ScratchDatabase scratch(QStringLiteral("bench"));
-    char scheme[] = "SCH";
-    QSqlQuery q(*scratch.db());
-    if (!PrepareChangedJob(scratch, static_cast<int>(state.range(0)))) {
-        state.SkipWithError("the network could not be prepared");
+    if (!PrepareChangedJob(scratch, state)) {
         return;
     }
+    char scheme[] = "SCH";
+    QSqlQuery q(*scratch.db());
     enum { Ordinary, Preview, AllOrNothing };
     std::vector<double> previewRatio, wholeRatio, ordinarySeconds;
     bool ok = true;
