@@ -1,12 +1,16 @@
 // Save-back of a changed job into the working copies and data groups.
 
 #include "DbTest.h"
-#include "SaveBackFamilies.h"
+#include "Faults.h"
 #include "SampleNetwork.h"
+#include "SaveBackFamilies.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 #include "platform/CDatabase.h"
 
 using testsupport::DbTest;
+using testsupport::Fault;
+using testsupport::FaultInjector;
+using testsupport::Hold;
 
 namespace {
 char kScheme[] = "SCH";
@@ -305,11 +309,14 @@ TEST_F(SaveBackKilled, AConnectionKilledInTheMiddleOfAFamilyLeavesTheFamiliesBef
     // orphans and its changes), then waits at its update, where the second session kills the
     // library's connection and lets go.
     CDatabase base;
-    CLFCalDataTransfer saver(0, kScheme, db(), &base);
     int result = -1;
-    const bool killed = KillWhileItWaits("SELECT * FROM CDB_PCAPREABAK LOCK IN SHARE MODE",
-                                         [&] { result = saver.SaveLDataToBaseDB("NEW", false); });
-    ASSERT_TRUE(killed) << "the family never waited on the lock";
+    {
+        FaultInjector fault(scratch(), db(), Fault::Killed, "CDB_PCAPREABAK", Hold::SharedRows);
+        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
+            result =
+                CLFCalDataTransfer(0, kScheme, connection, &base).SaveLDataToBaseDB("NEW", false);
+        }));
+    }
     EXPECT_EQ(result, 1);
     EXPECT_EQ(feedback().texts(1).back(), "回存交流线数目：1") << "the last count shown";
     ASSERT_FALSE(feedback().texts(2).empty());

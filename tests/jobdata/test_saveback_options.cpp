@@ -2,6 +2,7 @@
 // writes and change nothing itself, and the all-or-nothing run, which must leave every base
 // table as it was when anything fails and equal the ordinary save-back when nothing does.
 
+#include "Faults.h"
 #include "SaveBackRoad.h"
 #include "common/SaveBackPattern.h"
 #include "common/SaveBackStatements.h"
@@ -679,13 +680,18 @@ TEST_F(SaveBackOptionsKilled, AConnectionKilledInALateFamilyLeavesEveryBaseTable
 {
     ChangeEveryFamily();
     const auto sums = Checksums();
-    CLFCalDataTransfer job(0, kScheme, db(), &m_base);
-    job.SetStatementMode(SaveStatementMode::Mended);
-    job.SetAllOrNothing(true);
     int result = -1;
-    const bool killed = KillWhileItWaits("SELECT * FROM CDB_LOADBAK LOCK IN SHARE MODE",
-                                         [&] { result = job.SaveLDataToBaseDB("NEW", false); });
-    ASSERT_TRUE(killed) << "the run never waited on the lock";
+    {
+        using testsupport::Hold;
+        testsupport::FaultInjector fault(scratch(), db(), testsupport::Fault::Killed, "CDB_LOADBAK",
+                                         Hold::SharedRows);
+        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
+            CLFCalDataTransfer job(0, kScheme, connection, &m_base);
+            job.SetStatementMode(SaveStatementMode::Mended);
+            job.SetAllOrNothing(true);
+            result = job.SaveLDataToBaseDB("NEW", false);
+        }));
+    }
     EXPECT_EQ(result, 1);
     EXPECT_EQ(feedback().texts(1).back(), "回存发电机数目：1") << "the last count shown";
     const auto errors = feedback().texts(2);

@@ -2,9 +2,6 @@
 
 #include <QSqlError>
 #include <QSqlRecord>
-#include <atomic>
-#include <chrono>
-#include <thread>
 
 namespace testsupport {
 
@@ -115,6 +112,10 @@ void DbTest::Truncate(const std::vector<QString>& tables)
     }
 }
 
+} // namespace testsupport
+
+namespace testsupport {
+
 void DbTest::StartStatementLog()
 {
     if (Scalar(QStringLiteral("SELECT @@general_log")) != QLatin1String("1")) {
@@ -143,50 +144,6 @@ std::vector<std::string> DbTest::SentStatements()
         }
     }
     return out;
-}
-
-bool DbTest::KillWhileItWaits(const QString& lockStatement, const std::function<void()>& work)
-{
-    QSqlQuery id(*db());
-    if (!id.exec(QStringLiteral("SELECT CONNECTION_ID()")) || !id.next()) {
-        ADD_FAILURE() << "no connection id";
-        return false;
-    }
-    const qlonglong victim = id.value(0).toLongLong();
-    std::atomic<bool> locked{false}, killed{false}, done{false};
-    const QString database = scratch().name();
-    std::thread killer([&] {
-        {
-            QSqlDatabase other = dbserver::OpenConnection(QStringLiteral("killer"), database);
-            QSqlQuery q(other);
-            q.exec(QStringLiteral("START TRANSACTION"));
-            q.exec(lockStatement);
-            locked = true;
-            for (int k = 0; k < 1500 && !killed && !done; ++k) {
-                std::this_thread::sleep_for(std::chrono::milliseconds(20));
-                q.exec(QStringLiteral("SELECT 1 FROM information_schema.PROCESSLIST WHERE ID=%1 "
-                                      "AND COMMAND='Query' AND TIME_MS>100")
-                           .arg(victim));
-                if (q.next()) {
-                    killed = q.exec(QStringLiteral("KILL CONNECTION %1").arg(victim));
-                }
-            }
-            q.exec(QStringLiteral("ROLLBACK"));
-        }
-        QSqlDatabase::removeDatabase(QStringLiteral("killer"));
-    });
-    while (!locked) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    work();
-    done = true;
-    killer.join();
-    if (killed) {
-        // A new session for the suite's last statements, its database's drop among them.
-        db()->close();
-        db()->open();
-    }
-    return killed;
 }
 
 } // namespace testsupport

@@ -11,7 +11,6 @@
 #include <QSqlQuery>
 #include <QString>
 #include <QVariant>
-#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -53,11 +52,6 @@ protected:
     // The server logs a statement without its trailing blanks.
     static void StartStatementLog();
     static std::vector<std::string> SentStatements();
-
-    // Runs `work` (a call of the library) while a second session holds the rows that
-    // `lockStatement` locks in a transaction of its own; once the library's connection has
-    // waited on them for 0.1 s, the second session kills it and lets go. True when it did.
-    static bool KillWhileItWaits(const QString& lockStatement, const std::function<void()>& work);
 
     // Convenience views of the recorders.
     static FeedbackRecorder& feedback() { return FeedbackRecorder::instance(); }

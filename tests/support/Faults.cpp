@@ -107,7 +107,10 @@ QSqlDatabase* FaultInjector::Arm()
             m_hold == Hold::Table
                 ? run(m_blocker, QStringLiteral("LOCK TABLES %1 WRITE").arg(m_table))
                 : run(m_blocker, QStringLiteral("START TRANSACTION")) &&
-                      run(m_blocker, QStringLiteral("SELECT * FROM %1 FOR UPDATE").arg(m_table));
+                      run(m_blocker, QString::fromLatin1(m_hold == Hold::SharedRows
+                                                             ? "SELECT * FROM %1 LOCK IN SHARE MODE"
+                                                             : "SELECT * FROM %1 FOR UPDATE")
+                                         .arg(m_table));
         if (!locked) {
             return nullptr;
         }
