@@ -318,15 +318,16 @@ int CSaveBackPattern::Run(const SaveBackFamily& f, bool newGroup, int& counter,
     }
     if (changed > 0) {
         counter += changed;
-        // A preview reads the values by the in-place updates in both cases: the copies in
-        // the group get the same assignments.
-        if (m_run.kind == RunKind::Preview && !PreviewChanges(f.inPlace)) {
-            return CALC_FAIL;
-        }
         for (const QByteArray& sql : newGroup ? f.intoGroup : f.inPlace) {
             if (!Write(q, sql, WriteRole::Change, true)) {
                 return CALC_FAIL;
             }
+        }
+        // A preview reads the values by the in-place updates in both cases (the copies in
+        // the group get the same assignments), once the writes passed: a family whose copy
+        // the server refuses lists nothing, as it saves nothing.
+        if (m_run.kind == RunKind::Preview && !PreviewChanges(f.inPlace)) {
+            return CALC_FAIL;
         }
     }
     ExecUnchecked(f.drop);

@@ -31,6 +31,7 @@
 #include <QString>
 #include <functional>
 #include <map>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -126,6 +127,19 @@ public:
     int Save(const std::function<int()>& driver);
     // Runs `driver` as a preview: detection and reads only.
     SaveBackPreview Preview(const std::function<int()>& driver);
+    // A transfer's preview call: Preview of `driver`, which saves with these arguments, and
+    // then `state` (the counters and group fields a driver sets) put back as it was.
+    template <typename... State>
+    SaveBackPreview Preview(const QString& groupName, bool newGroup,
+                            const std::function<int()>& driver, State&... state)
+    {
+        const std::tuple<State...> kept(state...);
+        SaveBackPreview preview = Preview(driver);
+        std::tie(state...) = kept;
+        preview.groupName = groupName;
+        preview.newGroup = newGroup;
+        return preview;
+    }
 
     // What a driver does besides its families goes through these, so that a preview records
     // it and an all-or-nothing run holds the flags back until the commit.

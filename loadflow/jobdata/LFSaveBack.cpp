@@ -66,25 +66,10 @@ int CLFCalDataTransfer::SaveLDataToBaseDB(QString groupName, bool newGroup)
 SaveBackPreview CLFCalDataTransfer::PreviewLDataToBaseDB(QString groupName, bool newGroup)
 {
     CRunTimeLog frame("PreviewLDataToBaseDB");
-    const int counts[] = {Nbus, Ngenerat, Nload, Nacline, Ndcline, Ntrans, Nswitch};
-    const QString lastGroup = m_strGroupName;
-    const bool lastNewGroup = m_bNewGroup;
-    const int lastNewElements = m_nNewElements;
-    const QMap<QString, int> nodes = m_NewNodes;
-
-    SaveBackPreview preview = m_saveBack.Preview([&] { return RunSaveBack(groupName, newGroup); });
-    preview.groupName = groupName;
-    preview.newGroup = newGroup;
-
-    int* const counters[] = {&Nbus, &Ngenerat, &Nload, &Nacline, &Ndcline, &Ntrans, &Nswitch};
-    for (int k = 0; k < 7; ++k) {
-        *counters[k] = counts[k];
-    }
-    m_strGroupName = lastGroup;
-    m_bNewGroup = lastNewGroup;
-    m_nNewElements = lastNewElements;
-    m_NewNodes = nodes;
-    return preview;
+    return m_saveBack.Preview(
+        groupName, newGroup, [&] { return RunSaveBack(groupName, newGroup); }, Nbus, Ngenerat,
+        Nload, Nacline, Ndcline, Ntrans, Nswitch, m_strGroupName, m_bNewGroup, m_nNewElements,
+        m_NewNodes);
 }
 
 int CLFCalDataTransfer::RunSaveBack(const QString& groupName, bool newGroup)

@@ -36,6 +36,15 @@ public:
     // the server: faithful (the default) stops the run there, mended sends the intended one.
     void SetStatementMode(SaveStatementMode mode) { m_saveBack.SetStatementMode(mode); }
     SaveStatementMode StatementMode() const { return m_saveBack.StatementMode(); }
+    // All-or-nothing (off by default): SaveSDataToBaseDB runs in one transaction on the
+    // connection and undoes everything when any family fails; it refuses a connection that
+    // is inside a transaction already. The change flags are raised after the commit.
+    void SetAllOrNothing(bool on) { m_saveBack.SetAllOrNothing(on); }
+    bool AllOrNothing() const { return m_saveBack.AllOrNothing(); }
+    // What SaveSDataToBaseDB would do with these arguments, in this statement mode, found by
+    // its own detection statements and without writing a base table; the transfer's counts
+    // and group stay as they were.
+    SaveBackPreview PreviewSDataToBaseDB(QString groupName, bool newGroup);
 
     // After extraction the ST_CASE counts (Nbus always 1), after save-back the saved rows.
     int Nbus = 0, Ngenerat = 0, Nload = 0, Nacline = 0, Ndcline = 0, Ntrans = 0, Nsvc = 0;
@@ -72,6 +81,9 @@ private:
     int ImportSingleInsert(const char* jobTable, const char* source, const char* insert,
                            int& counter);
 
+    // The save-back's driver, which the save-back, its all-or-nothing run and the preview
+    // run alike.
+    int RunSaveBack(const QString& groupName, bool newGroup);
     // Runs one save-back family through the shared pattern.
     int RunSaveFamily(const char* base, std::vector<QByteArray> changes, const char* copy,
                       const char* inGroup, const char* inPlace, const char* drop, int& counter);

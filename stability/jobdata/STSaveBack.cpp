@@ -29,6 +29,18 @@ QByteArray winding(const char* text, char digit)
 
 int CSTCalDataTransfer::SaveSDataToBaseDB(QString groupName, bool newGroup)
 {
+    return m_saveBack.Save([&] { return RunSaveBack(groupName, newGroup); });
+}
+
+SaveBackPreview CSTCalDataTransfer::PreviewSDataToBaseDB(QString groupName, bool newGroup)
+{
+    return m_saveBack.Preview(
+        groupName, newGroup, [&] { return RunSaveBack(groupName, newGroup); }, Nbus, Nacline,
+        Ntrans, Ndcline, Ngenerat, Nload, Nsvc, m_strGroupName, m_bNewGroup, m_nReserved);
+}
+
+int CSTCalDataTransfer::RunSaveBack(const QString& groupName, bool newGroup)
+{
     m_strGroupName = groupName;
     m_bNewGroup = newGroup;
     Nbus = Nacline = Ntrans = Ndcline = Ngenerat = Nload = Nsvc = 0;
@@ -52,22 +64,20 @@ int CSTCalDataTransfer::SaveSDataToBaseDB(QString groupName, bool newGroup)
         },
         m_pBaseDB);
     if (saved != CALC_OK) {
-        return CALC_FAIL; // the families before stay saved and flagged
+        return CALC_FAIL; // the families before stay saved and flagged, but under all-or-nothing
     }
     const int total = Nacline + Ntrans + Ndcline + Ngenerat + Nload + Nsvc;
-    ShowMessagef(MSG_PROGRESS, MSG_TOTAL, total);
+    m_saveBack.Show(MSG_PROGRESS, MSG_TOTAL, total);
     // The group's row goes in after the element rows that name it.
     if (m_bNewGroup && total >= 1) {
         const QByteArray group = m_strGroupName.toLocal8Bit();
         QSqlQuery q(*m_pDB);
-        if (!m_saveBack.Send(q, FormatText(SQL_ADD_GROUP, "CDB_DATAGROUP", WORKING_COPY,
-                                           SqlText(m_pDB, group).constData()))) {
-            ShowMessagef(MSG_GROUP_FAIL, MSG_ADD_GROUP, group.constData());
+        if (!m_saveBack.SendWrite(q, FormatText(SQL_ADD_GROUP, "CDB_DATAGROUP", WORKING_COPY,
+                                                SqlText(m_pDB, group).constData()))) {
+            m_saveBack.Show(MSG_GROUP_FAIL, MSG_ADD_GROUP, group.constData());
             return CALC_FAIL;
         }
-        if (m_pBaseDB) {
-            m_pBaseDB->SetBakTabModifyFlag(CDB_TYPE_DATAGROUP);
-        }
+        m_saveBack.Flag(m_pBaseDB, CDB_TYPE_DATAGROUP);
     }
     return CALC_OK;
 }

@@ -4,6 +4,7 @@
 
 #include "Faults.h"
 #include "SaveBackRoad.h"
+#include "TableSnapshots.h"
 #include "common/SaveBackPattern.h"
 #include "common/SaveBackStatements.h"
 
@@ -13,210 +14,38 @@
 #include <map>
 #include <set>
 
+using namespace testsupport;
+
 namespace {
 
 // The working copies a load-flow save-back writes.
-const char* const kWorkingCopies[] = {
+const std::vector<const char*> kWorkingCopies = {
     "CDB_ACLINEBAK", "CDB_PCAPREABAK",  "CDB_SCAPREABAK",   "CDB_TRANS_2WBAK",
     "CDB_SHIFTBAK",  "CDB_TRANS_3WBAK", "CDB_DCLINEBAK",    "CDB_GENERATBAK",
     "CDB_LOADBAK",   "CDB_BREAKERBAK",  "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK",
     "CDB_NODEBAK",   "CDB_BUSBAK",      "CDB_PSTATIONBAK",  "CDB_ZONEBAK"};
 
-struct Row
-{
-    QString name;
-    std::map<QString, QString> values; // column (lower case) -> value
-};
-// table -> id -> row
-using Snapshot = std::map<QString, std::map<qlonglong, Row>>;
-
-QString Lower(const QString& s)
-{
-    return s.toLower();
-}
-
-// A change as "table|element|column|before|after" and an added row as "table|name".
-std::string ChangeText(const QString& table, const QString& element, const QString& column,
-                       const QString& before, const QString& after)
-{
-    return QStringList{table.toUpper(), element, Lower(column), before, after}
-        .join('|')
-        .toStdString();
-}
-
-std::vector<std::string> Sorted(std::vector<std::string> v)
-{
-    std::sort(v.begin(), v.end());
-    return v;
-}
-
-std::vector<std::string> PreviewChanges(const SaveBackPreview& p)
-{
-    std::vector<std::string> out;
-    for (const SaveBackChange& c : p.changes) {
-        out.push_back(ChangeText(c.family, c.element, c.field, c.baseValue.toString(),
-                                 c.newValue.toString()));
-    }
-    return Sorted(out);
-}
-
-std::vector<std::string> PreviewAdditions(const SaveBackPreview& p)
-{
-    std::vector<std::string> out;
-    for (const SaveBackAddition& a : p.additions) {
-        out.push_back((a.table.toUpper() + '|' + a.name).toStdString());
-    }
-    return Sorted(out);
-}
-
-std::vector<std::string> Texts(const std::vector<SaveBackMessage>& messages)
-{
-    std::vector<std::string> out;
-    for (const SaveBackMessage& m : messages) {
-        out.push_back(std::to_string(m.level) + ' ' + m.text.toStdString());
-    }
-    return out;
-}
-
-std::vector<std::string> Texts(const std::vector<testsupport::Message>& messages)
-{
-    std::vector<std::string> out;
-    for (const testsupport::Message& m : messages) {
-        out.push_back(std::to_string(m.level) + ' ' + m.text);
-    }
-    return out;
-}
-
-// Records, at every flag, whether the library's connection was inside a transaction.
-class CommitWatch : public CDatabase
-{
-public:
-    explicit CommitWatch(QSqlDatabase* db) : m_db(db) {}
-    int SetBakTabModifyFlag(int tableType) override
-    {
-        QSqlQuery q(*m_db);
-        inTransaction.push_back(q.exec("SELECT @@in_transaction") && q.next() ? q.value(0).toInt()
-                                                                              : -1);
-        return CDatabase::SetBakTabModifyFlag(tableType);
-    }
-    std::vector<int> inTransaction;
-
-private:
-    QSqlDatabase* m_db;
-};
+// The work tables of the save-back.
+const std::vector<const char*> kWorkTables = {"Tac",  "TPCR", "TSCR",  "T2W",  "TShift",  "T3W",
+                                              "Tdc",  "TGen", "TLoad", "TBrk", "Tswitch", "Tnode"};
 
 } // namespace
 
 class SaveBackOptions : public SaveBackRoad
 {
 protected:
-    static Snapshot Take()
-    {
-        Snapshot s;
-        for (const char* table : kWorkingCopies) {
-            QSqlQuery q(checker());
-            EXPECT_TRUE(q.exec(QString("SELECT * FROM %1").arg(table))) << table;
-            const QSqlRecord r = q.record();
-            while (q.next()) {
-                Row row;
-                qlonglong id = 0;
-                for (int c = 0; c < r.count(); ++c) {
-                    const QString column = Lower(r.fieldName(c));
-                    if (column == "id") {
-                        id = q.value(c).toLongLong();
-                    } else {
-                        row.values[column] = q.value(c).toString();
-                    }
-                }
-                for (const char* n :
-                     {"id_name", "node_name", "bus_name", "ps_name", "zone_no", "grpname"}) {
-                    if (row.values.count(n)) {
-                        row.name = row.values[n];
-                        break;
-                    }
-                }
-                s[table][id] = row;
-            }
-        }
-        return s;
-    }
-
-    // What a save-back wrote: the values that changed in rows that stood before, and the
-    // rows that did not stand before.
-    static void Diff(const Snapshot& before, const Snapshot& after,
-                     std::vector<std::string>& changes, std::vector<std::string>& added)
-    {
-        for (const auto& [table, rows] : after) {
-            const auto& old = before.at(table);
-            for (const auto& [id, row] : rows) {
-                auto was = old.find(id);
-                if (was == old.end()) {
-                    added.push_back((table + '|' + row.name).toStdString());
-                    continue;
-                }
-                for (const auto& [column, value] : row.values) {
-                    const QString& previous = was->second.values.at(column);
-                    if (previous != value) {
-                        changes.push_back(
-                            ChangeText(table, was->second.name, column, previous, value));
-                    }
-                }
-            }
-        }
-        changes = Sorted(changes);
-        added = Sorted(added);
-    }
-
-    // Every row of the working copies without its id, table by table, sorted: two runs
-    // from the same start compare equal although the server numbers their rows apart.
-    static std::vector<std::string> Contents(const Snapshot& s)
-    {
-        std::vector<std::string> out;
-        for (const auto& [table, rows] : s) {
-            for (const auto& [id, row] : rows) {
-                QStringList values{table};
-                for (const auto& [column, value] : row.values) {
-                    values << column + '=' + value;
-                }
-                out.push_back(values.join('|').toStdString());
-            }
-        }
-        return Sorted(out);
-    }
+    static Snapshot Take() { return testsupport::Take(checker(), kWorkingCopies); }
 
     // CHECKSUM TABLE of every table of the database, read on the second connection.
     static std::map<std::string, std::string> Checksums()
     {
-        QStringList tables;
-        QSqlQuery q(checker());
-        EXPECT_TRUE(q.exec("SHOW FULL TABLES WHERE Table_type='BASE TABLE'"));
-        while (q.next()) {
-            tables << q.value(0).toString();
-        }
-        std::map<std::string, std::string> sums;
-        EXPECT_TRUE(q.exec("CHECKSUM TABLE " + tables.join(", ")))
-            << q.lastError().text().toStdString();
-        while (q.next()) {
-            // "database.table", in lower case on this server
-            sums[q.value(0).toString().section('.', 1).toUpper().toStdString()] =
-                q.value(1).toString().toStdString();
-        }
+        auto sums = testsupport::Checksums(checker(), TablesLike(checker(), "%"));
         EXPECT_GT(sums.size(), 100u);
         return sums;
     }
 
-    // The temporary tables of the save-back that stand on the library's connection.
-    static std::vector<std::string> TablesLeft()
-    {
-        std::vector<std::string> left;
-        for (const char* t : {"Tac", "TPCR", "TSCR", "T2W", "TShift", "T3W", "Tdc", "TGen", "TLoad",
-                              "TBrk", "Tswitch", "Tnode"}) {
-            if (QSqlQuery(*db()).exec(QString("SELECT 1 FROM %1 LIMIT 0").arg(t))) {
-                left.push_back(t);
-            }
-        }
-        return left;
-    }
+    // The save-back's work tables that stand on the library's connection.
+    static std::vector<std::string> TablesLeft() { return testsupport::TablesLeft(db(), kWorkTables); }
 
     static int InTransaction()
     {
@@ -271,7 +100,7 @@ TEST_F(SaveBackOptions, APreviewTellsRowForRowWhatTheSaveBackThenWritesAndChange
     // Values in the base row's unit: the generator stored in MW.
     bool seen = false;
     for (const SaveBackChange& c : preview.changes) {
-        if (c.element == "GU" && Lower(c.field) == "pg") {
+        if (c.element == "GU" && c.field.toLower() == "pg") {
             EXPECT_DOUBLE_EQ(c.baseValue.toDouble(), 50.0);
             EXPECT_NEAR(c.newValue.toDouble(), 50.0002, 1e-9);
             seen = true;

@@ -1,6 +1,8 @@
 // Save-back of a changed stability job into the working copies and data groups.
 
 #include "StabilityNetwork.h"
+#include "TableSnapshots.h"
+#include "common/SaveBackStatements.h"
 #include "platform/CDatabase.h"
 #include "stability/jobdata/STCalDataTransfer.h"
 
@@ -352,4 +354,182 @@ TEST_F(SaveBack, AFailureInTheLoadsLeavesTLoadAndTheNextRunsFailUntilItIsDropped
     EXPECT_EQ(Scalar("SELECT Load_Model FROM CDB_LOADBAK"), "4");
     EXPECT_EQ(feedback().texts(1),
               (std::vector<std::string>{"回存负荷数目：1", "回存元件总数：1"}));
+}
+
+// ---- The save-back's preview and its all-or-nothing option ----
+
+namespace {
+
+const std::vector<const char*> kWorkingCopies = {
+    "CDB_ACLINEBAK",   "CDB_PCAPREABAK", "CDB_SCAPREABAK", "CDB_TRANS_2WBAK",
+    "CDB_SHIFTBAK",    "CDB_TRANS_3WBAK", "CDB_DCLINEBAK", "CDB_GENERATBAK",
+    "CDB_LOADBAK",     "CDB_SVCBAK",     "CDB_DATAGROUPBAK"};
+const std::vector<const char*> kWorkTables = {"Tac", "TPCR", "TSCR", "T2W",  "TShift",
+                                              "T3W", "Tdc",  "TGen", "TLoad"};
+
+} // namespace
+
+class SaveBackOptions : public SaveBack
+{
+protected:
+    static testsupport::Snapshot Take() { return testsupport::Take(checker(), kWorkingCopies); }
+    // Every table of the database, job tables and TLoad included.
+    static std::map<std::string, std::string> Checksums()
+    {
+        return testsupport::Checksums(checker(), testsupport::TablesLike(checker(), "%"));
+    }
+    static std::vector<std::string> TablesLeft()
+    {
+        return testsupport::TablesLeft(db(), kWorkTables);
+    }
+};
+
+TEST_F(SaveBackOptions, APreviewTellsRowForRowWhatTheSaveBackThenWritesAndChangesNothing)
+{
+    using namespace testsupport;
+    ChangeEveryFamily();
+    const Snapshot before = Take();
+    const auto sums = Checksums();
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
+    const SaveBackPreview preview = job.PreviewSDataToBaseDB("NEW", false);
+    EXPECT_EQ(preview.result, 0) << preview.Report().toStdString();
+    EXPECT_EQ(Checksums(), sums) << "no table of the database changed";
+    EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
+    EXPECT_TRUE(feedback().messages().empty());
+    EXPECT_EQ(TablesLeft(), std::vector<std::string>{}) << "TLoad, made and dropped, too";
+    EXPECT_EQ(job.Nacline, 0) << "the transfer's counts stay as they were";
+    EXPECT_EQ(preview.ChangedElements(), 9) << "W3 once, although its three windings count";
+    EXPECT_TRUE(preview.additions.empty());
+
+    EXPECT_EQ(job.SaveSDataToBaseDB("NEW", false), 0);
+    std::vector<std::string> changes, added;
+    Diff(before, Take(), changes, added);
+    EXPECT_EQ(PreviewChanges(preview), changes);
+    EXPECT_EQ(added, std::vector<std::string>{});
+    EXPECT_EQ(preview.flags, m_base.ModifiedTableTypes());
+    EXPECT_EQ(Texts(preview.messages), Texts(feedback().messages()));
+
+    // Into a new group, mended: each change is the value of the element's copy in the group.
+    SetUp();
+    ChangeEveryFamily();
+    const Snapshot start = Take();
+    CSTCalDataTransfer copies(kJob, kCaseLF, db(), &m_base);
+    copies.SetStatementMode(SaveStatementMode::Mended);
+    const SaveBackPreview group = copies.PreviewSDataToBaseDB("NEW", true);
+    EXPECT_EQ(group.result, 0) << group.Report().toStdString();
+    EXPECT_EQ(PreviewAdditions(group), std::vector<std::string>{"CDB_DATAGROUPBAK|NEW"});
+    EXPECT_EQ(copies.SaveSDataToBaseDB("NEW", true), 0);
+    changes.clear();
+    added.clear();
+    Diff(start, Take(), changes, added);
+    EXPECT_EQ(changes, std::vector<std::string>{}) << "the source rows stay as they were";
+    std::vector<std::string> expected = PreviewAdditions(group);
+    for (const SaveBackChange& c : group.changes) {
+        expected.push_back((c.family + '|' + c.element).toStdString());
+        EXPECT_EQ(Scalar(QString("SELECT %1 FROM %2 WHERE GrpName='NEW' AND ID_Name='%3'")
+                             .arg(c.field, c.family, c.element)),
+                  c.newValue.toString())
+            << c.family.toStdString() << ' ' << c.element.toStdString();
+    }
+    std::sort(expected.begin(), expected.end());
+    expected.erase(std::unique(expected.begin(), expected.end()), expected.end());
+    EXPECT_EQ(added, expected) << "one copy of each changed element and the group's row";
+    EXPECT_EQ(Texts(group.messages), Texts(feedback().messages()));
+}
+
+TEST_F(SaveBackOptions, AFaithfulPreviewIntoAGroupStopsAtTheRefusedCopyWithItsReason)
+{
+    using namespace testsupport;
+    Exec("UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='P1'");
+    Exec("UPDATE S4_7 SET Tdo=0.75");
+    const auto sums = Checksums();
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
+    const SaveBackPreview preview = job.PreviewSDataToBaseDB("NEW", true);
+    EXPECT_EQ(preview.result, 1);
+    EXPECT_EQ(Checksums(), sums);
+    EXPECT_EQ(TablesLeft(), std::vector<std::string>{}) << "Tdc too, where the run stopped";
+    ASSERT_FALSE(preview.messages.empty());
+    const SaveBackMessage& stop = preview.messages.back();
+    EXPECT_EQ(stop.text.toStdString().rfind("Fail to execute SQL: insert into CDB_DCLINEBAK(", 0),
+              0u);
+    EXPECT_TRUE(stop.why.contains("不符")) << "a value more than columns: " << stop.why.toStdString();
+    EXPECT_EQ(PreviewChanges(preview),
+              (std::vector<std::string>{"CDB_SHIFTBAK|P1|r0|0.003|0.013000000000000001"}))
+        << "the shifter's copy; nothing of the refused DC line's";
+
+    EXPECT_EQ(job.SaveSDataToBaseDB("NEW", true), 1);
+    EXPECT_EQ(Texts(preview.messages), Texts(feedback().messages()));
+    EXPECT_EQ(preview.flags, m_base.ModifiedTableTypes());
+    EXPECT_EQ(Scalar("SELECT R0 FROM CDB_SHIFTBAK WHERE GrpName='NEW'"),
+              preview.changes.at(0).newValue.toString());
+}
+
+TEST_F(SaveBackOptions, AllOrNothingWithARefusedLateFamilyLeavesEveryTableAsItWas)
+{
+    using namespace testsupport;
+    ChangeEveryFamily();
+    const auto sums = Checksums();
+    const std::string nothingSaved = sbo::MSG_NOTHING_SAVED;
+
+    // The loads, the last family that writes, refused by the server in the mended mode.
+    Exec("CREATE TRIGGER no_load BEFORE UPDATE ON CDB_LOADBAK FOR EACH ROW SIGNAL SQLSTATE "
+         "'45000' SET MESSAGE_TEXT='no load'");
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
+    job.SetStatementMode(SaveStatementMode::Mended);
+    job.SetAllOrNothing(true);
+    EXPECT_EQ(job.SaveSDataToBaseDB("NEW", false), 1);
+    Exec("DROP TRIGGER no_load");
+    EXPECT_EQ(Checksums(), sums) << "the eight families before are undone; no TLoad is left";
+    EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
+    EXPECT_EQ(feedback().texts(1).size(), 8u) << "the families before counted, as shown";
+    const auto errors = feedback().texts(2);
+    ASSERT_EQ(errors.size(), 2u);
+    EXPECT_EQ(errors[0].rfind("Fail to execute SQL: update CDB_LOADBAK", 0), 0u) << errors[0];
+    EXPECT_EQ(errors[1], nothingSaved);
+    EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
+
+    // The faithful copy of the DC line into a group, refused after the shifter's and the
+    // three-winding transformer's copies.
+    SetUp();
+    Exec("UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='P1'");
+    Exec("UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='W3'");
+    Exec("UPDATE S4_7 SET Tdo=0.75");
+    const auto start = Checksums();
+    m_base.ClearModifiedTableTypes();
+    CSTCalDataTransfer faithful(kJob, kCaseLF, db(), &m_base);
+    faithful.SetAllOrNothing(true);
+    EXPECT_EQ(faithful.SaveSDataToBaseDB("NEW", true), 1);
+    EXPECT_EQ(feedback().texts(1),
+              (std::vector<std::string>{"回存移相变压器数目：1", "回存三绕组变压器数目：3"}));
+    EXPECT_EQ(Checksums(), start);
+    EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
+    EXPECT_EQ(feedback().messages().back().text, nothingSaved);
+    EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
+}
+
+TEST_F(SaveBackOptions, AllOrNothingEqualsTheOrdinarySaveBackAndFlagsAfterTheCommit)
+{
+    using namespace testsupport;
+    ChangeEveryFamily();
+    CSTCalDataTransfer ordinary(kJob, kCaseLF, db(), &m_base);
+    ordinary.SetStatementMode(SaveStatementMode::Mended);
+    EXPECT_EQ(ordinary.SaveSDataToBaseDB("NEW", true), 0);
+    const auto rows = Contents(Take());
+    const auto flags = m_base.ModifiedTableTypes();
+    const auto messages = Texts(feedback().messages());
+
+    SetUp(); // the same network and changes again
+    ChangeEveryFamily();
+    CommitWatch watch(db());
+    CSTCalDataTransfer whole(kJob, kCaseLF, db(), &watch);
+    whole.SetStatementMode(SaveStatementMode::Mended);
+    whole.SetAllOrNothing(true);
+    EXPECT_EQ(whole.SaveSDataToBaseDB("NEW", true), 0);
+    EXPECT_EQ(Contents(Take()), rows);
+    EXPECT_EQ(watch.ModifiedTableTypes(), flags);
+    EXPECT_EQ(watch.inTransaction, std::vector<int>(flags.size(), 0))
+        << "every flag after the commit";
+    EXPECT_EQ(Texts(feedback().messages()), messages);
+    EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
+    EXPECT_EQ(whole.Ntrans, ordinary.Ntrans);
 }

@@ -1,4 +1,5 @@
 #include "Faults.h"
+#include "TableSnapshots.h"
 
 #include <QAtomicInt>
 #include <QSqlError>
@@ -219,28 +220,14 @@ QSqlDatabase FreshConnection(dbserver::ScratchDatabase& scratch)
 
 QStringList BaseTables(QSqlDatabase db)
 {
-    QSqlQuery q(db);
-    q.exec("SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_SCHEMA=DATABASE() "
-           "AND TABLE_NAME LIKE 'cdb\\_%' ORDER BY TABLE_NAME");
-    QStringList tables;
-    while (q.next()) {
-        tables << q.value(0).toString();
-    }
-    return tables;
+    return TablesLike(db, "cdb\\_%");
 }
 
 std::map<std::string, std::string> BaseChecksums(QSqlDatabase db)
 {
     const QStringList tables = BaseTables(db);
-    QSqlQuery q(db);
-    std::map<std::string, std::string> sums;
     EXPECT_GT(tables.size(), 30) << "the base tables, plain and working copies";
-    EXPECT_TRUE(q.exec("CHECKSUM TABLE " + tables.join(", ")))
-        << q.lastError().text().toStdString();
-    while (q.next()) {
-        sums[q.value(0).toString().toStdString()] = q.value(1).toString().toStdString();
-    }
-    return sums;
+    return Checksums(db, tables);
 }
 
 } // namespace testsupport

@@ -1,0 +1,179 @@
+#include "TableSnapshots.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QVariant>
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace testsupport {
+
+Snapshot Take(QSqlDatabase db, const std::vector<const char*>& tables)
+{
+    Snapshot s;
+    for (const char* table : tables) {
+        QSqlQuery q(db);
+        EXPECT_TRUE(q.exec(QString("SELECT * FROM %1").arg(table))) << table;
+        const QSqlRecord r = q.record();
+        while (q.next()) {
+            TableRow row;
+            qlonglong id = 0;
+            for (int c = 0; c < r.count(); ++c) {
+                const QString column = r.fieldName(c).toLower();
+                if (column == "id") {
+                    id = q.value(c).toLongLong();
+                } else {
+                    row.values[column] = q.value(c).toString();
+                }
+            }
+            for (const char* n :
+                 {"id_name", "node_name", "bus_name", "ps_name", "zone_no", "grpname"}) {
+                if (row.values.count(n)) {
+                    row.name = row.values[n];
+                    break;
+                }
+            }
+            s[table][id] = row;
+        }
+    }
+    return s;
+}
+
+std::string ChangeText(const QString& table, const QString& element, const QString& column,
+                       const QString& before, const QString& after)
+{
+    return QStringList{table.toUpper(), element, column.toLower(), before, after}
+        .join('|')
+        .toStdString();
+}
+
+std::vector<std::string> Sorted(std::vector<std::string> v)
+{
+    std::sort(v.begin(), v.end());
+    return v;
+}
+
+void Diff(const Snapshot& before, const Snapshot& after, std::vector<std::string>& changes,
+          std::vector<std::string>& added)
+{
+    for (const auto& [table, rows] : after) {
+        const auto& old = before.at(table);
+        for (const auto& [id, row] : rows) {
+            auto was = old.find(id);
+            if (was == old.end()) {
+                added.push_back((table + '|' + row.name).toStdString());
+                continue;
+            }
+            for (const auto& [column, value] : row.values) {
+                const QString& previous = was->second.values.at(column);
+                if (previous != value) {
+                    changes.push_back(ChangeText(table, was->second.name, column, previous, value));
+                }
+            }
+        }
+    }
+    changes = Sorted(changes);
+    added = Sorted(added);
+}
+
+std::vector<std::string> Contents(const Snapshot& s)
+{
+    std::vector<std::string> out;
+    for (const auto& [table, rows] : s) {
+        for (const auto& [id, row] : rows) {
+            QStringList values{table};
+            for (const auto& [column, value] : row.values) {
+                values << column + '=' + value;
+            }
+            out.push_back(values.join('|').toStdString());
+        }
+    }
+    return Sorted(out);
+}
+
+QStringList TablesLike(QSqlDatabase db, const QString& pattern)
+{
+    QSqlQuery q(db);
+    q.prepare("SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_SCHEMA=DATABASE() "
+              "AND TABLE_TYPE='BASE TABLE' AND TABLE_NAME LIKE ? ORDER BY TABLE_NAME");
+    q.addBindValue(pattern);
+    EXPECT_TRUE(q.exec()) << q.lastError().text().toStdString();
+    QStringList tables;
+    while (q.next()) {
+        tables << q.value(0).toString();
+    }
+    return tables;
+}
+
+std::map<std::string, std::string> Checksums(QSqlDatabase db, const QStringList& tables)
+{
+    std::map<std::string, std::string> sums;
+    QSqlQuery q(db);
+    EXPECT_TRUE(q.exec("CHECKSUM TABLE " + tables.join(", "))) << q.lastError().text().toStdString();
+    while (q.next()) {
+        // "database.table"
+        sums[q.value(0).toString().section('.', 1).toUpper().toStdString()] =
+            q.value(1).toString().toStdString();
+    }
+    EXPECT_EQ(sums.size(), size_t(tables.size()));
+    return sums;
+}
+
+std::vector<std::string> TablesLeft(QSqlDatabase* db, const std::vector<const char*>& tables)
+{
+    std::vector<std::string> left;
+    for (const char* t : tables) {
+        if (QSqlQuery(*db).exec(QString("SELECT 1 FROM %1 LIMIT 0").arg(t))) {
+            left.push_back(t);
+        }
+    }
+    return left;
+}
+
+std::vector<std::string> PreviewChanges(const SaveBackPreview& p)
+{
+    std::vector<std::string> out;
+    for (const SaveBackChange& c : p.changes) {
+        out.push_back(ChangeText(c.family, c.element, c.field, c.baseValue.toString(),
+                                 c.newValue.toString()));
+    }
+    return Sorted(out);
+}
+
+std::vector<std::string> PreviewAdditions(const SaveBackPreview& p)
+{
+    std::vector<std::string> out;
+    for (const SaveBackAddition& a : p.additions) {
+        out.push_back((a.table.toUpper() + '|' + a.name).toStdString());
+    }
+    return Sorted(out);
+}
+
+std::vector<std::string> Texts(const std::vector<SaveBackMessage>& messages)
+{
+    std::vector<std::string> out;
+    for (const SaveBackMessage& m : messages) {
+        out.push_back(std::to_string(m.level) + ' ' + m.text.toStdString());
+    }
+    return out;
+}
+
+std::vector<std::string> Texts(const std::vector<Message>& messages)
+{
+    std::vector<std::string> out;
+    for (const Message& m : messages) {
+        out.push_back(std::to_string(m.level) + ' ' + m.text);
+    }
+    return out;
+}
+
+int CommitWatch::SetBakTabModifyFlag(int tableType)
+{
+    QSqlQuery q(*m_db);
+    inTransaction.push_back(q.exec("SELECT @@in_transaction") && q.next() ? q.value(0).toInt()
+                                                                          : -1);
+    return CDatabase::SetBakTabModifyFlag(tableType);
+}
+
+} // namespace testsupport
