@@ -4,8 +4,10 @@
 // calling thread (work done, without the time spent waiting for a processor).
 
 #include <algorithm>
+#include <chrono>
 #include <benchmark/benchmark.h>
 #include <ctime>
+#include <string>
 #include <vector>
 
 namespace benchstats {
@@ -53,6 +55,51 @@ inline double ThreadCpuSeconds()
     timespec ts{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
     return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
+}
+
+// The save-back's options against the ordinary save-back, in the same run. Each iteration
+// runs `run(kind)` for the ordinary save-back, its preview and its all-or-nothing run, in an
+// order that turns from one iteration to the next (the machine is shared), each after
+// `before(kind)`, untimed, which puts the job and the base rows where every run starts.
+// `run` returns false when a run did not come to its end. Counters: the ordinary run's
+// median seconds, and each option's ratio to it as median, least, greatest and spread.
+enum SaveBackRun { Ordinary, Preview, AllOrNothing };
+template <class Before, class Run>
+void SaveBackOptionRatios(benchmark::State& state, Before before, Run run)
+{
+    std::vector<double> previewRatio, wholeRatio, ordinarySeconds;
+    bool ok = true;
+    int turn = 0;
+    for (auto _ : state) {
+        double seconds[3] = {0, 0, 0};
+        for (int k = 0; k < 3; ++k) {
+            const SaveBackRun kind = SaveBackRun((k + turn) % 3);
+            state.PauseTiming();
+            before(kind);
+            state.ResumeTiming();
+            const auto start = std::chrono::steady_clock::now();
+            ok &= run(kind);
+            seconds[kind] =
+                std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        }
+        ++turn;
+        ordinarySeconds.push_back(seconds[Ordinary]);
+        previewRatio.push_back(seconds[Preview] / seconds[Ordinary]);
+        wholeRatio.push_back(seconds[AllOrNothing] / seconds[Ordinary]);
+    }
+    if (!ok) {
+        state.SkipWithError("a run did not come to its end");
+        return;
+    }
+    auto spread = [&](const char* name, const std::vector<double>& v) {
+        state.counters[std::string(name) + "_median"] = Median(v);
+        state.counters[std::string(name) + "_min"] = Min(v);
+        state.counters[std::string(name) + "_max"] = Max(v);
+        state.counters[std::string(name) + "_spread"] = Spread(v);
+    };
+    state.counters["ordinary_s"] = Median(ordinarySeconds);
+    spread("preview_ratio", previewRatio);
+    spread("all_or_nothing_ratio", wholeRatio);
 }
 
 } // namespace benchstats

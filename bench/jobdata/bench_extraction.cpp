@@ -165,11 +165,8 @@ BENCHMARK(BM_SaveBack)
     ->Iterations(2)
     ->UseRealTime();
 
-// The save-back's options against the ordinary save-back on the same job, in the same run:
-// each iteration times the ordinary save-back, its preview and its all-or-nothing run (in
-// an order that turns from one iteration to the next, since the machine is shared), each on
-// the same base rows. The counters are the ratios to the ordinary save-back: their median,
-// least and greatest over the iterations.
+// The save-back's options against the ordinary save-back on the same job, in the same run,
+// as ratios to it; each run into group NEW, which is removed before the next.
 void BM_SaveBackOptions(benchmark::State& state)
 {
     dbserver::ScratchDatabase scratch(QStringLiteral("bench"));
@@ -178,48 +175,18 @@ void BM_SaveBackOptions(benchmark::State& state)
     }
     char scheme[] = "SCH";
     QSqlQuery q(*scratch.db());
-    enum { Ordinary, Preview, AllOrNothing };
-    std::vector<double> previewRatio, wholeRatio, ordinarySeconds;
-    bool ok = true;
-    int turn = 0;
-    for (auto _ : state) {
-        double seconds[3] = {0, 0, 0};
-        for (int k = 0; k < 3; ++k) {
-            const int kind = (k + turn) % 3;
+    benchstats::SaveBackOptionRatios(
+        state, [&](benchstats::SaveBackRun) { RemoveGroup(q); },
+        [&](benchstats::SaveBackRun kind) {
             CLFCalDataTransfer job(0, scheme, scratch.db(), nullptr);
             job.SetStatementMode(SaveStatementMode::Mended);
-            job.SetAllOrNothing(kind == AllOrNothing);
-            QElapsedTimer timer;
-            timer.start();
-            if (kind == Preview) {
+            job.SetAllOrNothing(kind == benchstats::AllOrNothing);
+            if (kind == benchstats::Preview) {
                 const SaveBackPreview p = job.PreviewLDataToBaseDB("NEW", true);
-                ok &= p.result == 0 && !p.changes.empty();
-            } else {
-                ok &= job.SaveLDataToBaseDB("NEW", true) == 0;
+                return p.result == 0 && !p.changes.empty();
             }
-            seconds[kind] = timer.nsecsElapsed() / 1e9;
-            state.PauseTiming();
-            RemoveGroup(q);
-            state.ResumeTiming();
-        }
-        ++turn;
-        ordinarySeconds.push_back(seconds[Ordinary]);
-        previewRatio.push_back(seconds[Preview] / seconds[Ordinary]);
-        wholeRatio.push_back(seconds[AllOrNothing] / seconds[Ordinary]);
-    }
-    if (!ok) {
-        state.SkipWithError("a run did not come to its end");
-        return;
-    }
-    auto spread = [&](const char* name, const std::vector<double>& v) {
-        state.counters[std::string(name) + "_median"] = benchstats::Median(v);
-        state.counters[std::string(name) + "_min"] = benchstats::Min(v);
-        state.counters[std::string(name) + "_max"] = benchstats::Max(v);
-        state.counters[std::string(name) + "_spread"] = benchstats::Spread(v);
-    };
-    state.counters["ordinary_s"] = benchstats::Median(ordinarySeconds);
-    spread("preview_ratio", previewRatio);
-    spread("all_or_nothing_ratio", wholeRatio);
+            return job.SaveLDataToBaseDB("NEW", true) == 0;
+        });
 }
 BENCHMARK(BM_SaveBackOptions)->Arg(10000)->Iterations(15)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_SaveBackOptions)->Arg(100000)->Iterations(5)->Unit(benchmark::kMillisecond)->UseRealTime();

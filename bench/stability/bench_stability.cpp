@@ -192,8 +192,21 @@ void BM_StabilityExtraction(benchmark::State& state)
         });
 }
 
-// In place: before each run 10 % of the rows of S2 to S6 move beyond the tolerance again
-// (the run before brought the base rows level with the job).
+// 10 % of the rows of S2 to S6 moved beyond the tolerance again (a save-back in place
+// brings the base rows level with the job).
+void MoveTenPercent(QSqlDatabase* db)
+{
+    QSqlQuery q(*db);
+    for (const char* sql : {"UPDATE S2_7 SET X0=X0*1.01+0.01 WHERE MOD(EleID,10)=0",
+                            "UPDATE S3_7 SET X0=X0*1.01+0.01 WHERE MOD(EleID,10)=0",
+                            "UPDATE S4_7 SET Tdo=Tdo+0.01 WHERE MOD(EleID,10)=0",
+                            "UPDATE S5_7 SET Gen_Par=Gen_Par+1 WHERE MOD(EleID,10)=0",
+                            "UPDATE S6_7 SET Load_Par=Load_Par+1 WHERE MOD(EleID,10)=0"}) {
+        q.exec(sql);
+    }
+}
+
+// In place: before each run 10 % of the rows move beyond the tolerance again.
 void BM_StabilitySaveBack(benchmark::State& state)
 {
     PreparedNetwork* p = Prepare(state);
@@ -203,17 +216,7 @@ void BM_StabilitySaveBack(benchmark::State& state)
     QSqlDatabase* db = p->scratch.db();
     int saved = 0;
     Measure(
-        state, *p,
-        [db] {
-            QSqlQuery q(*db);
-            for (const char* sql : {"UPDATE S2_7 SET X0=X0*1.01+0.01 WHERE MOD(EleID,10)=0",
-                                    "UPDATE S3_7 SET X0=X0*1.01+0.01 WHERE MOD(EleID,10)=0",
-                                    "UPDATE S4_7 SET Tdo=Tdo+0.01 WHERE MOD(EleID,10)=0",
-                                    "UPDATE S5_7 SET Gen_Par=Gen_Par+1 WHERE MOD(EleID,10)=0",
-                                    "UPDATE S6_7 SET Load_Par=Load_Par+1 WHERE MOD(EleID,10)=0"}) {
-                q.exec(sql);
-            }
-        },
+        state, *p, [db] { MoveTenPercent(db); },
         [db, &saved] {
             CSTCalDataTransfer job(kJob, kCaseLF, db, nullptr);
             const bool ok = job.SaveSDataToBaseDB("G", false) == 0;
@@ -251,6 +254,28 @@ void BM_StabilityIntoRecords(benchmark::State& state)
         benchmark::Counter(p->rows * double(state.iterations()), benchmark::Counter::kIsRate);
 }
 
+// The in-place save-back's preview and all-or-nothing run against the ordinary one, in the
+// same run, as ratios to it; before each run 10 % of the rows move again.
+void BM_StabilitySaveBackOptions(benchmark::State& state)
+{
+    PreparedNetwork* p = Prepare(state);
+    if (!p) {
+        return;
+    }
+    QSqlDatabase* db = p->scratch.db();
+    benchstats::SaveBackOptionRatios(
+        state, [db](benchstats::SaveBackRun) { MoveTenPercent(db); },
+        [db](benchstats::SaveBackRun kind) {
+            CSTCalDataTransfer job(kJob, kCaseLF, db, nullptr);
+            job.SetAllOrNothing(kind == benchstats::AllOrNothing);
+            if (kind == benchstats::Preview) {
+                const SaveBackPreview preview = job.PreviewSDataToBaseDB("G", false);
+                return preview.result == 0 && !preview.changes.empty();
+            }
+            return job.SaveSDataToBaseDB("G", false) == 0;
+        });
+}
+
 // One size after the other, so that each network is made once for all three.
 void Sizes(benchmark::internal::Benchmark* b)
 {
@@ -262,6 +287,16 @@ void Sizes(benchmark::internal::Benchmark* b)
 BENCHMARK(BM_StabilityExtraction)->Arg(10000)->Apply(Sizes);
 BENCHMARK(BM_StabilitySaveBack)->Arg(10000)->Apply(Sizes);
 BENCHMARK(BM_StabilityIntoRecords)->Arg(10000)->Apply(Sizes);
+BENCHMARK(BM_StabilitySaveBackOptions)
+    ->Arg(10000)
+    ->Iterations(9)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK(BM_StabilityExtraction)->Arg(100000)->Apply(Sizes);
 BENCHMARK(BM_StabilitySaveBack)->Arg(100000)->Apply(Sizes);
 BENCHMARK(BM_StabilityIntoRecords)->Arg(100000)->Apply(Sizes);
+BENCHMARK(BM_StabilitySaveBackOptions)
+    ->Arg(100000)
+    ->Iterations(3)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();

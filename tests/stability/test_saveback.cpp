@@ -514,9 +514,7 @@ TEST_F(SaveBackOptions, AllOrNothingEqualsTheOrdinarySaveBackAndFlagsAfterTheCom
     CSTCalDataTransfer ordinary(kJob, kCaseLF, db(), &m_base);
     ordinary.SetStatementMode(SaveStatementMode::Mended);
     EXPECT_EQ(ordinary.SaveSDataToBaseDB("NEW", true), 0);
-    const auto rows = Contents(Take());
-    const auto flags = m_base.ModifiedTableTypes();
-    const auto messages = Texts(feedback().messages());
+    const SaveBackOutcome ordinaryRun = Outcome(checker(), kWorkingCopies, m_base);
 
     SetUp(); // the same network and changes again
     ChangeEveryFamily();
@@ -525,11 +523,8 @@ TEST_F(SaveBackOptions, AllOrNothingEqualsTheOrdinarySaveBackAndFlagsAfterTheCom
     whole.SetStatementMode(SaveStatementMode::Mended);
     whole.SetAllOrNothing(true);
     EXPECT_EQ(whole.SaveSDataToBaseDB("NEW", true), 0);
-    EXPECT_EQ(Contents(Take()), rows);
-    EXPECT_EQ(watch.ModifiedTableTypes(), flags);
-    EXPECT_EQ(watch.inTransaction, std::vector<int>(flags.size(), 0))
-        << "every flag after the commit";
-    EXPECT_EQ(Texts(feedback().messages()), messages);
+    ExpectSameOutcomeFlaggedAfterCommit(Outcome(checker(), kWorkingCopies, watch),
+                                        watch.inTransaction, ordinaryRun);
     EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
     EXPECT_EQ(whole.Ntrans, ordinary.Ntrans);
 }

@@ -168,6 +168,24 @@ std::vector<std::string> Texts(const std::vector<Message>& messages)
     return out;
 }
 
+SaveBackOutcome Outcome(QSqlDatabase db, const std::vector<const char*>& tables,
+                        const CDatabase& base)
+{
+    return {Contents(Take(db, tables)), base.ModifiedTableTypes(),
+            Texts(FeedbackRecorder::instance().messages())};
+}
+
+void ExpectSameOutcomeFlaggedAfterCommit(const SaveBackOutcome& whole,
+                                         const std::vector<int>& inTransaction,
+                                         const SaveBackOutcome& ordinary)
+{
+    EXPECT_EQ(whole.rows, ordinary.rows);
+    EXPECT_EQ(whole.flags, ordinary.flags);
+    EXPECT_EQ(inTransaction, std::vector<int>(ordinary.flags.size(), 0))
+        << "every flag after the commit";
+    EXPECT_EQ(whole.messages, ordinary.messages);
+}
+
 int CommitWatch::SetBakTabModifyFlag(int tableType)
 {
     QSqlQuery q(*m_db);

@@ -59,6 +59,22 @@ std::vector<std::string> PreviewAdditions(const SaveBackPreview& p);
 std::vector<std::string> Texts(const std::vector<SaveBackMessage>& messages);
 std::vector<std::string> Texts(const std::vector<Message>& messages);
 
+// What a save-back left: the rows of the tables (as Contents), the flags raised on the
+// base-database object and the messages shown.
+struct SaveBackOutcome
+{
+    std::vector<std::string> rows;
+    std::vector<int> flags;
+    std::vector<std::string> messages;
+};
+SaveBackOutcome Outcome(QSqlDatabase db, const std::vector<const char*>& tables,
+                        const CDatabase& base);
+// An all-or-nothing run's outcome against the ordinary run's: the same rows, flags and
+// messages, and every flag raised outside a transaction.
+void ExpectSameOutcomeFlaggedAfterCommit(const SaveBackOutcome& whole,
+                                         const std::vector<int>& inTransaction,
+                                         const SaveBackOutcome& ordinary);
+
 // Records, at every flag, whether the library's connection was inside a transaction.
 class CommitWatch : public CDatabase
 {
