@@ -4,8 +4,8 @@
 // calling thread (work done, without the time spent waiting for a processor).
 
 #include <algorithm>
-#include <chrono>
 #include <benchmark/benchmark.h>
+#include <chrono>
 #include <ctime>
 #include <string>
 #include <vector>

@@ -64,7 +64,7 @@ int CSTCalDataTransfer::RunSaveBack(const QString& groupName, bool newGroup)
         },
         m_pBaseDB);
     if (saved != CALC_OK) {
-        return CALC_FAIL; // the families before stay saved and flagged, but under all-or-nothing
+        return CALC_FAIL; // the families before stay saved and flagged (all-or-nothing undoes them)
     }
     const int total = Nacline + Ntrans + Ndcline + Ngenerat + Nload + Nsvc;
     m_saveBack.Show(MSG_PROGRESS, MSG_TOTAL, total);

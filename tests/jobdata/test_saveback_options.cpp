@@ -26,8 +26,8 @@ const std::vector<const char*> kWorkingCopies = {
     "CDB_NODEBAK",   "CDB_BUSBAK",      "CDB_PSTATIONBAK",  "CDB_ZONEBAK"};
 
 // The work tables of the save-back.
-const std::vector<const char*> kWorkTables = {"Tac",  "TPCR", "TSCR",  "T2W",  "TShift",  "T3W",
-                                              "Tdc",  "TGen", "TLoad", "TBrk", "Tswitch", "Tnode"};
+const std::vector<const char*> kWorkTables = {"Tac", "TPCR", "TSCR",  "T2W",  "TShift",  "T3W",
+                                              "Tdc", "TGen", "TLoad", "TBrk", "Tswitch", "Tnode"};
 
 } // namespace
 
@@ -45,7 +45,10 @@ protected:
     }
 
     // The save-back's work tables that stand on the library's connection.
-    static std::vector<std::string> TablesLeft() { return testsupport::TablesLeft(db(), kWorkTables); }
+    static std::vector<std::string> TablesLeft()
+    {
+        return testsupport::TablesLeft(db(), kWorkTables);
+    }
 
     static int InTransaction()
     {

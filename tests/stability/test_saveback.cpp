@@ -361,9 +361,9 @@ TEST_F(SaveBack, AFailureInTheLoadsLeavesTLoadAndTheNextRunsFailUntilItIsDropped
 namespace {
 
 const std::vector<const char*> kWorkingCopies = {
-    "CDB_ACLINEBAK",   "CDB_PCAPREABAK", "CDB_SCAPREABAK", "CDB_TRANS_2WBAK",
-    "CDB_SHIFTBAK",    "CDB_TRANS_3WBAK", "CDB_DCLINEBAK", "CDB_GENERATBAK",
-    "CDB_LOADBAK",     "CDB_SVCBAK",     "CDB_DATAGROUPBAK"};
+    "CDB_ACLINEBAK", "CDB_PCAPREABAK",  "CDB_SCAPREABAK",  "CDB_TRANS_2WBAK",
+    "CDB_SHIFTBAK",  "CDB_TRANS_3WBAK", "CDB_DCLINEBAK",   "CDB_GENERATBAK",
+    "CDB_LOADBAK",   "CDB_SVCBAK",      "CDB_DATAGROUPBAK"};
 const std::vector<const char*> kWorkTables = {"Tac", "TPCR", "TSCR", "T2W",  "TShift",
                                               "T3W", "Tdc",  "TGen", "TLoad"};
 
@@ -452,7 +452,8 @@ TEST_F(SaveBackOptions, AFaithfulPreviewIntoAGroupStopsAtTheRefusedCopyWithItsRe
     const SaveBackMessage& stop = preview.messages.back();
     EXPECT_EQ(stop.text.toStdString().rfind("Fail to execute SQL: insert into CDB_DCLINEBAK(", 0),
               0u);
-    EXPECT_TRUE(stop.why.contains("不符")) << "a value more than columns: " << stop.why.toStdString();
+    EXPECT_TRUE(stop.why.contains("不符"))
+        << "a value more than columns: " << stop.why.toStdString();
     EXPECT_EQ(PreviewChanges(preview),
               (std::vector<std::string>{"CDB_SHIFTBAK|P1|r0|0.003|0.013000000000000001"}))
         << "the shifter's copy; nothing of the refused DC line's";

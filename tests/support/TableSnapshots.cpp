@@ -110,7 +110,8 @@ std::map<std::string, std::string> Checksums(QSqlDatabase db, const QStringList&
 {
     std::map<std::string, std::string> sums;
     QSqlQuery q(db);
-    EXPECT_TRUE(q.exec("CHECKSUM TABLE " + tables.join(", "))) << q.lastError().text().toStdString();
+    EXPECT_TRUE(q.exec("CHECKSUM TABLE " + tables.join(", ")))
+        << q.lastError().text().toStdString();
     while (q.next()) {
         // "database.table"
         sums[q.value(0).toString().section('.', 1).toUpper().toStdString()] =

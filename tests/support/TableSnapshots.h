@@ -19,8 +19,8 @@ namespace testsupport {
 
 struct TableRow
 {
-    QString name;                       // the row's element, node, bus, station, zone or group
-    std::map<QString, QString> values;  // column (lower case) -> value, the id left out
+    QString name;                      // the row's element, node, bus, station, zone or group
+    std::map<QString, QString> values; // column (lower case) -> value, the id left out
 };
 // table -> id -> row
 using Snapshot = std::map<QString, std::map<qlonglong, TableRow>>;
