@@ -152,15 +152,30 @@ int main(int argc, char** argv)
     // network file that cannot be read or a results folder that cannot be written.
     samples::Network net;
     QString error;
+    QStringList notHeld;
     if (options.syntheticBuses > 0) {
         net = samples::MakeSyntheticNetwork(options.syntheticBuses);
-    } else if (!samples::ReadNetworkJson(options.networkFile.isEmpty()
-                                             ? QString(CALCDATA_SAMPLES_DIR "/ieee14.json")
-                                             : options.networkFile,
-                                         net, error)) {
+    } else if (options.networkFile.endsWith(QLatin1String(".m"), Qt::CaseInsensitive)
+                   ? !samples::ReadMatpowerCase(options.networkFile, net, notHeld, error)
+                   : !samples::ReadNetworkJson(options.networkFile.isEmpty()
+                                                   ? QString(CALCDATA_SAMPLES_DIR "/ieee14.json")
+                                                   : options.networkFile,
+                                               net, error)) {
         return refuse(error);
     } else if (net.buses.empty()) {
         return refuse(options.networkFile + " holds no buses");
+    }
+    // What the file holds beyond the base tables is said even in quiet mode: it is lost.
+    for (const QString& kind : notHeld) {
+        std::fprintf(stderr, "%s: %s: not held by the base tables: %s\n", kProgram,
+                     qPrintable(QFileInfo(options.networkFile).fileName()), qPrintable(kind));
+    }
+    if (!options.saveCase.isEmpty()) {
+        const QFileInfo target(options.saveCase);
+        if (!target.absoluteDir().exists() || !QFileInfo(target.absolutePath()).isWritable()) {
+            return refuse(QStringLiteral("cannot write the solved case into the folder %1")
+                              .arg(target.absolutePath()));
+        }
     }
     if (!options.outDir.isEmpty()) {
         const QFileInfo dir(options.outDir);
@@ -200,7 +215,9 @@ int main(int argc, char** argv)
         }
     }
 
-    demo::Progress progress(options.quiet ? nullptr : stderr, options.outDir.isEmpty() ? 9 : 10);
+    demo::Progress progress(options.quiet ? nullptr : stderr,
+                            9 + (options.outDir.isEmpty() ? 0 : 1) +
+                                (options.saveCase.isEmpty() ? 0 : 1));
     WinDockFeedback::SetSink([&](const char* text, int level) {
         out.line("  [%2d] %s\n", level, text);
         progress.note(QString::fromLocal8Bit(text));
@@ -282,6 +299,13 @@ int main(int argc, char** argv)
         out.line("  results written to %s (buses.csv, branches.csv, generators.csv, "
                  "switches.csv)\n",
                  qPrintable(QDir(options.outDir).absolutePath()));
+    }
+    if (!options.saveCase.isEmpty()) {
+        if (!study.WriteSolvedCase(net, options.saveCase)) {
+            return failed("the solved network into a MATPOWER case", study.error());
+        }
+        out.line("  the solved network written to %s (MATPOWER case, version 2)\n",
+                 qPrintable(QFileInfo(options.saveCase).absoluteFilePath()));
     }
 
     const bool faithful = options.faithfulSaveBack;

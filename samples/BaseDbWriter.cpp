@@ -21,7 +21,9 @@ QByteArray num(double v)
 
 QByteArray text(const QString& s)
 {
-    return "'" + s.toLocal8Bit() + "'";
+    QByteArray bytes = s.toLocal8Bit();
+    bytes.replace("\\", "\\\\").replace("'", "''"); // names from files may hold either
+    return "'" + bytes + "'";
 }
 
 // One table's rows through the library's batched insert.
@@ -79,7 +81,7 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         !exec(QString("INSERT INTO CDB_SBBAK(Base_Mva) VALUES (%1)").arg(sb, 0, 'g', 12))) {
         return false;
     }
-    std::map<int, int> zones;
+    std::map<int, int> zones; // one area per zone: the first bus of the zone tells it
     Rows buses(db, "CDB_BUSBAK", "Bus_Name,PS_Name,Zone_No,Base_kV,Vmax_kV,Vmin_kV,HasNode");
     Rows nodes(db, "CDB_NODEBAK", "Node_Name,Bus_Name,ISPhyBus,Base_kV,PS_Name");
     Rows stations(db, "CDB_PSTATIONBAK", "PS_Name,Zone_No");
@@ -91,16 +93,17 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         tell();
         const QByteArray kv = num(b.baseKV);
         const bool named = b.baseKV > 0;
-        zones[b.zone] = b.area;
-        buses.add({text(QString("B%1").arg(b.num)), text(QString("S%1").arg(b.num)),
+        const QByteArray valid = b.type == 4 ? "0" : "1"; // an isolated bus: all on it is out
+        zones.emplace(b.zone, b.area);
+        buses.add({text(BusName(b)), text(QString("S%1").arg(b.num)),
                    QByteArray::number(b.zone), kv, num(b.vmax * b.baseKV), num(b.vmin * b.baseKV),
                    "1"});
-        nodes.add({node(b.num), text(QString("B%1").arg(b.num)), "1", kv,
+        nodes.add({node(b.num), text(BusName(b)), "1", kv,
                    text(QString("S%1").arg(b.num))});
         stations.add({text(QString("S%1").arg(b.num)), QByteArray::number(b.zone)});
         if (b.pdMW != 0 || b.qdMVAr != 0) {
             const double f = named ? 1.0 : 1.0 / sb; // MW, or per unit
-            loads.add({grp, text(QString("D%1").arg(b.num)), "1", node(b.num), "1", "0",
+            loads.add({grp, text(QString("D%1").arg(b.num)), valid, node(b.num), "1", "0",
                        named ? "0" : "1", num(b.pdMW * f), num(b.qdMVAr * f),
                        num(named ? b.baseKV : 1.0), "0", "0", "0", "0", "0"});
         }
@@ -108,7 +111,7 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
             // The bank's admittance at 1.0 pu voltage, stored as its impedance.
             const std::complex<double> z = 1.0 / std::complex<double>(b.gsMW / sb, b.bsMVAr / sb);
             const double f = named ? zb(b.num) : 1.0;
-            shunts.add({grp, text(QString("C%1").arg(b.num)), "1", node(b.num), "1",
+            shunts.add({grp, text(QString("C%1").arg(b.num)), valid, node(b.num), "1",
                         named ? "0" : "1", num(z.real() * f), num(z.imag() * f)});
         }
     }
@@ -117,7 +120,8 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         zoneRows.add({QByteArray::number(area), QByteArray::number(zone)});
     }
     Rows gens(db, "CDB_GENERATBAK",
-              "GrpName,ID_Name,Valid,Node_Name,Mode_Ctrl,Unit,Pg,Qg,V0,Angle,Qmax,Qmin,Pmax,Pmin");
+              "GrpName,ID_Name,Valid,Node_Name,Mode_Ctrl,Unit,Pg,Qg,V0,Angle,Qmax,Qmin,Pmax,Pmin,"
+              "Rate_MVA");
     Rows breakers(db, "CDB_BREAKERBAK", "GrpName,ID_Name,Valid,Lbreak,I_Name,J_Name,ID_No");
     Rows isolators(db, "CDB_ISOSWITCHBAK", "GrpName,ID_Name,Valid,Lbreak,I_Name,J_Name,ID_No");
     int g = 0;
@@ -130,15 +134,17 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         ++g;
         // The generator's own node, on its bus, behind a breaker and a switch in parallel.
         const QByteArray own = text(QString("N%1G").arg(g));
-        nodes.add({own, text(QString("B%1").arg(gen.bus)), "0", num(b ? b->baseKV : 0),
+        nodes.add({own, text(b ? BusName(*b) : QString("B%1").arg(gen.bus)), "0",
+                   num(b ? b->baseKV : 0),
                    text(QString("S%1").arg(gen.bus))});
         breakers.add({grp, text(QString("K%1").arg(g)), "1", "1", node(gen.bus), own, "1"});
         isolators.add({grp, text(QString("Q%1").arg(g)), "1", "1", node(gen.bus), own, "1"});
-        gens.add({grp, text(QString("G%1").arg(g)), QByteArray::number(gen.status), own,
+        const bool live = gen.status != 0 && !(b && b->type == 4);
+        gens.add({grp, text(QString("G%1").arg(g)), live ? "1" : "0", own,
                   QByteArray::number(mode), named ? "0" : "1", num(gen.pgMW * f),
                   num(gen.qgMVAr * f), num(named ? gen.vg * b->baseKV : gen.vg),
                   num(b && b->type == 3 ? b->vaDeg : 0.0), num(gen.qmax * f), num(gen.qmin * f),
-                  num(gen.pmax * f), num(gen.pmin * f)});
+                  num(gen.pmax * f), num(gen.pmin * f), num(gen.mBase)});
     }
     Rows lines(db, "CDB_ACLINEBAK",
                "GrpName,ID_Name,Valid,I_Name,J_Name,ID_No,I_Break,J_Break,Unit,R1,X1,B1_Half,"
@@ -157,6 +163,19 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         const double f = named ? z : 1.0;
         const QByteArray circuit = QByteArray::number(
             ++circuits[{std::min(br.from, br.to), std::max(br.from, br.to)}]);
+        const bool isolated = (busOf.count(br.from) && busOf[br.from]->type == 4) ||
+                              (busOf.count(br.to) && busOf[br.to]->type == 4);
+        const QByteArray status = br.status != 0 && !isolated ? "1" : "0";
+        if (br.r == 0 && br.x == 0) {
+            // A branch of zero impedance, a bus tie as real files have them, has no admittance
+            // to put in a matrix. It stands as what it is in a base database, a closed breaker
+            // between the two nodes, so that the topology joins both buses into one calculation
+            // bus, exactly and without an invented impedance (its charging, ratio and shift,
+            // if any, are left out; the reader says so).
+            breakers.add({grp, text(QString("Z%1").arg(k)), status, "1", node(br.from),
+                          node(br.to), circuit});
+            continue;
+        }
         if (!br.transformer) {
             // Even lines in named units where there is a base voltage, odd ones per unit.
             const bool inOhms = named && k % 2 == 0;
@@ -165,7 +184,7 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
             const double kV = named ? busOf[br.from]->baseKV : 0.0;
             const double rateKA = named ? br.rateMVA / (std::sqrt(3.0) * kV) : 0.0;
             auto line = [&](const QByteArray& group, double rFactor) {
-                lines.add({group, text(QString("L%1").arg(k)), QByteArray::number(br.status),
+                lines.add({group, text(QString("L%1").arg(k)), status,
                            node(br.from), node(br.to), circuit, "1", "1", inOhms ? "0" : "1",
                            num(br.r * g * rFactor), num(br.x * g),
                            num(inOhms ? br.b / 2 / z * 1e6 : br.b / 2), "1", num(rateKA)});
@@ -187,11 +206,11 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         const double bm = br.b == 0 ? 0.0 : named ? -br.b / z * 1e6 : -br.b;
         const QByteArray ratio = num(br.ratio == 0 ? 1.0 : br.ratio);
         if (br.angleDeg == 0) {
-            t2w.add({grp, text(QString("T%1").arg(k)), QByteArray::number(br.status), node(br.from),
+            t2w.add({grp, text(QString("T%1").arg(k)), status, node(br.from),
                      node(br.to), circuit, named ? "0" : "1", num(br.r * f), num(br.x * f), "0",
                      num(bm), ratio, num(br.rateMVA)});
         } else {
-            shift.add({grp, text(QString("P%1").arg(k)), QByteArray::number(br.status),
+            shift.add({grp, text(QString("P%1").arg(k)), status,
                        node(br.from), node(br.to), circuit, named ? "0" : "1", num(br.r * f),
                        num(br.x * f), "0", num(bm), ratio, num(br.angleDeg), num(br.rateMVA)});
         }

@@ -3,9 +3,9 @@
 // the public IEEE cases or generated, and written into the working copies of a base
 // database as one data group chosen by one calculation scheme.
 //
-// Names: node "N<k>", bus "B<k>", station "S<k>", line "L<k>", transformer "T<k>",
-// phase shifter "P<k>", generator "G<k>", load "D<k>", shunt "C<k>", k the bus or
-// branch number. A generator's Mode_Ctrl gives its bus type: 2 slack, 1 PV, 0 PQ. A
+// Names: node "N<k>", bus "B<k>" (or the bus's own name), station "S<k>", line "L<k>",
+// transformer "T<k>", phase shifter "P<k>", generator "G<k>", load "D<k>", shunt "C<k>",
+// k the bus or branch number; a branch of zero impedance is a closed breaker "Z<k>". A generator's Mode_Ctrl gives its bus type: 2 slack, 1 PV, 0 PQ. A
 // shunt is stored by its impedance: G + jB = 1 / (R1 + jX1). A transformer's Tk is the
 // off-nominal ratio at its I end, its charging is its Bm (negated: Gm - jBm is the shunt
 // admittance, half at each end). A line's B1_Half is half the total charging. Parallel
@@ -14,6 +14,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <vector>
 
@@ -24,7 +25,8 @@ namespace samples {
 struct Bus
 {
     int num = 0;
-    int type = 1; // 1 PQ, 2 PV, 3 slack
+    int type = 1; // 1 PQ, 2 PV, 3 slack, 4 isolated (everything on it out of service)
+    QString name; // empty: "B<num>"
     double pdMW = 0, qdMVAr = 0, gsMW = 0, bsMVAr = 0;
     double baseKV = 0;
     double vm = 1.0, vaDeg = 0; // published solution or start values
@@ -36,6 +38,7 @@ struct Gen
 {
     int bus = 0;
     double pgMW = 0, qgMVAr = 0, qmax = 0, qmin = 0, vg = 1.0, pmax = 0, pmin = 0;
+    double mBase = 0; // the machine's own base power, MVA (0: not given)
     int status = 1;
 };
 
@@ -60,6 +63,18 @@ struct Network
 
 // Reads a network file in the JSON form of the IEEE samples. False with `error` set.
 bool ReadNetworkJson(const QString& path, Network& net, QString& error);
+
+// Reads a MATPOWER case file (version 2: mpc.baseMVA, mpc.bus, mpc.gen, mpc.branch and
+// the optional mpc.bus_name). False with `error` set to "FILE:LINE: reason". What the file
+// carries that the base tables cannot hold is told in `notHeld`, one line per kind.
+bool ReadMatpowerCase(const QString& path, Network& net, QStringList& notHeld, QString& error);
+
+// Writes the network as a MATPOWER case file (version 2), the buses' Vm and Va and the
+// generators' Pg and Qg as `net` holds them, every number as it reads back exactly.
+bool WriteMatpowerCase(const QString& path, const Network& net, QString& error);
+
+// The name of a bus in the base database: its own, else "B<num>".
+QString BusName(const Bus& bus);
 
 // A connected meshed network of `nodes` buses (at least 3), the same for the same seed,
 // in the proportions of a real grid per bus: about 1.5 branches (a ring, cross ties and

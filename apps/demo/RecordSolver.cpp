@@ -31,8 +31,11 @@ SolveSummary SolveOnRecords(dbDatabase* rtdb, const PfIterationHook& onIteration
         return it == busIndex.end() ? nullptr : &buses[it->second];
     };
 
-    // Generators: scheduled outputs and bus types.
+    // Generators: scheduled outputs and bus types. Of several generators that hold a bus's
+    // voltage, the first in service sets it, as MATPOWER has it; a slack generator's set
+    // point goes before a PV one's.
     {
+        std::vector<int> holder(buses.size(), 0); // 0 none, 1 PV, 2 slack
         dbCursor<un> c;
         if (c.select() > 0) {
             do {
@@ -42,13 +45,16 @@ SolveSummary SolveOnRecords(dbDatabase* rtdb, const PfIterationHook& onIteration
                 }
                 b->pGen += c->Pg;
                 b->qGen += c->Qg;
-                if (c->Mode_Ctrl == 2) {
+                int& held = holder[std::size_t(b - buses.data())];
+                if (c->Mode_Ctrl == 2 && held < 2) {
                     b->type = BusType::Slack;
                     b->vSet = c->V0;
                     b->angleSetDeg = c->Angle;
-                } else if (c->Mode_Ctrl == 1 && b->type != BusType::Slack) {
+                    held = 2;
+                } else if (c->Mode_Ctrl == 1 && held == 0) {
                     b->type = BusType::PV;
                     b->vSet = c->V0;
+                    held = 1;
                 }
             } while (c.next());
         }

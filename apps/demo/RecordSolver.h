@@ -7,7 +7,8 @@
 // outputs into un, shunt powers into cp. Out-of-service elements (their q bits) take
 // no part. Commits when done.
 //
-// Generators choose their bus type by Mode_Ctrl: 2 slack, 1 PV, anything else PQ.
+// Generators choose their bus type by Mode_Ctrl: 2 slack, 1 PV, anything else PQ; the
+// first in service of those that hold a bus's voltage sets it.
 
 #include "PowerFlow.h"
 

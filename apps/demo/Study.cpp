@@ -3,6 +3,7 @@
 #include "Progress.h"
 #include "ResultFiles.h"
 #include "SampleNetwork.h"
+#include "SolvedCase.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 #include "loadflow/realtime/LFCalDataToRTDB.h"
 #include "loadflow/results/LFResultDataTransfer.h"
@@ -130,6 +131,15 @@ bool Study::WriteResultFiles(const QString& dir)
 {
     return timed("results into CSV files", [&] {
         return WriteResultCsv(m_db, kJob, m_baseMva, dir, m_error, counter("rows"));
+    });
+}
+
+bool Study::WriteSolvedCase(const samples::Network& net, const QString& path)
+{
+    return timed("the solved network into a MATPOWER case", [&] {
+        samples::Network solved = net;
+        return PutSolution(m_db, kJob, solved, m_error) &&
+               samples::WriteMatpowerCase(path, solved, m_error);
     });
 }
 

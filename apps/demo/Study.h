@@ -47,6 +47,8 @@ public:
     bool StoreResults();
     // The results as the library wrote them, into CSV files in `dir` (see ResultFiles.h).
     bool WriteResultFiles(const QString& dir);
+    // The solved network `net` as a MATPOWER case file at `path` (see SolvedCase.h).
+    bool WriteSolvedCase(const samples::Network& net, const QString& path);
     // A change in the records (a generator's output, an AC line in service taken out), back into the
     // job tables and saved into the data group `group`. The save-back's outcome is kept:
     // in the mended statement mode it runs to its end; in the faithful mode this server

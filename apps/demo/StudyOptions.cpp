@@ -8,8 +8,9 @@ StudyCommandLine::StudyCommandLine()
     : m_help({"h", "help"}, "Show this help and exit."),
       m_version("version", "Show the program's version and exit."),
       m_network("network",
-                "Study the network in FILE, in the JSON form of the IEEE samples (default: "
-                "the IEEE 14-bus case, samples/ieee14.json).",
+                "Study the network in FILE: a MATPOWER case file (version 2, FILE.m) or the "
+                "JSON form of the IEEE samples (default: the IEEE 14-bus case, "
+                "samples/ieee14.json).",
                 "FILE"),
       m_synthetic("synthetic", "Study a generated meshed network of N buses (N >= 3) instead.",
                   "N"),
@@ -32,6 +33,11 @@ StudyCommandLine::StudyCommandLine()
             "Write the results as CSV files into DIR (created when missing): buses.csv, "
             "branches.csv, generators.csv, switches.csv.",
             "DIR"),
+      m_saveCase("save-case",
+                 "Write the solved network as a MATPOWER case file (version 2) to FILE.m: "
+                 "the buses' Vm and Va and the generators' Pg and Qg as solved, for another "
+                 "tool to take up.",
+                 "FILE.m"),
       m_quiet("quiet", "Print nothing but errors (and, with --keep, where the database stays)."),
       m_faithful("faithful-saveback",
                  "Save back with the statements as the design writes them, which this server "
@@ -46,7 +52,7 @@ StudyCommandLine::StudyCommandLine()
         "Exit status: 0 done; 1 a step of the study failed; 2 a wrong option, a network file "
         "that cannot be read, or a server that cannot be used (nothing is left behind on it).");
     m_parser.addOptions({m_help, m_version, m_network, m_synthetic, m_server, m_user, m_password,
-                         m_database, m_keep, m_out, m_quiet, m_faithful});
+                         m_database, m_keep, m_out, m_saveCase, m_quiet, m_faithful});
 }
 
 bool StudyCommandLine::invalid(const QString& why)
@@ -132,6 +138,11 @@ StudyCommandLine::Outcome StudyCommandLine::parse(const QStringList& arguments,
             return invalid(QStringLiteral("--out needs a folder"));
         }
         o.outDir = m_parser.value(m_out);
+        o.saveCase = m_parser.value(m_saveCase);
+        if (m_parser.isSet(m_saveCase) && !o.saveCase.endsWith(QLatin1String(".m"))) {
+            return invalid(QStringLiteral("--save-case needs a file name ending in .m, not '%1'")
+                               .arg(o.saveCase));
+        }
         o.quiet = m_parser.isSet(m_quiet);
         o.faithfulSaveBack = m_parser.isSet(m_faithful);
         return true;

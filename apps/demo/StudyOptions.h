@@ -20,6 +20,7 @@ struct StudyOptions
     QString database; // empty: a fresh unique name
     bool keep = false;
     QString outDir; // empty: no result files
+    QString saveCase; // empty: no MATPOWER case of the solved network
     bool quiet = false;
     bool faithfulSaveBack = false; // the save-back's statements as the design writes them
 };
@@ -44,7 +45,7 @@ private:
 
     QCommandLineParser m_parser;
     QCommandLineOption m_help, m_version, m_network, m_synthetic, m_server, m_user, m_password,
-        m_database, m_keep, m_out, m_quiet, m_faithful;
+        m_database, m_keep, m_out, m_saveCase, m_quiet, m_faithful;
     StudyOptions m_options;
     QString m_error;
 };

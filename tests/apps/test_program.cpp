@@ -92,7 +92,7 @@ TEST(StudyOptions, AcceptsWhatTheHelpOffersAndRefusesTheRestInOneLine)
     EXPECT_EQ(Parse(cl, {"--version"}), StudyCommandLine::ShowVersion);
     for (const char* option : {"--network", "--synthetic", "--server", "--user", "--password",
                                   "--database", "--keep", "--out", "--quiet", "--version",
-                                  "--faithful-saveback"}) {
+                                  "--faithful-saveback", "--save-case"}) {
         EXPECT_TRUE(cl.helpText().contains(option)) << option;
     }
 
@@ -103,6 +103,7 @@ TEST(StudyOptions, AcceptsWhatTheHelpOffersAndRefusesTheRestInOneLine)
         {"--server", "host:99999"},      {"--server", "host:port"},
         {"--user", "eng"},               {"--database", "x;DROP DATABASE y"},
         {"--out", ""},                   {"--keep=yes"},
+        {"--save-case", "solved.json"},
         {"ieee14.json"}};
     for (const QStringList& args : refused) {
         EXPECT_EQ(Parse(cl, args), StudyCommandLine::Invalid) << args.join(' ').toStdString();
@@ -189,6 +190,42 @@ TEST_F(Program, RefusesInOneLineWithStatusTwoAndLeavesNothingBehind)
     EXPECT_TRUE(r.err.contains("cannot load the schema into " + never)) << r.err.toStdString();
     EXPECT_EQ(r.err.count('\n'), 1) << r.err.toStdString();
     EXPECT_FALSE(DatabaseExists(never));
+}
+
+// A MATPOWER case that cannot be read is refused with its line and the reason, before
+// anything is made on the server.
+TEST_F(Program, RefusesAMalformedCaseFileWithItsLineAndReason)
+{
+    QTemporaryDir tmp;
+    ASSERT_TRUE(tmp.isValid());
+    const QString head = "function mpc = bad\nmpc.baseMVA = 100;\nmpc.bus = [\n"
+                         "\t1\t3\t0\t0\t0\t0\t1\t1\t0\t230\t1\t1.1\t0.9;\n"
+                         "\t2\t1\t50\t20\t0\t0\t1\t1\t0\t230\t1\t1.1\t0.9;\n];\n";
+    const QString gen = "mpc.gen = [ 1 50 0 100 -100 1.02 100 1 100 0 ];\n";
+    const QString branch = "mpc.branch = [\n 1 2 0.01 0.1 0 0 0 0 0 0 1;\n];\n";
+    const std::pair<QString, QString> malformed[] = {
+        {head + branch, "bad.m:9: the case has no matrix mpc.gen"},
+        {QString(head).replace("0\t230\t1\t1.1\t0.9;\n];", "0\t230\t1\t1.1;\n];") + gen + branch,
+         "bad.m:5: this row of mpc.bus has 12 values, the rows above have 13"},
+        {head + gen + QString(branch).replace(" 1 2 ", " 1 7 "),
+         "bad.m:9: branch from bus 1 to bus 7: there is no bus 7"},
+        {head + gen + QString(branch).replace("0.01", "0.0l"),
+         "bad.m:9: '0.0l' in mpc.branch is not a number"},
+        {head + gen + branch + "mpc.bus_name = { '广州供电局一号变电站甲'; 'B2' };\n",
+         "bad.m:11: the name '广州供电局一号变电站甲' of bus 1 takes 22 bytes; the base tables "
+         "hold 20"},
+    };
+    const QString never = QString("t_never_%1").arg(QCoreApplication::applicationPid());
+    for (const auto& [text, why] : malformed) {
+        QFile f(tmp.filePath("bad.m"));
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        f.write(text.toUtf8());
+        f.close();
+        const ProgramRun r = RunProgram({"--network", f.fileName(), "--database", never});
+        EXPECT_EQ(r.status, 2) << r.err.toStdString();
+        EXPECT_EQ(r.err, "calcdata_demo: " + why + "\n");
+        EXPECT_FALSE(DatabaseExists(never));
+    }
 }
 
 TEST_F(Program, WritesTheResultTablesAsCsvAndKeepsTheDatabaseWhenAsked)
