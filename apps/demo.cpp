@@ -17,6 +17,7 @@
 #include "ServerConnection.h"
 #include "Study.h"
 #include "StudyOptions.h"
+#include "common/GbkWidth.h"
 #include "common/ModalBox.h"
 #include "platform/WinDockFeedback.h"
 #include "rtdb/rtdb.h"
@@ -27,6 +28,7 @@
 #include <QFileInfo>
 #include <QSqlQuery>
 #include <QVariant>
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 
@@ -74,6 +76,26 @@ private:
     bool m_quiet;
 };
 
+// A name padded to `columns` terminal columns: a Chinese character takes two, as it takes
+// two bytes in the design's count, so the same width lines the columns up.
+QByteArray padded(const QVariant& name, int columns)
+{
+    const QString text = name.toString();
+    return text.toUtf8() + QByteArray(std::max(0, columns - GbkWidth(text)), ' ');
+}
+
+// The terminal columns that the widest name of `column` takes, at least `least`; the query
+// is left before its first row.
+int widest(QSqlQuery& q, int column, int least)
+{
+    int width = least;
+    while (q.next()) {
+        width = std::max(width, GbkWidth(q.value(column).toString()));
+    }
+    q.seek(QSql::BeforeFirstRow);
+    return width;
+}
+
 // The buses as the result table holds them: all of a small network, the extremes of a
 // large one (every bus goes into buses.csv with --out).
 void printBuses(QSqlDatabase* db, const Output& out)
@@ -83,9 +105,10 @@ void printBuses(QSqlDatabase* db, const Output& out)
     const int buses = q.next() ? q.value(0).toInt() : 0;
     if (buses <= 30) {
         q.exec("SELECT Bus_Name, V, Angle FROM LFR_BS_R WHERE Case_No=0 ORDER BY ibs");
-        out.line("  %-10s %10s %12s\n", "bus", "V (pu)", "angle (deg)");
+        const int w = widest(q, 0, 10);
+        out.line("  %s %10s %12s\n", padded("bus", w).constData(), "V (pu)", "angle (deg)");
         while (q.next()) {
-            out.line("  %-10s %10.4f %12.3f\n", qPrintable(q.value(0).toString()),
+            out.line("  %s %10.4f %12.3f\n", padded(q.value(0), w).constData(),
                      q.value(1).toDouble(), q.value(2).toDouble());
         }
         return;
@@ -102,7 +125,7 @@ void printBuses(QSqlDatabase* db, const Output& out)
                        "BY %1 LIMIT 1")
                    .arg(order));
         if (q.next()) {
-            out.line("  %-22s %-10s %10.4f %12.3f\n", label, qPrintable(q.value(0).toString()),
+            out.line("  %-22s %s %10.4f %12.3f\n", label, padded(q.value(0), 10).constData(),
                      q.value(1).toDouble(), q.value(2).toDouble());
         }
     }
@@ -113,11 +136,13 @@ void printLineFlows(QSqlDatabase* db, double sb, const Output& out)
     QSqlQuery q(*db);
     q.exec("SELECT ID_Name, I_Name, J_Name, Pi, Qi FROM LFR_ACLINE_R WHERE Case_No=0 ORDER BY "
            "ABS(Pi) DESC LIMIT 5");
-    out.line("  largest line flows:\n  %-8s %-8s %-8s %10s %10s\n", "line", "from", "to",
-             "P (MW)", "Q (Mvar)");
+    const int line = widest(q, 0, 8), from = widest(q, 1, 8), to = widest(q, 2, 8);
+    out.line("  largest line flows:\n  %s %s %s %10s %10s\n", padded("line", line).constData(),
+             padded("from", from).constData(), padded("to", to).constData(), "P (MW)",
+             "Q (Mvar)");
     while (q.next()) {
-        out.line("  %-8s %-8s %-8s %10.2f %10.2f\n", qPrintable(q.value(0).toString()),
-                 qPrintable(q.value(1).toString()), qPrintable(q.value(2).toString()),
+        out.line("  %s %s %s %10.2f %10.2f\n", padded(q.value(0), line).constData(),
+                 padded(q.value(1), from).constData(), padded(q.value(2), to).constData(),
                  q.value(3).toDouble() * sb, q.value(4).toDouble() * sb);
     }
 }
@@ -309,35 +334,43 @@ int main(int argc, char** argv)
     }
 
     const bool faithful = options.faithfulSaveBack;
-    out.heading(faithful ? "5. a change in the records, UpdateLDataFromRTDB, SaveLDataToBaseDB "
-                           "into group NEW (faithful statements)"
-                         : "5. a change in the records, UpdateLDataFromRTDB, SaveLDataToBaseDB "
-                           "into group NEW (mended statements)");
-    if (!study.ChangeAndSaveBack("NEW", faithful ? SaveStatementMode::Faithful
+    const QString& group = options.group;
+    const QByteArray groupText = group.toUtf8();
+    out.heading(QStringLiteral("5. a change in the records, UpdateLDataFromRTDB, SaveLDataToBaseDB "
+                               "into group %1 (%2 statements)")
+                    .arg(group, faithful ? "faithful" : "mended")
+                    .toUtf8()
+                    .constData());
+    if (!study.ChangeAndSaveBack(group, faithful ? SaveStatementMode::Faithful
                                                  : SaveStatementMode::Mended)) {
         return failed("UpdateLDataFromRTDB", study.error());
     }
     out.line("  changed: generator %s gives 10 %% more, line %s is taken out of service\n",
              qPrintable(study.changedGenerator()), qPrintable(study.lineTakenOut()));
     QSqlQuery q(*scratch.db());
-    q.exec("SELECT COUNT(*) FROM CDB_ACLINEBAK WHERE GrpName='NEW'");
+    q.prepare("SELECT COUNT(*) FROM CDB_ACLINEBAK WHERE GrpName=?");
+    q.addBindValue(group);
+    q.exec();
     const int saved = q.next() ? q.value(0).toInt() : -1;
     if (study.saveBackResult() == 0) {
         if (faithful) {
-            out.line("  the save-back completed; group NEW holds:\n");
+            out.line("  the save-back completed; group %s holds:\n", groupText.constData());
         } else {
             out.line("  the save-back ran to its end in the mended statement mode: the statements "
                      "that\n  MariaDB refuses as the design writes them (\"a.Gm*1.0e6*/(...)\", "
                      "the phase shifter's\n  missing comma, joins named across a comma) were "
                      "sent as intended; every other\n  statement as written "
-                     "(--faithful-saveback sends them all as written).\n  group NEW holds:\n");
+                     "(--faithful-saveback sends them all as written).\n  group %s holds:\n",
+                     groupText.constData());
         }
         for (const char* table : {"CDB_ACLINEBAK", "CDB_PCAPREABAK", "CDB_SCAPREABAK",
                                   "CDB_TRANS_2WBAK", "CDB_SHIFTBAK", "CDB_TRANS_3WBAK",
                                   "CDB_DCLINEBAK", "CDB_GENERATBAK", "CDB_LOADBAK",
                                   "CDB_BREAKERBAK", "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK"}) {
-            q.exec(QString("SELECT %1 FROM %2 WHERE GrpName='NEW' ORDER BY id")
-                       .arg(QString(table) == "CDB_DATAGROUPBAK" ? "GrpName" : "ID_Name", table));
+            q.prepare(QString("SELECT %1 FROM %2 WHERE GrpName=? ORDER BY id")
+                          .arg(QString(table) == "CDB_DATAGROUPBAK" ? "GrpName" : "ID_Name", table));
+            q.addBindValue(group);
+            q.exec();
             QStringList names;
             while (q.next()) {
                 names << q.value(0).toString();
@@ -355,9 +388,9 @@ int main(int argc, char** argv)
         out.line("  the save-back stopped where the design says this server stops it: the "
                  "two-winding\n  transformer statement (\"a.Gm*1.0e6*/(...)\") is refused by "
                  "MariaDB, so lines and\n  capacitors were saved (%d line rows now in group "
-                 "NEW) and transformers,\n  generators, loads, switches, the group's own row and "
+                 "%s) and transformers,\n  generators, loads, switches, the group's own row and "
                  "new nodes were not.\n",
-                 saved);
+                 saved, groupText.constData());
     }
 
     out.heading("time of each step");

@@ -54,6 +54,18 @@ void ShowMessagef(int level, const char* format, ...)
 
 namespace {
 
+// The client library's handle behind a Qt connection: null when it is not MariaDB's (or
+// MySQL's) or not open.
+MYSQL* mysqlOf(const QSqlDriver* driver)
+{
+    const QVariant handle = driver ? driver->handle() : QVariant();
+    const char* type = handle.isValid() ? handle.typeName() : nullptr;
+    if (!type || (qstrcmp(type, "MYSQL*") != 0 && qstrcmp(type, "st_mysql*") != 0)) {
+        return nullptr;
+    }
+    return *static_cast<MYSQL* const*>(handle.constData());
+}
+
 // Whether the session of `db` reads a backslash in a string literal as an escape. The
 // server sends its status with every reply, NO_BACKSLASH_ESCAPES among it, so this follows
 // a sql_mode changed during the session with no statement of its own. A connection that is
@@ -61,21 +73,32 @@ namespace {
 // backslash there is the safe side for a server that escapes.
 bool backslashEscapes(QSqlDatabase* db)
 {
-    if (!db || !db->driver()) {
-        return true;
-    }
-    const QVariant handle = db->driver()->handle();
-    const char* type = handle.isValid() ? handle.typeName() : nullptr;
-    if (!type || (qstrcmp(type, "MYSQL*") != 0 && qstrcmp(type, "st_mysql*") != 0)) {
-        return true;
-    }
-    MYSQL* mysql = *static_cast<MYSQL* const*>(handle.constData());
+    MYSQL* mysql = db ? mysqlOf(db->driver()) : nullptr;
     unsigned int status = 0;
     if (!mysql || mariadb_get_infov(mysql, MARIADB_CONNECTION_SERVER_STATUS, &status) != 0) {
         return true;
     }
     return (status & SERVER_STATUS_NO_BACKSLASH_ESCAPES) == 0;
 }
+
+// The client character set of the connection when it is one in which the second byte of a
+// two-byte character can be 0x5C, the backslash; null otherwise. The client library follows
+// a SET NAMES through the server's reply, so this asks no statement of its own.
+const char* unsafeClientCharset(const QSqlDriver* driver)
+{
+    MYSQL* mysql = mysqlOf(driver);
+    const char* name = mysql ? mysql_character_set_name(mysql) : nullptr;
+    for (const char* unsafe : {"big5", "cp932", "gbk", "sjis", "gb18030"}) {
+        if (name && qstricmp(name, unsafe) == 0) {
+            return name;
+        }
+    }
+    return nullptr;
+}
+
+constexpr const char* MSG_UNSAFE_CHARSET =
+    "连接的客户端字符集为 %s，其双字节字符的第二个字节可能是反斜杠，名称无法安全地写入语句，"
+    "语句未执行。请在该连接上使用 utf8mb4（SET NAMES utf8mb4）。";
 
 // The escaped copy of text[0, size), starting at `first`, the first byte to escape.
 QByteArray escapedFrom(QSqlDatabase* db, const char* text, qsizetype size, const char* first)
@@ -151,6 +174,16 @@ QByteArray SqlWord(const QByteArray& text)
 
 bool ExecStatement(QSqlQuery& query, const QByteArray& sql)
 {
+    // A connection whose client character set can hide a backslash in a character's second
+    // byte is refused before anything is sent: a name ending in such a byte would swallow
+    // the backslash that escapes it and end its literal elsewhere. Refused rather than
+    // sent as hex literals, because the statements' texts are the design, and because that
+    // connection would hand the results back in that character set, not in UTF-8.
+    if (const char* charset = unsafeClientCharset(query.driver())) {
+        ShowMessagef(MSG_ERROR, MSG_UNSAFE_CHARSET, charset);
+        query.finish();
+        return false;
+    }
     const QString text = QString::fromLocal8Bit(sql);
     for (const char c : sql) {
         if (static_cast<unsigned char>(c) >= 0x80) { // only then can the decoding alter it

@@ -62,4 +62,8 @@ QByteArray SqlWord(const QByteArray& text);
 // cut inside a multi-byte character) is not sent: Qt would put U+FFFD in place of the
 // bad bytes and the server would store or match a name nobody gave. It fails as a
 // statement the server refuses fails, with false, and the caller reports as it does then.
+// Nor is anything sent on a connection whose client character set is one in which a
+// backslash can be the second byte of a character (big5, cp932, gbk, sjis, gb18030, after a
+// SET NAMES of the caller's): SqlText's escaping is sound only where it cannot; the refusal
+// shows why at level 2, then fails the same way.
 bool ExecStatement(QSqlQuery& query, const QByteArray& sql);

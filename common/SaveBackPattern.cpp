@@ -1,6 +1,7 @@
 #include "common/SaveBackPattern.h"
 
 #include "common/Feedback.h"
+#include "common/GbkWidth.h"
 #include "common/SaveBackStatementText.h"
 #include "common/SaveBackStatements.h"
 #include "platform/CDatabase.h"
@@ -72,6 +73,15 @@ void CSaveBackPattern::Fail(const QByteArray& sql, const QString& why) const
 {
     m_run.failed = true;
     Say(MSG_ERROR, FormatText(m_failure, sql.constData()), why);
+}
+
+bool CSaveBackPattern::GroupNameFits(const QString& group) const
+{
+    if (GbkWidth(group) <= kNameBytes) {
+        return true;
+    }
+    Show(MSG_ERROR, MSG_GROUP_TOO_LONG, group.toLocal8Bit().constData());
+    return false;
 }
 
 bool CSaveBackPattern::Exec(QSqlQuery& query, const QByteArray& sql) const
@@ -318,10 +328,21 @@ int CSaveBackPattern::Run(const SaveBackFamily& f, bool newGroup, int& counter,
     }
     if (changed > 0) {
         counter += changed;
-        for (const QByteArray& sql : newGroup ? f.intoGroup : f.inPlace) {
-            if (!Write(q, sql, WriteRole::Change, true)) {
+        const std::vector<QByteArray>& writes = newGroup ? f.intoGroup : f.inPlace;
+        int updated = 0; // rows the updates after a copy changed
+        for (std::size_t k = 0; k < writes.size(); ++k) {
+            if (!Write(q, writes[k], WriteRole::Change, true)) {
                 return CALC_FAIL;
             }
+            updated += k > 0 && m_run.kind != RunKind::Preview ? q.numRowsAffected() : 0;
+        }
+        // Every copy holds a value beyond the tolerance from its update, so updates that
+        // change nothing found no copy under the group's name: no success for a save that
+        // did not land.
+        if (newGroup && writes.size() > 1 && updated == 0 && m_run.kind != RunKind::Preview) {
+            m_run.failed = true;
+            Show(MSG_ERROR, MSG_GROUP_UPDATE_MISSED, writes[1].constData());
+            return CALC_FAIL;
         }
         // A preview reads the values by the in-place updates in both cases (the copies in
         // the group get the same assignments), once the writes passed: a family whose copy

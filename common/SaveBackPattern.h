@@ -111,6 +111,13 @@ public:
     // default), else 0.
     int RunSteps(const std::vector<SaveBackStep>& steps, CDatabase* baseDb) const;
 
+    // False, after saying why at level 2 (through Say, so that a preview records it), when
+    // `group` is wider than a data group's name holds (GrpName, kNameBytes as the design
+    // counted them). A driver asks before it writes anything: the server would cut a longer
+    // name in the copies and the group's row, and the updates into the group, which look for
+    // the whole name, would match nothing.
+    bool GroupNameFits(const QString& group) const;
+
     // Runs a checked statement on `query`: on failure the failure text at level 2, false.
     bool Exec(QSqlQuery& query, const QByteArray& sql) const;
     // Runs a statement whose outcome nobody reads.

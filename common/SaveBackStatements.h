@@ -33,6 +33,14 @@ constexpr const char* MSG_NOTHING_SAVED = "回存失败，已全部撤销，基�
 constexpr const char* MSG_NOT_ALL_UNDONE =
     "回存失败，已撤销事务中的修改，但服务器报告有非事务表的修改无法撤销。";
 
+// ---- Names written into a data group ----
+constexpr const char* MSG_GROUP_TOO_LONG =
+    "数据组名 %s 超过20字节（汉字按2字节计），数据组中存不下，回存未执行，基础库未作任何修改。";
+// The updates of the copies in a group find them by the group's name: when they change no
+// row, the server holds the copies under another name than the one given.
+constexpr const char* MSG_GROUP_UPDATE_MISSED =
+    "写入数据组的修改没有改动任何行（服务器中保存的数据组名与所给的不同），回存失败：%s";
+
 // ---- Preview ----
 // The changes of one in-place update: the base row's id and name, then for each of the
 // update's assignments whether the base column and the new value are equal, the one and the

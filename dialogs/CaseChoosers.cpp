@@ -77,7 +77,7 @@ WinDlgCaseNoSearch::WinDlgCaseNoSearch(QSqlDatabase* pDB, const QString& strTabl
         ListBox_ParNo->addItem(q.value(0).toString());
     }
     // The list stands in name order, not in the order of the case numbers.
-    ListBox_ParNo->sortItems(Qt::AscendingOrder);
+    SortItems(ListBox_ParNo);
 }
 
 QString WinDlgCaseNoSearch::GetCaseName() const

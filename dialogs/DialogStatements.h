@@ -86,8 +86,6 @@ constexpr const char* NODE_TABLE = "CDB_NODE";
 constexpr const char* SQL_ELEMENTS = "SELECT %s FROM %s ORDER BY %s ";
 constexpr const char* SQL_ELEMENT_NODE = "SELECT Node_Name FROM %s WHERE ID_Name='%s' ";
 
-constexpr int NAME_BYTES = 20;
-
 constexpr const char* MSG_BUS_TOO_LONG = "母线名字符串超过20位！";
 constexpr const char* MSG_BUS_RESTORED = "自动恢复上一次合法的母线名！";
 constexpr const char* MSG_BUS_INVALID = "母线名中含有不合法的字符或空格！";
@@ -123,6 +121,8 @@ constexpr const char* BOX_CAPTION = "计算数据回存";
 constexpr const char* BOX_EXISTS_HEAD = "给定数据组(";
 constexpr const char* BOX_EXISTS_TAIL = ")已经存在，请重新指定数据组名称!";
 constexpr const char* MSG_FORBIDDEN = "新数据组名含有不合法的字符。";
+// Not the design's: the name is wider than GrpName holds.
+constexpr const char* MSG_TOO_LONG = "新数据组名超过20字节（汉字按2字节计）。";
 
 } // namespace saveback
 

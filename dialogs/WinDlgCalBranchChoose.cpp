@@ -95,12 +95,10 @@ QByteArray local(const QVariant& v)
     return v.toString().toLocal8Bit();
 }
 
-// Copies a text into a 21-byte name buffer: at most 20 bytes and the terminator.
-void copyName(char (&target)[21], const QByteArray& text)
+// Copies a text into a name buffer: at most 20 bytes as the design counted them.
+void copyName(char (&target)[GbkBufferSize(kNameBytes)], const QByteArray& text)
 {
-    const QByteArray cut = text.left(20);
-    std::memcpy(target, cut.constData(), size_t(cut.size()));
-    target[cut.size()] = '\0';
+    GbkCopy(target, text, kNameBytes);
 }
 
 QString fromLocal(const char* text)
@@ -386,7 +384,7 @@ void WinDlgCalBranchChoose::AddAllI_Names()
             }
         }
     }
-    ListBox_Branch->sortItems(Qt::AscendingOrder);
+    SortItems(ListBox_Branch);
 }
 
 void WinDlgCalBranchChoose::AddJ_Names(const QString& name)
@@ -429,7 +427,7 @@ void WinDlgCalBranchChoose::AddID_Names()
         AddOneNameToComboBox(QString());
     }
     ComboBox_BranchName->setEditText(QString());
-    ComboBox_BranchName->model()->sort(0, Qt::AscendingOrder);
+    SortItems(ComboBox_BranchName);
 }
 
 void WinDlgCalBranchChoose::AddOneNameToComboBox(const QString& name)
@@ -533,7 +531,8 @@ int WinDlgCalBranchChoose::GetFirstBranch(char* name, char* i, char* j)
     if (!q.next()) {
         return 2;
     }
-    const QByteArray iName = local(q.value(0)).left(20), jName = local(q.value(1)).left(20);
+    const QByteArray iName = GbkCut(local(q.value(0)), kNameBytes),
+                     jName = GbkCut(local(q.value(1)), kNameBytes);
     std::memcpy(i, iName.constData(), size_t(iName.size()) + 1);
     std::memcpy(j, jName.constData(), size_t(jName.size()) + 1);
     copyName(m_Branch.ID_Name, QByteArray(name ? name : ""));
@@ -548,9 +547,9 @@ int WinDlgCalBranchChoose::GetFirstBranch(char* name, char* i, char* j)
 
 void WinDlgCalBranchChoose::LookUpTypedName(bool selectBranchName)
 {
-    char name[21];
-    copyName(name, Local8BitPrefix(ComboBox_BranchName->currentText(), 20));
-    char i[21] = {}, j[21] = {};
+    char name[GbkBufferSize(kNameBytes)];
+    copyName(name, ComboBox_BranchName->currentText().toLocal8Bit());
+    char i[GbkBufferSize(kNameBytes)] = {}, j[GbkBufferSize(kNameBytes)] = {};
     if (GetFirstBranch(name, i, j) == 0) {
         const QString iName = QString::fromLocal8Bit(i), jName = QString::fromLocal8Bit(j);
         SetI_Name(iName);
@@ -674,7 +673,7 @@ void WinDlgCalBranchChoose::ToolButton_OK_clicked()
                      QString::fromUtf8(BOX_INCOMPLETE));
         return;
     }
-    const QByteArray name = Local8BitPrefix(ComboBox_BranchName->currentText(), 20);
+    const QByteArray name = GbkCut(ComboBox_BranchName->currentText(), kNameBytes);
     copyName(m_Branch.ID_Name, name);
     const QByteArray i = LineEdit_BusName1->text().toLocal8Bit(),
                      j = LineEdit_BusName2->text().toLocal8Bit();

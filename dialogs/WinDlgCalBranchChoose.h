@@ -4,6 +4,8 @@
 // the table BRANCHTEMP, and every question after that is SQL on that table, so a
 // branch is found from either end, whichever way round its ends are stored.
 
+#include "common/GbkWidth.h"
+
 #include <QDialog>
 #include <QList>
 #include <QString>
@@ -16,13 +18,14 @@ class QListWidgetItem;
 class QSqlDatabase;
 class QToolButton;
 
-// The chosen branch. Name buffers hold at most 20 bytes and a terminator.
+// The chosen branch. Name buffers hold at most 20 bytes as the design counted them (a
+// Chinese character 2) in UTF-8, and a terminator.
 struct SBranch
 {
     int ID_No = 0;      // parallel-circuit number
-    char I_Name[21] = {};
-    char J_Name[21] = {};
-    char ID_Name[21] = {};
+    char I_Name[GbkBufferSize(kNameBytes)] = {};
+    char J_Name[GbkBufferSize(kNameBytes)] = {};
+    char ID_Name[GbkBufferSize(kNameBytes)] = {};
     int iEleType = 0;   // element type code: 4, 6, 7, 8, 10, 11, 12, 13 or 14
 };
 
@@ -55,7 +58,7 @@ public:
 
     // The ends of the first branch called `name`, without a dialog: 0 found (i, j and
     // m_Branch filled), 1 statement failed, 2 no such branch. Without a connection 0,
-    // with the outputs untouched.
+    // with the outputs untouched. i and j hold GbkBufferSize(kNameBytes) bytes each.
     int GetFirstBranch(char* name, char* i, char* j);
 
     SBranch m_Branch;

@@ -2,6 +2,7 @@
 
 #include "common/Conversions.h"
 #include "common/Feedback.h"
+#include "common/GbkWidth.h"
 #include "common/ModalBox.h"
 #include "dialogs/DialogStatements.h"
 #include "dialogs/DialogKit.h"
@@ -108,9 +109,9 @@ bool NameChooseDialog::CheckTypedText(const QString& text, const char* tooLong,
         m_strLastName.clear();
         return false;
     }
-    // The limit is in bytes of the local 8-bit form (UTF-8 here: three bytes for a
-    // Chinese character), which the edit's 20-character limit does not enforce.
-    if (stripped->toLocal8Bit().size() > NAME_BYTES) {
+    // The limit is in bytes as the design counted them (two for a Chinese character),
+    // which the edit's 20-character limit does not enforce.
+    if (GbkWidth(*stripped) > kNameBytes) {
         ShowMessage(tooLong, MSG_ERROR);
         ShowMessage(restored, MSG_ERROR);
         SetEditTextQuietly(m_strLastName);
@@ -174,7 +175,7 @@ WinDlgCalBusChoose::WinDlgCalBusChoose(int nSource, int nCase_No, QSqlDatabase* 
     }
     // A failed statement leaves the list empty and is not reported.
     AppendQueryToList(sql);
-    ListBox_BusName->sortItems(Qt::AscendingOrder);
+    SortItems(ListBox_BusName);
     Connect();
     Preselect(strName);
 }
@@ -223,7 +224,7 @@ WinDlgCalEleTerm1Choose::WinDlgCalEleTerm1Choose(QSqlDatabase* pDB, QString strT
       m_strTable(strTable), m_strField(strField)
 {
     InitData();
-    ListBox_BusName->sortItems(Qt::AscendingOrder);
+    SortItems(ListBox_BusName);
     Connect();
     Preselect(strName);
 }

@@ -1,6 +1,7 @@
 #include "dialogs/WinDlgCalDataSaveBack.h"
 
 #include "common/Feedback.h"
+#include "common/GbkWidth.h"
 #include "common/ModalBox.h"
 #include "dialogs/DialogStatements.h"
 #include "dialogs/DialogKit.h"
@@ -30,6 +31,8 @@ WinDlgCalDataSaveBack::WinDlgCalDataSaveBack(QSqlDatabase* pDB, QWidget* parent,
     textLabel_NewDataGroup = Place(new QLabel(this), "textLabel_NewDataGroup", 10, 40, 72, 20);
     textLabel_OldDataGroups = Place(new QLabel(this), "textLabel_OldDataGroups", 10, 70, 72, 20);
     checkBox_SaveAsNew = Place(new QCheckBox(this), "checkBox_SaveAsNew", 10, 10, 170, 20);
+    // A group's name is a GrpName of 20 bytes: the edit takes no character beyond them.
+    LimitToDesignBytes(lineEdit_NewDataGroup, kNameBytes);
 
     setTabOrder(checkBox_SaveAsNew, lineEdit_NewDataGroup);
     setTabOrder(lineEdit_NewDataGroup, listBox_DataGroup);
@@ -105,6 +108,11 @@ bool WinDlgCalDataSaveBack::IsNewDataGroupValid(const QString& name)
     if (FindItemExactMatch(listBox_DataGroup, name)) {
         ShowModalBox(ModalBoxKind::Warning, QString::fromUtf8(BOX_CAPTION),
                      QString::fromUtf8(BOX_EXISTS_HEAD) + name + QString::fromUtf8(BOX_EXISTS_TAIL));
+        return false;
+    }
+    // What the edit refuses may still come in by code (setText is not validated).
+    if (GbkWidth(name) > kNameBytes) {
+        ShowMessage(MSG_TOO_LONG, MSG_ERROR);
         return false;
     }
     for (char c : FORBIDDEN) {

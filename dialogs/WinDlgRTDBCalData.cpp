@@ -103,23 +103,23 @@ CFieldInfo::CFieldInfo(CDataTable* table) : m_pParentTable(table) {}
 CFieldInfo::~CFieldInfo() = default;
 
 namespace {
-void setName(char (&field)[32], const char* name)
+template <std::size_t N> void setName(char (&field)[N], const char* name, int bytes)
 {
     std::memset(field, 0, sizeof field);
     if (name && *name) {
-        std::strncpy(field, name, sizeof field - 1);
+        GbkCopy(field, QByteArray(name), bytes);
     }
 }
 } // namespace
 
 void CFieldInfo::SetFieldName(const char* name)
 {
-    setName(m_szFieldName, name);
+    setName(m_szFieldName, name, kFieldNameBytes);
 }
 
 void CFieldInfo::SetFieldName_CH(const char* name)
 {
-    setName(m_szFieldName_CH, name);
+    setName(m_szFieldName_CH, name, kFieldNameBytes);
 }
 
 void CFieldInfo::SetColumnWidth(int nWidth, bool bApply)

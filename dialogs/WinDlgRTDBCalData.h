@@ -6,6 +6,7 @@
 // CFieldInfo describes one column of such a table.
 
 #include "common/CalcObject.h"
+#include "common/GbkWidth.h"
 
 #include <QDialog>
 #include <QList>
@@ -81,8 +82,9 @@ public:
     void SetType(int type) { m_nType = type; }
     int GetType() const { return m_nType; }
 
-    // A null or empty text zeroes all 32 bytes of the field. Names are meant to stay
-    // below 32 bytes; a longer one is cut to 31 and the terminator.
+    // A null or empty text zeroes the field. Names are meant to stay below 32 bytes as
+    // the design counted them (a Chinese character 2); a longer one is cut to 31, between
+    // characters, and the field holds it in UTF-8.
     void SetFieldName(const char* name);
     void SetFieldName_CH(const char* name);
 
@@ -91,12 +93,13 @@ public:
     void SetColumnWidth(int nWidth, bool bApply);
 
 private:
+    static constexpr int kFieldNameBytes = 31;
     CDataTable* m_pParentTable; // not owned
     int m_nIndexPos = -1;
     bool m_bPriKey = false;
     bool m_bVLGComponent = false;
-    char m_szFieldName[32] = {};
-    char m_szFieldName_CH[32] = {};
+    char m_szFieldName[GbkBufferSize(kFieldNameBytes)] = {};
+    char m_szFieldName_CH[GbkBufferSize(kFieldNameBytes)] = {};
     int m_nColumnWidth = 1;
     int m_nType = 0; // the design leaves it unset; 0 is "not checked"
 };

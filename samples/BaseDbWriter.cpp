@@ -1,5 +1,6 @@
 #include "SampleNetwork.h"
 
+#include "common/Feedback.h"
 #include "common/SQLMultiInsert.h"
 
 #include <QSqlDatabase>
@@ -10,6 +11,7 @@
 #include <cmath>
 #include <complex>
 #include <map>
+#include <set>
 
 namespace samples {
 namespace {
@@ -19,11 +21,17 @@ QByteArray num(double v)
     return QByteArray::number(v, 'g', 12);
 }
 
-QByteArray text(const QString& s)
+// A name as a literal: escaped as the session reads literals, since names from files may
+// hold anything.
+QByteArray literal(QSqlDatabase* db, const QString& s)
 {
-    QByteArray bytes = s.toLocal8Bit();
-    bytes.replace("\\", "\\\\").replace("'", "''"); // names from files may hold either
-    return "'" + bytes + "'";
+    return "'" + SqlText(db, s.toLocal8Bit()) + "'";
+}
+
+// The network's own name, or the writer's: `prefix` and the number.
+QString nameOr(const QString& given, const char* prefix, int k)
+{
+    return given.isEmpty() ? QString("%1%2").arg(QLatin1String(prefix)).arg(k) : given;
 }
 
 // One table's rows through the library's batched insert.
@@ -72,16 +80,24 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         const Bus* b = busOf.count(bus) ? busOf[bus] : nullptr;
         return b && b->baseKV > 0 ? b->baseKV * b->baseKV / sb : 0.0;
     };
+    auto text = [db](const QString& s) { return literal(db, s); };
     const QByteArray grp = text(group);
     const QByteArray oldGrp = text(group + "_OLD");
     const QByteArray altGrp = text(group + "_ALT");
-    auto node = [](int k) { return text(QString("N%1").arg(k)); };
+    // A named bus gives its name to its node too; its station is its own or S<k>.
+    auto node = [&](int k) {
+        return text(busOf.count(k) ? nameOr(busOf[k]->name, "N", k) : QString("N%1").arg(k));
+    };
+    auto station = [&](int k) {
+        return text(busOf.count(k) ? nameOr(busOf[k]->station, "S", k) : QString("S%1").arg(k));
+    };
 
     if (!exec("DELETE FROM CDB_SBBAK") ||
         !exec(QString("INSERT INTO CDB_SBBAK(Base_Mva) VALUES (%1)").arg(sb, 0, 'g', 12))) {
         return false;
     }
     std::map<int, int> zones; // one area per zone: the first bus of the zone tells it
+    std::set<QByteArray> stationsMade; // a station once, in the zone of its first bus
     Rows buses(db, "CDB_BUSBAK", "Bus_Name,PS_Name,Zone_No,Base_kV,Vmax_kV,Vmin_kV,HasNode");
     Rows nodes(db, "CDB_NODEBAK", "Node_Name,Bus_Name,ISPhyBus,Base_kV,PS_Name");
     Rows stations(db, "CDB_PSTATIONBAK", "PS_Name,Zone_No");
@@ -95,12 +111,12 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         const bool named = b.baseKV > 0;
         const QByteArray valid = b.type == 4 ? "0" : "1"; // an isolated bus: all on it is out
         zones.emplace(b.zone, b.area);
-        buses.add({text(BusName(b)), text(QString("S%1").arg(b.num)),
-                   QByteArray::number(b.zone), kv, num(b.vmax * b.baseKV), num(b.vmin * b.baseKV),
-                   "1"});
-        nodes.add({node(b.num), text(BusName(b)), "1", kv,
-                   text(QString("S%1").arg(b.num))});
-        stations.add({text(QString("S%1").arg(b.num)), QByteArray::number(b.zone)});
+        buses.add({text(BusName(b)), station(b.num), QByteArray::number(b.zone), kv,
+                   num(b.vmax * b.baseKV), num(b.vmin * b.baseKV), "1"});
+        nodes.add({node(b.num), text(BusName(b)), "1", kv, station(b.num)});
+        if (stationsMade.insert(station(b.num)).second) {
+            stations.add({station(b.num), QByteArray::number(b.zone)});
+        }
         if (b.pdMW != 0 || b.qdMVAr != 0) {
             const double f = named ? 1.0 : 1.0 / sb; // MW, or per unit
             loads.add({grp, text(QString("D%1").arg(b.num)), valid, node(b.num), "1", "0",
@@ -135,12 +151,11 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         // The generator's own node, on its bus, behind a breaker and a switch in parallel.
         const QByteArray own = text(QString("N%1G").arg(g));
         nodes.add({own, text(b ? BusName(*b) : QString("B%1").arg(gen.bus)), "0",
-                   num(b ? b->baseKV : 0),
-                   text(QString("S%1").arg(gen.bus))});
+                   num(b ? b->baseKV : 0), station(gen.bus)});
         breakers.add({grp, text(QString("K%1").arg(g)), "1", "1", node(gen.bus), own, "1"});
         isolators.add({grp, text(QString("Q%1").arg(g)), "1", "1", node(gen.bus), own, "1"});
         const bool live = gen.status != 0 && !(b && b->type == 4);
-        gens.add({grp, text(QString("G%1").arg(g)), live ? "1" : "0", own,
+        gens.add({grp, text(nameOr(gen.name, "G", g)), live ? "1" : "0", own,
                   QByteArray::number(mode), named ? "0" : "1", num(gen.pgMW * f),
                   num(gen.qgMVAr * f), num(named ? gen.vg * b->baseKV : gen.vg),
                   num(b && b->type == 3 ? b->vaDeg : 0.0), num(gen.qmax * f), num(gen.qmin * f),
@@ -172,7 +187,7 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
             // between the two nodes, so that the topology joins both buses into one calculation
             // bus, exactly and without an invented impedance (its charging, ratio and shift,
             // if any, are left out; the reader says so).
-            breakers.add({grp, text(QString("Z%1").arg(k)), status, "1", node(br.from),
+            breakers.add({grp, text(nameOr(br.name, "Z", k)), status, "1", node(br.from),
                           node(br.to), circuit});
             continue;
         }
@@ -184,7 +199,7 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
             const double kV = named ? busOf[br.from]->baseKV : 0.0;
             const double rateKA = named ? br.rateMVA / (std::sqrt(3.0) * kV) : 0.0;
             auto line = [&](const QByteArray& group, double rFactor) {
-                lines.add({group, text(QString("L%1").arg(k)), status,
+                lines.add({group, text(nameOr(br.name, "L", k)), status,
                            node(br.from), node(br.to), circuit, "1", "1", inOhms ? "0" : "1",
                            num(br.r * g * rFactor), num(br.x * g),
                            num(inOhms ? br.b / 2 / z * 1e6 : br.b / 2), "1", num(rateKA)});
@@ -206,11 +221,11 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         const double bm = br.b == 0 ? 0.0 : named ? -br.b / z * 1e6 : -br.b;
         const QByteArray ratio = num(br.ratio == 0 ? 1.0 : br.ratio);
         if (br.angleDeg == 0) {
-            t2w.add({grp, text(QString("T%1").arg(k)), status, node(br.from),
+            t2w.add({grp, text(nameOr(br.name, "T", k)), status, node(br.from),
                      node(br.to), circuit, named ? "0" : "1", num(br.r * f), num(br.x * f), "0",
                      num(bm), ratio, num(br.rateMVA)});
         } else {
-            shift.add({grp, text(QString("P%1").arg(k)), status,
+            shift.add({grp, text(nameOr(br.name, "P", k)), status,
                        node(br.from), node(br.to), circuit, named ? "0" : "1", num(br.r * f),
                        num(br.x * f), "0", num(bm), ratio, num(br.angleDeg), num(br.rateMVA)});
         }

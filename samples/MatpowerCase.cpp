@@ -5,6 +5,8 @@
 
 #include "SampleNetwork.h"
 
+#include "common/GbkWidth.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -317,20 +319,6 @@ private:
     int m_line = 0;
     QString m_why;
 };
-
-// The width of a name as the base tables count it: GBK's two bytes for each character
-// beyond ASCII (four for those outside the basic plane). The names' common measure, once
-// the kit has one, takes this place.
-int GbkWidth(const QString& s)
-{
-    int width = 0;
-    for (const char32_t c : s.toUcs4()) {
-        width += c < 0x80 ? 1 : c < 0x10000 ? 2 : 4;
-    }
-    return width;
-}
-
-constexpr int kNameBytes = 20; // CHAR(20) of the base tables' names
 
 bool whole(double v, int& out)
 {

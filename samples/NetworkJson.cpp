@@ -1,13 +1,44 @@
 #include "SampleNetwork.h"
 
+#include "common/GbkWidth.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSet>
 #include <algorithm>
 
 namespace samples {
+
+namespace {
+
+// The name `key` of the element `what` of a file, checked against its column (CHAR(20) of
+// the base tables, as the design counted it) and, with `seen`, against the names before.
+bool readName(const QJsonObject& o, const char* key, const QString& what, QSet<QString>* seen,
+              QString& name, QString& error)
+{
+    name = o.value(QLatin1String(key)).toString();
+    if (GbkWidth(name) > kNameBytes) {
+        error = QStringLiteral("%1: the %2 '%3' is %4 bytes wide as the base tables count it (a "
+                               "Chinese character 2), more than the %5 its column holds")
+                    .arg(what, QLatin1String(key), name)
+                    .arg(GbkWidth(name))
+                    .arg(kNameBytes);
+        return false;
+    }
+    if (seen && !name.isEmpty() && seen->contains(name)) {
+        error = QStringLiteral("%1: the %2 '%3' is given twice").arg(what, QLatin1String(key), name);
+        return false;
+    }
+    if (seen) {
+        seen->insert(name);
+    }
+    return true;
+}
+
+} // namespace
 
 bool ReadNetworkJson(const QString& path, Network& net, QString& error)
 {
@@ -30,6 +61,7 @@ bool ReadNetworkJson(const QString& path, Network& net, QString& error)
     net = Network();
     net.name = QFileInfo(path).baseName();
     net.baseMVA = o.value("baseMVA").toDouble(100);
+    QSet<QString> busNames, genNames, branchNames;
     for (const QJsonValue& v : o.value("buses").toArray()) {
         const QJsonObject b = v.toObject();
         Bus bus;
@@ -46,6 +78,11 @@ bool ReadNetworkJson(const QString& path, Network& net, QString& error)
         bus.area = b.value("area").toInt(1);
         bus.vmax = b.value("Vmax_pu").toDouble(1.1);
         bus.vmin = b.value("Vmin_pu").toDouble(0.9);
+        const QString what = QStringLiteral("%1, bus %2").arg(path).arg(bus.num);
+        if (!readName(b, "name", what, &busNames, bus.name, error) ||
+            !readName(b, "station", what, nullptr, bus.station, error)) {
+            return false;
+        }
         net.buses.push_back(bus);
     }
     for (const QJsonValue& v : o.value("gens").toArray()) {
@@ -60,6 +97,10 @@ bool ReadNetworkJson(const QString& path, Network& net, QString& error)
         gen.pmax = g.value("Pmax").toDouble();
         gen.pmin = g.value("Pmin").toDouble();
         gen.status = g.value("status").toInt(1);
+        const QString what = QStringLiteral("%1, generator %2").arg(path).arg(net.gens.size() + 1);
+        if (!readName(g, "name", what, &genNames, gen.name, error)) {
+            return false;
+        }
         net.gens.push_back(gen);
     }
     for (const QJsonValue& v : o.value("branches").toArray()) {
@@ -75,6 +116,11 @@ bool ReadNetworkJson(const QString& path, Network& net, QString& error)
         br.rateMVA = b.value("rateA").toDouble();
         br.status = b.value("status").toInt(1);
         br.transformer = b.value("is_transformer").toBool() || br.ratio != 0;
+        const QString what =
+            QStringLiteral("%1, branch %2").arg(path).arg(net.branches.size() + 1);
+        if (!readName(b, "name", what, &branchNames, br.name, error)) {
+            return false;
+        }
         net.branches.push_back(br);
     }
     return true;

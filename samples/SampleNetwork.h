@@ -3,9 +3,14 @@
 // the public IEEE cases or generated, and written into the working copies of a base
 // database as one data group chosen by one calculation scheme.
 //
-// Names: node "N<k>", bus "B<k>" (or the bus's own name), station "S<k>", line "L<k>",
-// transformer "T<k>", phase shifter "P<k>", generator "G<k>", load "D<k>", shunt "C<k>",
-// k the bus or branch number; a branch of zero impedance is a closed breaker "Z<k>". A generator's Mode_Ctrl gives its bus type: 2 slack, 1 PV, 0 PQ. A
+// Names: node "N<k>", bus "B<k>", station "S<k>", line "L<k>", transformer "T<k>",
+// phase shifter "P<k>", generator "G<k>", load "D<k>", shunt "C<k>", k the bus or branch
+// number; a branch of zero impedance is a closed breaker "Z<k>". Where the network names
+// them, a bus's name is that of its bus and of its node, its station that of its station
+// (which several buses may share), and a branch's or generator's name its own; a
+// generator's own node, breaker and switch keep "N<k>G", "K<k>" and "Q<k>". Names are
+// checked when read: at most 20 bytes as the base tables count them (common/GbkWidth.h),
+// none twice among its kind. A generator's Mode_Ctrl gives its bus type: 2 slack, 1 PV, 0 PQ. A
 // shunt is stored by its impedance: G + jB = 1 / (R1 + jX1). A transformer's Tk is the
 // off-nominal ratio at its I end, its charging is its Bm (negated: Gm - jBm is the shunt
 // admittance, half at each end). A line's B1_Half is half the total charging. Parallel
@@ -26,7 +31,8 @@ struct Bus
 {
     int num = 0;
     int type = 1; // 1 PQ, 2 PV, 3 slack, 4 isolated (everything on it out of service)
-    QString name; // empty: "B<num>"
+    QString name;    // empty: "B<num>", its node "N<num>"
+    QString station; // empty: "S<num>"
     double pdMW = 0, qdMVAr = 0, gsMW = 0, bsMVAr = 0;
     double baseKV = 0;
     double vm = 1.0, vaDeg = 0; // published solution or start values
@@ -37,6 +43,7 @@ struct Bus
 struct Gen
 {
     int bus = 0;
+    QString name; // empty: "G<k>", k its place among the generators
     double pgMW = 0, qgMVAr = 0, qmax = 0, qmin = 0, vg = 1.0, pmax = 0, pmin = 0;
     double mBase = 0; // the machine's own base power, MVA (0: not given)
     int status = 1;
@@ -50,6 +57,7 @@ struct Branch
     double rateMVA = 0; // 0: unrated
     int status = 1;
     bool transformer = false;
+    QString name; // empty: the writer's own
 };
 
 struct Network
@@ -61,7 +69,9 @@ struct Network
     std::vector<Branch> branches;
 };
 
-// Reads a network file in the JSON form of the IEEE samples. False with `error` set.
+// Reads a network file in the JSON form of the IEEE samples, with the optional names
+// "name" (buses, branches, generators) and "station" (buses). False with `error` set,
+// also for a name wider than its column holds and for a name given twice.
 bool ReadNetworkJson(const QString& path, Network& net, QString& error);
 
 // Reads a MATPOWER case file (version 2: mpc.baseMVA, mpc.bus, mpc.gen, mpc.branch and

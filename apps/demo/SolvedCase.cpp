@@ -80,8 +80,9 @@ bool PutSolution(QSqlDatabase* db, int job, samples::Network& net, QString& erro
         }
     }
     for (std::size_t g = 0; g < net.gens.size(); ++g) {
-        const auto it = output.find(QStringLiteral("G%1").arg(g + 1));
         samples::Gen& gen = net.gens[g];
+        const auto it =
+            output.find(gen.name.isEmpty() ? QStringLiteral("G%1").arg(g + 1) : gen.name);
         if (it != output.end() && gen.status != 0 && net.buses[index.at(gen.bus)].type != 4) {
             // The tables keep nine decimals of a per-unit value: seven of a megawatt here.
             gen.pgMW = std::round(it->second.first * sb * 1e7) / 1e7;

@@ -1,5 +1,7 @@
 #include "StudyOptions.h"
 
+#include "common/GbkWidth.h"
+
 #include <QRegularExpression>
 
 namespace demo {
@@ -42,7 +44,11 @@ StudyCommandLine::StudyCommandLine()
       m_faithful("faithful-saveback",
                  "Save back with the statements as the design writes them, which this server "
                  "stops at the two-winding transformers (default: the mended statement mode, "
-                 "which sends the refused statements as intended and runs to the end).")
+                 "which sends the refused statements as intended and runs to the end)."),
+      m_group("group",
+              "Save the change back into the data group NAME (default: NEW): at most 20 bytes "
+              "as the base tables count them, a Chinese character counting 2.",
+              "NAME")
 {
     m_parser.setApplicationDescription(
         "Runs a whole load-flow study with the calcdata library: the network into a fresh "
@@ -52,7 +58,7 @@ StudyCommandLine::StudyCommandLine()
         "Exit status: 0 done; 1 a step of the study failed; 2 a wrong option, a network file "
         "that cannot be read, or a server that cannot be used (nothing is left behind on it).");
     m_parser.addOptions({m_help, m_version, m_network, m_synthetic, m_server, m_user, m_password,
-                         m_database, m_keep, m_out, m_saveCase, m_quiet, m_faithful});
+                         m_database, m_keep, m_out, m_saveCase, m_quiet, m_faithful, m_group});
 }
 
 bool StudyCommandLine::invalid(const QString& why)
@@ -145,6 +151,20 @@ StudyCommandLine::Outcome StudyCommandLine::parse(const QStringList& arguments,
         }
         o.quiet = m_parser.isSet(m_quiet);
         o.faithfulSaveBack = m_parser.isSet(m_faithful);
+        if (m_parser.isSet(m_group)) {
+            o.group = m_parser.value(m_group);
+            // Refused here, before anything is made: the library would refuse it only after
+            // the whole study, and the save-back would then be lost.
+            if (o.group.isEmpty() || GbkWidth(o.group) > kNameBytes) {
+                return invalid(QStringLiteral("--group needs a data group's name of 1 to %1 bytes "
+                                              "as the base tables count them (a Chinese "
+                                              "character 2, so at most 10 of them), not '%2' "
+                                              "(%3 bytes)")
+                                   .arg(kNameBytes)
+                                   .arg(o.group)
+                                   .arg(GbkWidth(o.group)));
+            }
+        }
         return true;
     };
     return check() ? Run : Invalid;

@@ -23,6 +23,7 @@ struct StudyOptions
     QString saveCase; // empty: no MATPOWER case of the solved network
     bool quiet = false;
     bool faithfulSaveBack = false; // the save-back's statements as the design writes them
+    QString group = QStringLiteral("NEW"); // the data group the change is saved into
 };
 
 class StudyCommandLine
@@ -45,7 +46,7 @@ private:
 
     QCommandLineParser m_parser;
     QCommandLineOption m_help, m_version, m_network, m_synthetic, m_server, m_user, m_password,
-        m_database, m_keep, m_out, m_saveCase, m_quiet, m_faithful;
+        m_database, m_keep, m_out, m_saveCase, m_quiet, m_faithful, m_group;
     StudyOptions m_options;
     QString m_error;
 };

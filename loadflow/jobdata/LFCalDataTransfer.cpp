@@ -21,7 +21,7 @@ bool run(QSqlDatabase* db, const QByteArray& sql)
     return ExecStatement(q, sql);
 }
 
-// The scheme's name for its statement: the member holds no terminator at full length.
+// The scheme's name for its statement.
 QByteArray schemeText(QSqlDatabase* db, const char* name, size_t size)
 {
     return SqlText(db, QByteArray(name, static_cast<int>(qstrnlen(name, size))));
@@ -46,7 +46,11 @@ CLFCalDataTransfer::CLFCalDataTransfer(char* schemeName, QSqlDatabase* db)
 
 void CLFCalDataTransfer::Init(char* schemeName)
 {
-    std::strncpy(m_SchName, schemeName ? schemeName : "", sizeof m_SchName);
+    // At most 32 bytes as the design counted them, cut between characters; a longer name
+    // is remembered for the extraction to refuse.
+    const QByteArray scheme(schemeName ? schemeName : "");
+    GbkCopy(m_SchName, scheme, kSchemeBytes);
+    m_overlongScheme = GbkWidth(scheme) > kSchemeBytes ? scheme : QByteArray();
     m_dBaseMva = 1.0;
     QSqlQuery q(*m_pDB);
     if (ExecStatement(q, FormatText(SQL_BASE_POWER, "CDB_SB", WORKING_COPY)) && q.next()) {
@@ -70,6 +74,11 @@ int CLFCalDataTransfer::DeleteLData()
 int CLFCalDataTransfer::ImportLDataFromBaseDB()
 {
     CRunTimeLog frame("ImportLDataFromBaseDB");
+    // The cut name would pick another scheme or none: nothing is emptied or filled.
+    if (!m_overlongScheme.isEmpty()) {
+        ShowMessagef(MSG_ERROR, MSG_SCHEME_TOO_LONG, m_overlongScheme.constData(), kSchemeBytes);
+        return CALC_FAIL;
+    }
     ShowMessage(MSG_START, MSG_PROGRESS);
     Nbus = Ngenerat = Nload = Nacline = Ndcline = Ntrans = Nswitch = 0;
     DeleteLData();

@@ -5,6 +5,7 @@
 // counts go to LF_CASE. Save-back: what a calculation changed goes back to the working
 // copies, in place or into a data group, and orphans are saved into the group.
 
+#include "common/GbkWidth.h"
 #include "common/SaveBackPattern.h"
 
 #include <QMap>
@@ -50,6 +51,7 @@ public:
 private:
     // Tests run single save-back families, which the driver on this server never reaches.
     friend struct CLFCalDataTransferFamilies;
+    static constexpr int kSchemeBytes = 32;
     void Init(char* schemeName);
     // The frame of an extraction family: tmp created before, dropped after success.
     bool CreateTmp();
@@ -95,7 +97,9 @@ private:
     QSqlDatabase* m_pDB;
     CDatabase* m_pBaseDB;
     int m_nJobNumber;
-    char m_SchName[32];
+    // The design's 32 bytes, counted as GBK, in UTF-8 (always terminated here).
+    char m_SchName[GbkBufferSize(kSchemeBytes)];
+    QByteArray m_overlongScheme; // the whole name, when it was wider than kSchemeBytes
     double m_dBaseMva = 1.0;
     bool m_bNewGroup = false;
     QString m_strGroupName;

@@ -41,6 +41,9 @@ constexpr const char* SQL_SCHEME_SOURCE =
     "%s%s c,%s%s a where c.SchName='%s' AND a.IDSch=c.ID AND b.GrpName=a.GrpName GROUP BY "
     "b.ID_Name";
 constexpr const char* MSG_SCHEME = "按计算方案抽取数据发生错误！";
+// Not the design's: a scheme name wider than the transfer holds is refused before anything.
+constexpr const char* MSG_SCHEME_TOO_LONG =
+    "计算方案名 %s 超过%d字节（汉字按2字节计），无法按方案抽取，作业表未作任何修改。";
 
 // ---- Generators and loads ----
 constexpr const char* SQL_L5_UNIT1 =

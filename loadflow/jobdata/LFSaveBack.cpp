@@ -74,6 +74,10 @@ SaveBackPreview CLFCalDataTransfer::PreviewLDataToBaseDB(QString groupName, bool
 
 int CLFCalDataTransfer::RunSaveBack(const QString& groupName, bool newGroup)
 {
+    // Orphans go into the group with either flag, so the name must fit in both cases.
+    if (!m_saveBack.GroupNameFits(groupName)) {
+        return CALC_FAIL;
+    }
     m_strGroupName = groupName;
     m_bNewGroup = newGroup;
     Nbus = Ngenerat = Nload = Nacline = Ndcline = Ntrans = Nswitch = 0;

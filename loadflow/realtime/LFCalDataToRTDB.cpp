@@ -2,6 +2,7 @@
 
 #include "common/Conversions.h"
 #include "common/Feedback.h"
+#include "common/GbkWidth.h"
 #include "common/ModalBox.h"
 #include "common/RowValues.h"
 #include "common/SqlRows.h"
@@ -24,8 +25,8 @@ using namespace lfrt;
 
 namespace {
 
-// Bus_Ctrl holds at most 20 bytes; one more keeps the copy terminated.
-constexpr int kBusCtrlSize = 21;
+// Bus_Ctrl holds at most 20 bytes as the design counted them (GbkWidth.h), in UTF-8 here.
+constexpr std::size_t kBusCtrlSize = GbkBufferSize(kNameBytes);
 
 // Runs a job-table SELECT forward only; false when the server refused it.
 bool runSelect(CSqlRows& rows, QSqlQuery& q, const QByteArray& sql)
@@ -96,11 +97,10 @@ void warn(const char* text)
     ShowModalBox(ModalBoxKind::Warning, BOX_CAPTION, QObject::tr(text));
 }
 
-// A row's Bus_Ctrl into its buffer, cut to 20 bytes and terminated.
+// A row's Bus_Ctrl into its buffer, cut to 20 bytes between characters and terminated.
 void copyBusCtrl(char (&buf)[kBusCtrlSize], const QByteArray& value)
 {
-    std::memset(buf, 0, sizeof buf);
-    Strncopy(buf, value.constData(), kBusCtrlSize - 1);
+    GbkCopy(buf, value, kNameBytes);
 }
 
 // The frame of the import families with one record class: the job table's SELECT (a

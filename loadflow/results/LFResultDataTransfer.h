@@ -4,6 +4,8 @@
 // left them. The two drivers do not pass on their families' failures: a caller learns of
 // those from the messages.
 
+#include "common/GbkWidth.h"
+
 #include <QByteArray>
 #include <QList>
 
@@ -16,7 +18,7 @@ class dbDatabase;
 struct SKV
 {
     int Zone_No;
-    char KV[28];
+    char KV[GbkBufferSize(27)]; // 27 bytes as the design counted them, in UTF-8
     double Base_kV;
     double Vmax_kV;
     double Vmin_kV;

@@ -106,8 +106,7 @@ int CLFResultDataTransfer::PrepareLFDataList()
     do {
         SKV& k = (*m_pKVList)[i++];
         k.Zone_No = std::atoi(levels->Zone);
-        std::strncpy(k.KV, levels->id, sizeof k.KV - 1);
-        k.KV[sizeof k.KV - 1] = '\0';
+        GbkCopy(k.KV, QByteArray(levels->id), 27); // never cut inside a character
         k.Base_kV = levels->Base_kV;
         k.Vmax_kV = levels->Vmax_kV;
         k.Vmin_kV = levels->Vmin_kV;

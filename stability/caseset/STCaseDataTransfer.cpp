@@ -18,8 +18,8 @@ using namespace stcase;
 
 namespace {
 
-// Names hold at most 20 bytes of local 8-bit text; a case's note 100.
-constexpr int kNameBytes = 20;
+// Names hold at most 20 bytes (kNameBytes) and a case's note 100, as the design counted
+// them: a Chinese character 2.
 constexpr int kNoteBytes = 100;
 
 bool run(QSqlQuery& q, const QByteArray& sql)
@@ -30,7 +30,7 @@ bool run(QSqlQuery& q, const QByteArray& sql)
 QByteArray text(const QSqlQuery& q, int column, int maxBytes = -1)
 {
     const QByteArray bytes = q.value(column).toString().toLocal8Bit();
-    return maxBytes < 0 ? bytes : bytes.left(maxBytes);
+    return maxBytes < 0 ? bytes : GbkCut(bytes, maxBytes);
 }
 
 // The switch of a family in the case tables: the first column of `sql` (a flag select
@@ -495,11 +495,11 @@ int CSTCaseDataTransfer::ImportUPCAL_STDataToRTDB()
 
 namespace {
 
-// Copies a column into a 21-byte name buffer of SDist_Inf, cut to 20 bytes.
-void copyName(char (&target)[21], const QSqlQuery& q, int column)
+// Copies a column into a name buffer of SDist_Inf, cut to 20 bytes.
+void copyName(char (&target)[GbkBufferSize(kNameBytes)], const QSqlQuery& q, int column)
 {
     std::memset(target, 0, sizeof target);
-    Strncopy(target, text(q, column).constData(), kNameBytes);
+    GbkCopy(target, text(q, column), kNameBytes);
 }
 
 // A disturbance record: valid, its name and ends with their bus numbers.

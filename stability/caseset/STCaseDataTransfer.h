@@ -16,24 +16,26 @@
 // real-time database. The working table DT6 has one fixed name in the shared database,
 // so two imports must not run at once on one database.
 
+#include "common/GbkWidth.h"
+
 #include <QByteArray>
 
 class QSqlDatabase;
 class dbDatabase;
 
 // One row of ST_DIST_INF while it is processed; zeroed for each row. Texts are cut to
-// 20 bytes.
+// 20 bytes as the design counted them (a Chinese character 2), held in UTF-8.
 struct SDist_Inf
 {
     int Reserved;
     int Case_No;
     int Valid;
     int Type;
-    char Bus_Name[21];
-    char ID_Name[21];
+    char Bus_Name[GbkBufferSize(kNameBytes)];
+    char ID_Name[GbkBufferSize(kNameBytes)];
     int ID_No;
-    char I_Name[21];
-    char J_Name[21];
+    char I_Name[GbkBufferSize(kNameBytes)];
+    char J_Name[GbkBufferSize(kNameBytes)];
 };
 
 // One row of ST_DIST_T6 on its way into DT6.

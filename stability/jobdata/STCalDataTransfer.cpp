@@ -36,15 +36,6 @@ QByteArray numbered(const char* text, char digit)
     return t;
 }
 
-// Copies at most size-1 bytes and always terminates: LF_CASE.SCHEME holds 40 characters
-// and the scheme buffer 32 bytes.
-void copyScheme(char (&target)[32], const QByteArray& source)
-{
-    std::memset(target, 0, sizeof target);
-    std::memcpy(target, source.constData(),
-                static_cast<std::size_t>(qMin<qsizetype>(source.size(), sizeof target - 1)));
-}
-
 } // namespace
 
 CSTCalDataTransfer::CSTCalDataTransfer(int jobNumber, int lfCase, QSqlDatabase* db,
@@ -54,11 +45,11 @@ CSTCalDataTransfer::CSTCalDataTransfer(int jobNumber, int lfCase, QSqlDatabase* 
 {
     // A case without a scheme (number 0, no row) leaves the name empty: its fills pick
     // nothing rather than reading an unset buffer.
-    std::memset(m_SchName, 0, sizeof m_SchName);
+    SetScheme(QByteArray());
     if (lfCase > 0) {
         QSqlQuery q(*m_pDB);
         if (ExecStatement(q, FormatText(SQL_LF_SCHEME, "LF_CASE", lfCase)) && q.next()) {
-            copyScheme(m_SchName, q.value(0).toString().toLocal8Bit());
+            SetScheme(q.value(0).toString().toLocal8Bit());
         }
     }
     Init();
@@ -68,8 +59,16 @@ CSTCalDataTransfer::CSTCalDataTransfer(char* schemeName, QSqlDatabase* db)
     : m_pDB(db), m_pBaseDB(nullptr), m_nLFCase(0), m_nJobNumber(0),
       m_saveBack(db, sts::MSG_SQL_FAIL)
 {
-    copyScheme(m_SchName, QByteArray(schemeName ? schemeName : ""));
+    SetScheme(QByteArray(schemeName ? schemeName : ""));
     Init();
+}
+
+// LF_CASE.SCHEME holds 40 characters and the scheme buffer 31 bytes as the design counted
+// them: a longer name is cut between characters and remembered, for the extraction to refuse.
+void CSTCalDataTransfer::SetScheme(const QByteArray& name)
+{
+    GbkCopy(m_SchName, name, kSchemeBytes);
+    m_overlongScheme = GbkWidth(name) > kSchemeBytes ? name : QByteArray();
 }
 
 void CSTCalDataTransfer::Init()
@@ -115,6 +114,11 @@ int CSTCalDataTransfer::DeleteSData()
 
 int CSTCalDataTransfer::ImportSDataFromBaseDB()
 {
+    // The cut name would pick another scheme or none: nothing is emptied or filled.
+    if (!m_overlongScheme.isEmpty()) {
+        ShowMessagef(MSG_ERROR, MSG_SCHEME_TOO_LONG, m_overlongScheme.constData(), kSchemeBytes);
+        return CALC_FAIL;
+    }
     ShowMessage(MSG_START, MSG_PROGRESS);
     DeleteSData(); // what it could not empty, its message has told
     run(m_pDB, SQL_DROP_STALE_TMP);

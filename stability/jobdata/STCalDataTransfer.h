@@ -5,6 +5,7 @@
 // table L1_n. The tables hold what transient stability adds to load flow: zero-sequence
 // values, DC control data, dynamic model references and static var compensators.
 
+#include "common/GbkWidth.h"
 #include "common/SaveBackPattern.h"
 
 #include <QByteArray>
@@ -50,11 +51,15 @@ public:
     int Nbus = 0, Ngenerat = 0, Nload = 0, Nacline = 0, Ndcline = 0, Ntrans = 0, Nsvc = 0;
 
     double BasePower() const { return m_dBaseMva; }
-    // The scheme the job is extracted by; empty when the load-flow case gave none.
+    // The scheme the job is extracted by; empty when the load-flow case gave none. A name
+    // wider than 31 bytes (a Chinese character counting 2) is kept cut between characters,
+    // and the extraction refuses it.
     const char* SchemeName() const { return m_SchName; }
 
 private:
+    static constexpr int kSchemeBytes = 31;
     void Init();
+    void SetScheme(const QByteArray& name);
     // The tmp of S4 to S6: made, or dropped and made again; false after the message.
     bool CreateTmp();
     // Fills tmp by the scheme from `source` (a composed working-copy name); false after
@@ -104,7 +109,9 @@ private:
     CDatabase* m_pBaseDB;
     int m_nLFCase;
     int m_nJobNumber;
-    char m_SchName[32];
+    // The design's 32 bytes (31 and the terminator, counted as GBK), in UTF-8.
+    char m_SchName[GbkBufferSize(kSchemeBytes)];
+    QByteArray m_overlongScheme; // the whole name, when it was wider than kSchemeBytes
     double m_dBaseMva = 1.0;
     bool m_bNewGroup = false;
     QString m_strGroupName;

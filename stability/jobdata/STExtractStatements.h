@@ -23,6 +23,9 @@ constexpr const char* SQL_DELETE_BUSMAP = "DELETE FROM %s%s WHERE Case_No= %d ";
 
 // ---- The driver ----
 constexpr const char* MSG_START = "基础库数据抽取开始...";
+// Not the design's: a scheme name wider than the transfer holds is refused before anything.
+constexpr const char* MSG_SCHEME_TOO_LONG =
+    "计算方案名 %s 超过%d字节（汉字按2字节计），无法按方案抽取暂稳数据，作业表未作任何修改。";
 constexpr const char* MSG_DONE = "基础库数据抽取完成。";
 constexpr const char* SQL_DROP_STALE_TMP = "DROP TABLE IF EXISTS tmp ";
 constexpr const char* SQL_CASE_ROW = "SELECT Case_No FROM %s WHERE Case_No=%d ";

@@ -41,6 +41,10 @@ SaveBackPreview CSTCalDataTransfer::PreviewSDataToBaseDB(QString groupName, bool
 
 int CSTCalDataTransfer::RunSaveBack(const QString& groupName, bool newGroup)
 {
+    // In place the group's name is kept and never written, so only a new group is refused.
+    if (newGroup && !m_saveBack.GroupNameFits(groupName)) {
+        return CALC_FAIL;
+    }
     m_strGroupName = groupName;
     m_bNewGroup = newGroup;
     Nbus = Nacline = Ntrans = Ndcline = Ngenerat = Nload = Nsvc = 0;

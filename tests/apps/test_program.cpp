@@ -8,6 +8,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QSqlError>
 #include <QTemporaryDir>
@@ -88,11 +91,19 @@ TEST(StudyOptions, AcceptsWhatTheHelpOffersAndRefusesTheRestInOneLine)
     EXPECT_EQ(cl.options().server.port, 3306);
     EXPECT_EQ(cl.options().server.password, "from-env");
 
+    EXPECT_EQ(cl.options().group, "NEW");
+    ASSERT_EQ(Parse(cl, {"--group", "华北电网运行方式调整"}), StudyCommandLine::Run);
+    EXPECT_EQ(cl.options().group, "华北电网运行方式调整");
+    EXPECT_EQ(Parse(cl, {"--group", "华北电网运行方式调整甲"}), StudyCommandLine::Invalid);
+    EXPECT_EQ(cl.error(), "--group needs a data group's name of 1 to 20 bytes as the base tables "
+                          "count them (a Chinese character 2, so at most 10 of them), not "
+                          "'华北电网运行方式调整甲' (22 bytes)");
+
     EXPECT_EQ(Parse(cl, {"--help"}), StudyCommandLine::ShowHelp);
     EXPECT_EQ(Parse(cl, {"--version"}), StudyCommandLine::ShowVersion);
     for (const char* option : {"--network", "--synthetic", "--server", "--user", "--password",
                                   "--database", "--keep", "--out", "--quiet", "--version",
-                                  "--faithful-saveback", "--save-case"}) {
+                                  "--faithful-saveback", "--save-case", "--group"}) {
         EXPECT_TRUE(cl.helpText().contains(option)) << option;
     }
 
@@ -168,6 +179,7 @@ TEST_F(Program, RefusesInOneLineWithStatusTwoAndLeavesNothingBehind)
         {"--network", tmp.filePath("missing.json"), "--database", never},
         {"--network", malformed, "--database", never},
         {"--server", "127.0.0.1:1", "--database", never},
+        {"--group", "华北电网运行方式调整甲", "--database", never},
         // A database of that name stands: it is refused and left as it is.
         {"--database", scratch().name()},
     };
@@ -274,6 +286,60 @@ TEST_F(Program, WritesTheResultTablesAsCsvAndKeepsTheDatabaseWhenAsked)
     EXPECT_NEAR(l1.value(5).toDouble(), q.value(0).toDouble(), 1e-4);
     EXPECT_NEAR(l1.value(8).toDouble(), q.value(1).toDouble(), 1e-4);
     EXPECT_EQ(l1.value(9), "") << "unrated";
+    Exec("DROP DATABASE " + kept);
+}
+
+// The Chinese sample from its file to the CSV files: every bus, line and generator under the
+// name the file gives it, byte for byte, and the change saved into a group of ten Chinese
+// characters.
+TEST_F(Program, AChineseNetworkKeepsEveryNameFromTheFileToTheCsvFiles)
+{
+    QTemporaryDir tmp;
+    ASSERT_TRUE(tmp.isValid());
+    const QString kept = QString("t_cn_%1").arg(QCoreApplication::applicationPid());
+    const QString group = "华北电网运行方式调整";
+    const ProgramRun r = RunProgram({"--network", CALCDATA_SAMPLES_DIR "/cn_grid.json", "--group",
+                                     group, "--out", tmp.path(), "--keep", "--database", kept});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    QFile file(CALCDATA_SAMPLES_DIR "/cn_grid.json");
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QJsonObject net = QJsonDocument::fromJson(file.readAll()).object();
+    QMap<int, QString> bus;
+    for (const QJsonValue& b : net["buses"].toArray()) {
+        bus[b["num"].toInt()] = b["name"].toString();
+        EXPECT_TRUE(r.out.contains("\n  " + b["name"].toString() + " ")) << "printed";
+    }
+    QStringList branches, gens;
+    for (const QJsonValue& b : net["branches"].toArray()) {
+        branches << QStringList{b["name"].toString(), "line", bus[b["from"].toInt()],
+                                bus[b["to"].toInt()]}.join(',');
+    }
+    for (const QJsonValue& g : net["gens"].toArray()) {
+        gens << g["name"].toString();
+    }
+    auto column = [&](const QString& csv, int columns) {
+        QStringList out;
+        for (const QString& line : Lines(tmp.filePath(csv)).mid(1)) {
+            out << line.section(',', 0, columns - 1);
+        }
+        out.sort();
+        return out;
+    };
+    QStringList buses = bus.values();
+    buses.sort();
+    branches.sort();
+    gens.sort();
+    EXPECT_EQ(column("buses.csv", 1), buses);
+    EXPECT_EQ(column("branches.csv", 4), branches);
+    EXPECT_EQ(column("generators.csv", 1), gens);
+    const QString changed = r.out.section("changed: generator ", 1).section(' ', 0, 0);
+    EXPECT_TRUE(gens.contains(changed)) << r.out.toStdString();
+    EXPECT_EQ(Scalar("SELECT COUNT(*) FROM " + kept + ".CDB_GENERATBAK WHERE GrpName='" + group +
+                     "' AND ID_Name='" + changed + "'"),
+              "1");
+    EXPECT_EQ(Scalar("SELECT GrpName FROM " + kept + ".CDB_DATAGROUPBAK WHERE GrpName<>'BASE' "
+                     "AND GrpName NOT LIKE 'BASE\\_%'"),
+              group);
     Exec("DROP DATABASE " + kept);
 }
 

@@ -29,11 +29,11 @@ TEST_F(CaseAndFaults, CaseCriteriaAndFaultsStandCommittedAndASecondLoadDoublesTh
     CaseRow("ST_SC=2,T_Total=5.5,DT_Step=0.01,F60=1,EQ_Method=2,EQ_Continu=3,Ctrl_Fault=1,"
             "Calculate=7,UDOUT=4,CAL_DATE='2024-05-01',CAL_TIME='12:00:00',UD_TIME=0,Nup=11,"
             "Nbus=12,Ngenerat=13,Nload=14,Nacline=15,Ndcline=16,Ntrans=17,Nsvc=18,Nfault=99,"
-            "Ndist=98,Istable=1,Tstable=1.9,Note=REPEAT('x',150)");
+            "Ndist=98,Istable=1,Tstable=1.9,Note=CONCAT('x',REPEAT('注',60))");
     Exec("INSERT INTO ST_OUT (Case_No) VALUES (3)");
     Exec("INSERT INTO ST_CRIT (Case_No,Valid,Lstop,MaxDAng,MinVol,TDVol,MinFreq,TDFreq,NanaGrp,"
          "TSDAng,ID_Name1,ID_Name2,Gen_Name1,Gen_Name2,TSProny,TEProny,NDTProny) VALUES "
-         "(3,1,2,180,0.7,0.5,49,1.5,4,2.5,'L1','L2','G1','G2',1,5,30),"
+         "(3,1,2,180,0.7,0.5,49,1.5,4,2.5,'L1','L2','G1','十一个字的发电机名称乙',1,5,30),"
          "(3,0,0,0,0,0,0,0,0,0,'X','X','X','X',0,0,0)");
     const int f1 = lastBus() + 1, f2 = lastBus() + 2;
     Exec(QString("INSERT INTO ST_FAULT (%1) VALUES "
@@ -106,14 +106,15 @@ TEST_F(CaseAndFaults, CaseCriteriaAndFaultsStandCommittedAndASecondLoadDoublesTh
     EXPECT_EQ(c.Istable, 1);
     EXPECT_EQ(c.Tstable, 1.0f) << "1.9 cut, not rounded";
     EXPECT_EQ(c.Tolerance, 0.0005f);
-    EXPECT_EQ(std::string(c.Note), std::string(100, 'x'));
+    // 100 and 20 bytes as the design counted them: a Chinese character 2, never cut in half.
+    EXPECT_EQ(QString(c.Note), "x" + QString("注").repeated(49));
 
     ASSERT_EQ(Records<stcrit>(), 1) << "the first row only";
     const stcrit k = All<stcrit>()[0];
     EXPECT_EQ(k.Lstop, 2);
     EXPECT_FLOAT_EQ(k.MinVol, 0.7f);
     EXPECT_EQ(k.NanaGrp, 4);
-    EXPECT_STREQ(k.Gen_Name2, "G2");
+    EXPECT_EQ(QString(k.Gen_Name2), "十一个字的发电机名称");
     EXPECT_EQ(k.NDTProny, 30);
 
     // Everything above was committed: a rollback keeps it.

@@ -1,8 +1,11 @@
 // Text values in statements: escaped by the server's rules of the session, byte for byte
-// where nothing needs escaping, refused where the local encoding cannot carry them.
+// where nothing needs escaping, refused where the local encoding cannot carry them or the
+// connection's character set could hide a backslash; names measured and cut as the design
+// counted them.
 
 #include "DbTest.h"
 #include "common/Feedback.h"
+#include "common/GbkWidth.h"
 
 #include <QSqlError>
 
@@ -19,7 +22,11 @@ protected:
         ASSERT_TRUE(q.exec("CREATE TABLE names (n CHAR(20) BINARY)"));
         ASSERT_TRUE(q.exec("INSERT INTO names VALUES ('a'), ('b'), ('x')"));
     }
-    void TearDown() override { QSqlQuery(*db()).exec("SET SESSION sql_mode=DEFAULT"); }
+    void TearDown() override
+    {
+        QSqlQuery(*db()).exec("SET SESSION sql_mode=DEFAULT");
+        QSqlQuery(*db()).exec("SET NAMES utf8mb4");
+    }
     // Stores `name` through the helper and selects it back through the helper.
     static void RoundTrip(const std::string& name, const char* mode)
     {
@@ -102,4 +109,58 @@ TEST_F(SqlTextTest, ABareWordStaysAndAnythingElseIsAColumnNameTheServerRefuses)
     EXPECT_EQ(Count("names"), 3) << "no row deleted";
     EXPECT_TRUE(ExecStatement(q, "SELECT n FROM names WHERE n = " + SqlWord("n")))
         << "a column's name is still a column's name";
+}
+
+// A character set in which 0x5C can end a two-byte character: "阿\\" is E9 98 BF 5C in
+// UTF-8, and BF 5C is one GBK character, so the doubled backslash would leave one that
+// escapes the closing quote. Nothing is sent, for any such set; utf8mb4 works again.
+TEST_F(SqlTextTest, AConnectionWhoseCharsetHidesABackslashSendsNothing)
+{
+    QSqlQuery q(*db());
+    for (const char* charset : {"gbk", "big5", "sjis", "cp932"}) {
+        ASSERT_TRUE(q.exec(QString("SET NAMES %1").arg(charset)));
+        feedback().clear();
+        EXPECT_FALSE(ExecStatement(
+            q, "INSERT INTO names VALUES ('" + SqlText(db(), "阿\\") + "'), ('tail')"));
+        EXPECT_EQ(feedback().texts(2),
+                  std::vector<std::string>{std::string("连接的客户端字符集为 ") + charset +
+                                           "，其双字节字符的第二个字节可能是反斜杠，名称无法安全"
+                                           "地写入语句，语句未执行。请在该连接上使用 utf8mb4（SET "
+                                           "NAMES utf8mb4）。"});
+    }
+    ASSERT_TRUE(q.exec("SET NAMES utf8mb4"));
+    EXPECT_EQ(Count("names"), 3) << "nothing was inserted";
+    EXPECT_TRUE(ExecStatement(q, "INSERT INTO names VALUES ('" + SqlText(db(), "阿\\") + "')"));
+    EXPECT_EQ(Count("names WHERE n=" + QString::fromUtf8("'阿\\\\'")), 1);
+}
+
+// ASCII one byte, any other character two, a cut never inside a character.
+TEST(GbkWidthTest, MeasuresAndCutsAsTheDesignCountedBytes)
+{
+    const struct
+    {
+        const char* text;
+        int width;
+        int limit;
+        const char* cut;
+    } cases[] = {
+        {"", 0, 20, ""},
+        {"N1_a", 4, 3, "N1_"},
+        {"华北电网运行方式调整", 20, 20, "华北电网运行方式调整"},
+        {"华北电网运行方式调整区", 22, 20, "华北电网运行方式调整"},
+        {"A华北", 5, 2, "A"},
+        {"A华北", 5, 3, "A华"},
+        {"\xF0\x9F\x98\x80" "A", 3, 1, ""}, // a character outside the BMP: four bytes, two wide
+        {"\xE5\x8D" "A", 5, 4, "\xE5\x8D"}, // broken bytes count one character each
+        {"é", 2, 1, ""},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(GbkWidth(QByteArray(c.text)), c.width) << c.text;
+        EXPECT_EQ(GbkCut(QByteArray(c.text), c.limit), QByteArray(c.cut)) << c.text;
+    }
+    EXPECT_EQ(GbkWidth(QString("华北A")), 5);
+    char buffer[GbkBufferSize(kNameBytes)];
+    static_assert(sizeof buffer == 41);
+    GbkCopy(buffer, QByteArray("\xF0\x9F\x98\x80").repeated(11), kNameBytes);
+    EXPECT_EQ(QByteArray(buffer), QByteArray("\xF0\x9F\x98\x80").repeated(10)) << "40 bytes";
 }

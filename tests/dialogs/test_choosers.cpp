@@ -88,13 +88,14 @@ TEST_F(Choosers, BusNameTypingIsStrippedCheckedAndTakenBack)
     EXPECT_EQ(dlg.LineEdit_BusName->text(), "B3");
     EXPECT_EQ(Errors().size(), 3u);
 
-    // 20 bytes: six Chinese characters pass, a seventh (21 bytes) is taken back.
+    // 20 bytes as the design counted them: ten Chinese characters pass, the eleventh is
+    // taken back.
     ClearByKeys(dlg.LineEdit_BusName);
     feedback().clear();
-    for (const QChar c : QString("一二三四五六七")) {
+    for (const QChar c : QString("一二三四五六七八九十甲")) {
         CommitText(dlg.LineEdit_BusName, c);
     }
-    EXPECT_EQ(dlg.LineEdit_BusName->text(), "一二三四五六");
+    EXPECT_EQ(dlg.LineEdit_BusName->text(), "一二三四五六七八九十");
     EXPECT_EQ(Errors(), (std::vector<std::string>{TOO_LONG, RESTORED}));
     EXPECT_FALSE(SaveScreenshot(&dlg, "bus_chooser").isEmpty());
 }
@@ -146,9 +147,8 @@ TEST_F(Choosers, ElementChooserLooksUpTheNodeAndStillClosesWhenTheLookupFails)
     WhenShown(&dlg, [&] {
         EXPECT_FALSE(SaveScreenshot(&dlg, "element_chooser").isEmpty());
         // No name rule here, and no last name to go back to: too long empties the edit.
-        for (const QChar c : QString("一二三四五六七")) {
-            CommitText(dlg.LineEdit_BusName, c);
-        }
+        CommitText(dlg.LineEdit_BusName, "一二三四五六七八九十");
+        CommitText(dlg.LineEdit_BusName, "甲");
         EXPECT_EQ(dlg.LineEdit_BusName->text(), "");
         EXPECT_EQ(Errors(), (std::vector<std::string>{"名称字符串超过20位！",
                                                       "自动恢复上一次合法的名称！"}));
@@ -215,6 +215,31 @@ TEST_F(Choosers, CaseSearchFindsByPrefixAndGivesTheWholeName)
     QTest::keyClicks(none.LineEdit_ParNo, "x");
     none.ToolButton_OK_clicked();
     EXPECT_EQ(boxes().boxes().size(), 3u);
+}
+
+// Under zh_CN the cases stand as the user's locale sorts them: Chinese first, in pinyin
+// order, then Latin letters with case ignored (Qt 6's own sort would put Latin first, upper
+// case before lower, and Chinese by code point); a typed prefix finds the first in that
+// order.
+TEST_F(Choosers, CaseNamesStandInTheLocalesOrder)
+{
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::China));
+    Exec("INSERT INTO ST_CASE(Case_No,Case_Name) VALUES (1,'上海'),(2,'北京'),(3,'ABE'),"
+         "(4,'大连'),(5,'天津'),(6,'安庆'),(7,'Abd'),(8,'广州'),(9,'成都'),(10,'abc'),(11,'郑州'),"
+         "(12,'北京南')");
+    WinDlgCaseNoSearch dlg(db(), "ST_CASE");
+    QStringList listed;
+    for (int k = 0; k < dlg.ListBox_ParNo->count(); ++k) {
+        listed << dlg.ListBox_ParNo->item(k)->text();
+    }
+    EXPECT_EQ(listed, QStringList({"安庆", "北京", "北京南", "成都", "大连", "广州", "上海", "天津",
+                                   "郑州", "abc", "Abd", "ABE"}));
+    CommitText(dlg.LineEdit_ParNo, "北京");
+    EXPECT_EQ(Current(dlg.ListBox_ParNo), "北京");
+    dlg.ToolButton_OK_clicked();
+    EXPECT_EQ(dlg.GetCaseName(), "北京");
+    QLocale::setDefault(before);
 }
 
 TEST(CaseComboBox, IsReadOnlyAndEmitsItsSignalsOnlyWhenAsked)

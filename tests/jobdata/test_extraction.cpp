@@ -299,13 +299,17 @@ TEST_F(Extraction, BadInputEndsWithTheDesignsMessagesAndLeavesTheBaseTablesAlone
     EXPECT_EQ(q.ImportLDataFromBaseDB(), 0);
     EXPECT_TRUE(feedback().texts(2).empty());
     EXPECT_EQ(Count("L2_0"), 0);
-    // A name of 40 characters is cut to 32 and matches nothing: empty job tables, no error.
+    // A name of 33 bytes would be cut to 32 and pick another scheme or none: refused, and
+    // the job tables keep what they hold.
+    Exec("INSERT INTO L2_0(Case_No, ID_Name) VALUES (0, 'KEPT')");
     feedback().clear();
-    char longName[] = "SCHxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx";
+    char longName[] = "SCHxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx";
     CLFCalDataTransfer l(0, longName, db(), nullptr);
-    EXPECT_EQ(l.ImportLDataFromBaseDB(), 0);
-    EXPECT_EQ(Count("L2_0"), 0);
-    EXPECT_TRUE(feedback().texts(2).empty());
+    EXPECT_EQ(l.ImportLDataFromBaseDB(), 1);
+    EXPECT_EQ(Rows("SELECT ID_Name FROM L2_0"), std::vector<std::string>{"KEPT"});
+    EXPECT_EQ(feedback().texts(2), std::vector<std::string>{
+                                       "计算方案名 SCHxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx 超过32字节（汉字"
+                                       "按2字节计），无法按方案抽取，作业表未作任何修改。"});
     // A job number without job tables: every family reports and fails, nothing crashes.
     feedback().clear();
     CLFCalDataTransfer none(99, kScheme, db(), nullptr);

@@ -410,22 +410,25 @@ TEST_F(JobNames, ExtractionAndSaveBackTouchOnlyTheRowsOfTheNamesTheyWereGiven)
     EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName=" + Literal("x' OR '1'='1")), 1);
 }
 
-// A scheme name cut inside a multi-byte character (the transfer keeps 32 bytes of it)
-// cannot be sent as it stands: every family shows its message, instead of asking for a
-// scheme of another name.
-TEST_F(JobNames, ASchemeNameCutInsideACharacterFailsEachFamilyWithItsMessage)
+// A scheme name of 16 Chinese characters fills the 32 bytes the design counted and goes
+// out whole; a 17th cannot fit, and nothing is sent for it.
+TEST_F(JobNames, ASchemeNameWiderThan32BytesIsRefusedBeforeAnyStatement)
 {
-    std::string name = "方案";
-    while (name.size() < 33) {
-        name += "甲"; // three bytes each: the 32nd byte falls inside one
-    }
-    std::vector<char> scheme(name.begin(), name.end());
-    scheme.push_back('\0');
+    const std::string fits = "华北电网二零二五年冬季大方式方案", over = fits + "甲";
     StartStatementLog();
-    CLFCalDataTransfer job(0, scheme.data(), db(), nullptr);
-    EXPECT_EQ(job.ImportLDataFromBaseDB(), 1);
-    EXPECT_EQ(feedback().texts(2), std::vector<std::string>(6, "按计算方案抽取数据发生错误！"));
-    for (const std::string& s : SentStatements()) {
-        EXPECT_EQ(s.find("SchName="), std::string::npos) << "sent: " << s;
+    for (const std::string& name : {fits, over}) {
+        std::vector<char> scheme(name.begin(), name.end());
+        scheme.push_back('\0');
+        CLFCalDataTransfer job(0, scheme.data(), db(), nullptr);
+        EXPECT_EQ(job.ImportLDataFromBaseDB(), name == fits ? 0 : 1);
     }
+    int whole = 0;
+    for (const std::string& s : SentStatements()) {
+        whole += s.find("SchName='" + fits + "'") != std::string::npos;
+        EXPECT_EQ(s.find(over), std::string::npos) << "sent: " << s;
+    }
+    EXPECT_EQ(whole, 11) << "the fills of L2 and L3 (three each), L4, L5, L6, breakers, switches";
+    EXPECT_EQ(feedback().texts(2), std::vector<std::string>{"计算方案名 " + over +
+                                                            " 超过32字节（汉字按2字节计），无法按"
+                                                            "方案抽取，作业表未作任何修改。"});
 }

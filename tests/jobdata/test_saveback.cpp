@@ -4,6 +4,7 @@
 #include "Faults.h"
 #include "SampleNetwork.h"
 #include "SaveBackFamilies.h"
+#include "TableSnapshots.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 #include "platform/CDatabase.h"
 
@@ -40,7 +41,7 @@ protected:
                   "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_PCAPREABAK", "CDB_BREAKERBAK",
                   "CDB_DATAGROUPBAK", "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "LF_CASE"});
         // The run before stopped at the transformers and left T2W on the library's connection.
-        QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS T2W");
+        QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS T2W, T3W");
         WriteAndExtract(db(), "ieee14.json");
         if (HasFatalFailure()) {
             return;
@@ -269,28 +270,52 @@ TEST_F(SaveBackFaults, AQuotedGroupNameTakesTheOrphanAndALostConnectionFailsTheR
     EXPECT_TRUE(db()->open());
 }
 
-// A group name is held in 20 bytes; the lenient server cuts a longer one without a word.
-TEST_F(SaveBack, AGroupNameOver20BytesIsCutByTheServerAndTheCopiesKeepTheBaseValues)
+// A group's name holds 20 bytes as the design counted them: ten Chinese characters save
+// back whole (the copy, its update in the group, the orphan, the group's row); an eleventh
+// is refused before anything is written, by the save-back, its preview and all-or-nothing.
+TEST_F(SaveBack, AChineseGroupNameOfTenCharactersSavesWholeAndAnEleventhWritesNothing)
 {
-    const QString longName = "GROUP_NAME_OF_25_BYTES_X";
-    ASSERT_EQ(longName.toLocal8Bit().size(), 24);
+    const QString ten = "华北电网运行方式调整", eleven = ten + "甲";
     Exec("UPDATE L2_0 SET R1=R1+0.01 WHERE ID_Name='L1'");
     Exec("INSERT INTO L2_0(Case_No, EleID, ID_Name, Valid, I_Name, J_Name, ID_No, I_Break, "
          "J_Break, R1, X1, B1_Half, Owner, Ntype) VALUES (0, 9999, 'LX', 1, 'N1', 'N2', 1, 1, 1, "
          "0.01, 0.1, 0.02, 1, 1)");
-    const QString baseR1 = Scalar("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1'");
+    const auto checksums = testsupport::BaseChecksums(checker());
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
-    EXPECT_EQ(job.SaveLDataToBaseDB(longName, true), 1);
-    // The messages name the group in full; the rows carry its first 20 bytes.
-    EXPECT_TRUE(feedback().has("交流线作业数据中有 1 条记录与基础库元件不对应, 被保存至数据组 " +
-                                   longName.toStdString() + " 。",
-                               2));
-    EXPECT_TRUE(feedback().has("回存交流线数目：1", 1));
-    EXPECT_EQ(Rows("SELECT ID_Name, R1 FROM CDB_ACLINEBAK WHERE GrpName='GROUP_NAME_OF_25_BYT' "
-                   "ORDER BY ID_Name"),
-              (std::vector<std::string>{"L1|" + baseR1.toStdString(), "LX|0.01"}))
-        << "the in-group update looks for the full name, so the copy keeps the base values";
-    EXPECT_EQ(Count("CDB_ACLINEBAK WHERE GrpName='" + longName + "'"), 0);
+    job.SetStatementMode(SaveStatementMode::Mended);
+    const std::string refused = "数据组名 " + eleven.toStdString() +
+                                " 超过20字节（汉字按2字节计），数据组中存不下，回存未执行，基础"
+                                "库未作任何修改。";
+    EXPECT_EQ(job.SaveLDataToBaseDB(eleven, false), 1);
+    const SaveBackPreview preview = job.PreviewLDataToBaseDB(eleven, true);
+    EXPECT_EQ(preview.result, 1);
+    EXPECT_EQ(testsupport::Texts(preview.messages), std::vector<std::string>{"2 " + refused});
+    job.SetAllOrNothing(true);
+    EXPECT_EQ(job.SaveLDataToBaseDB(eleven, true), 1);
+    EXPECT_EQ(feedback().texts(2),
+              (std::vector<std::string>{refused, refused, "回存失败，已全部撤销，基础库未保存任何修改。"}));
+    EXPECT_EQ(testsupport::BaseChecksums(checker()), checksums);
+    EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
+
+    job.SetAllOrNothing(false);
+    EXPECT_EQ(job.SaveLDataToBaseDB(ten, true), 0);
+    EXPECT_EQ(Rows("SELECT ID_Name, ROUND(R1, 6) FROM CDB_ACLINEBAK WHERE GrpName='" + ten +
+                   "' ORDER BY ID"),
+              (std::vector<std::string>{"LX|0.01", "L1|0.02938"}));
+    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='" + ten + "'"), 1);
+
+    // A server that holds another name than the one given (a host's GrpName narrower than
+    // the design's): the update in the group finds no copy, and the run fails instead of
+    // leaving the copies with the base values.
+    Exec("ALTER TABLE CDB_ACLINEBAK MODIFY GrpName CHAR(4) BINARY");
+    feedback().clear();
+    EXPECT_EQ(job.SaveLDataToBaseDB("华北电网调度", true), 1);
+    Exec("ALTER TABLE CDB_ACLINEBAK MODIFY GrpName CHAR(20) BINARY DEFAULT ''");
+    EXPECT_EQ(feedback().texts(2).back(),
+              "写入数据组的修改没有改动任何行（服务器中保存的数据组名与所给的不同），回存失败："
+              "update CDB_ACLINEBAK a, Tac b set a.valid=b.valid, a.I_Break=b.I_Break, "
+              "a.J_Break=b.J_Break, a.R1=b.R1, a.X1=b.X1, a.B1_Half=b.B1_Half where "
+              "a.GrpName='华北电网调度' and a.ID_Name=b.ID_Name");
 }
 
 class SaveBackKilled : public DbTest

@@ -195,7 +195,7 @@ TEST_F(Extraction, WithoutTheNodeTableEveryFamilyStillRunsAndTheRunSucceeds)
     EXPECT_EQ(job.Nacline, 5);
 }
 
-TEST_F(Extraction, NoSchemeGivesEmptyTablesAndTheLongSchemeIsCut)
+TEST_F(Extraction, NoSchemeGivesEmptyTablesAndALongSchemeIsRefusedUnlessChineseFits)
 {
     // Case 0: the scheme is never read. The second constructor takes a scheme of its own.
     CSTCalDataTransfer none(kJob, 0, db(), nullptr);
@@ -205,14 +205,29 @@ TEST_F(Extraction, NoSchemeGivesEmptyTablesAndTheLongSchemeIsCut)
     for (const char* t : {"S2_7", "S3_7", "S4_7", "S5_7", "S6_7", "S7_7"}) {
         EXPECT_EQ(Count(t), 0) << t;
     }
-    // A case with no LF_CASE row, and one whose 40-character scheme is cut to 31 bytes.
+    // A case with no LF_CASE row, and one whose 40-character scheme is cut to 31 bytes,
+    // which the extraction refuses before it empties anything.
     EXPECT_STREQ(CSTCalDataTransfer(kJob, 99, db(), nullptr).SchemeName(), "");
     Exec("INSERT INTO LF_CASE(Case_No, SCHEME) VALUES (8, "
          "'0123456789012345678901234567890123456789')");
-    EXPECT_STREQ(CSTCalDataTransfer(kJob, 8, db(), nullptr).SchemeName(),
-                 "0123456789012345678901234567890");
-    char other[] = "OTHER";
-    CSTCalDataTransfer byName(other, db());
+    CSTCalDataTransfer cut(kJob, 8, db(), nullptr);
+    EXPECT_STREQ(cut.SchemeName(), "0123456789012345678901234567890");
+    Exec("INSERT INTO S2_7(ID_Name) VALUES ('KEPT')");
+    EXPECT_EQ(cut.ImportSDataFromBaseDB(), 1);
+    EXPECT_EQ(Rows("SELECT ID_Name FROM S2_7"), (std::vector<std::string>{"KEPT"}));
+    EXPECT_EQ(feedback().texts(2),
+              std::vector<std::string>{"计算方案名 0123456789012345678901234567890123456789 超过"
+                                       "31字节（汉字按2字节计），无法按方案抽取暂稳数据，作业表未"
+                                       "作任何修改。"});
+    feedback().clear();
+    // Fifteen Chinese characters are 30 bytes as the design counted them: found whole.
+    const QString chinese = "华北电网二零二五年冬季运行方式";
+    Exec("UPDATE CDB_SCHEMEINFBAK SET SchName='" + chinese + "' WHERE ID=2");
+    Exec("UPDATE LF_CASE SET SCHEME='" + chinese + "' WHERE Case_No=6");
+    EXPECT_EQ(CSTCalDataTransfer(kJob, 6, db(), nullptr).ImportSDataFromBaseDB(), 0);
+    EXPECT_EQ(Rows("SELECT ID_Name FROM S2_7"), (std::vector<std::string>{"L4"}));
+    QByteArray other = chinese.toUtf8();
+    CSTCalDataTransfer byName(other.data(), db());
     EXPECT_EQ(byName.ImportSDataFromBaseDB(), 0);
     EXPECT_EQ(Rows("SELECT ID_Name FROM S2_0"), (std::vector<std::string>{"L4"}));
     // A scheme whose name holds a quote picks nothing and breaks no statement.

@@ -1,5 +1,6 @@
 // Save-back of a changed stability job into the working copies and data groups.
 
+#include "Faults.h"
 #include "StabilityNetwork.h"
 #include "TableSnapshots.h"
 #include "common/SaveBackStatements.h"
@@ -255,11 +256,14 @@ TEST_F(SaveBack, FaithfulRunIntoAGroupCompletesWhenOnlyModelsChanged)
     EXPECT_EQ(Scalar("SELECT PSS_Par FROM CDB_GENERATBAK WHERE GrpName='G'"), "6");
 }
 
-TEST_F(SaveBack, AGroupNameWithAQuoteAndABackslashNamesItsOwnRows)
+// A group's name of 20 bytes as the design counted them, with a quote and a backslash: the
+// copy, its update and the group's row carry it whole. One byte more is refused before
+// anything is written; in place the name is never written and is not looked at.
+TEST_F(SaveBack, AGroupNameOfTwentyBytesWithAQuoteAndABackslashNamesItsOwnRows)
 {
     Exec("UPDATE S5_7 SET Gen_Model=7");
     CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
-    const QString group = QString::fromUtf8("O'Neil\\组");
+    const QString group = QString::fromUtf8("O'Neil\\1华北电网调度");
     EXPECT_EQ(job.SaveSDataToBaseDB(group, true), 0);
     EXPECT_TRUE(feedback().texts(2).empty());
     EXPECT_EQ(Rows("SELECT GrpName FROM CDB_DATAGROUPBAK WHERE GrpName LIKE 'O''N%'"),
@@ -268,6 +272,16 @@ TEST_F(SaveBack, AGroupNameWithAQuoteAndABackslashNamesItsOwnRows)
                    "GrpName LIKE 'O''N%'"),
               (std::vector<std::string>{group.toStdString() + "|7"}));
     EXPECT_EQ(Scalar("SELECT Gen_Model FROM CDB_GENERATBAK WHERE GrpName='G'"), "6");
+
+    const auto checksums = testsupport::BaseChecksums(checker());
+    EXPECT_EQ(job.SaveSDataToBaseDB(group + "A", true), 1);
+    EXPECT_EQ(feedback().texts(2), std::vector<std::string>{"数据组名 " + group.toStdString() +
+                                                            "A 超过20字节（汉字按2字节计），数据组"
+                                                            "中存不下，回存未执行，基础库未作任何"
+                                                            "修改。"});
+    EXPECT_EQ(testsupport::BaseChecksums(checker()), checksums);
+    EXPECT_EQ(job.SaveSDataToBaseDB(group + "A", false), 0);
+    EXPECT_EQ(Scalar("SELECT Gen_Model FROM CDB_GENERATBAK WHERE GrpName='G'"), "7");
 }
 
 TEST_F(SaveBack, MendedRunIntoAGroupSavesEveryFamily)
