@@ -217,17 +217,16 @@ TEST_F(Choosers, CaseSearchFindsByPrefixAndGivesTheWholeName)
     EXPECT_EQ(boxes().boxes().size(), 3u);
 }
 
-// Under zh_CN the cases stand as the user's locale sorts them: Chinese first, in pinyin
-// order, then Latin letters with case ignored (Qt 6's own sort would put Latin first, upper
-// case before lower, and Chinese by code point); a typed prefix finds the first in that
-// order.
+// Under zh_CN the cases stand as that locale sorts them: Chinese first, in pinyin order, then
+// Latin letters with case ignored (Qt 6's own sort: upper case first, Chinese by code point),
+// and a typed prefix finds the first in that order.
 TEST_F(Choosers, CaseNamesStandInTheLocalesOrder)
 {
     const QLocale before;
     QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::China));
-    Exec("INSERT INTO ST_CASE(Case_No,Case_Name) VALUES (1,'上海'),(2,'北京'),(3,'ABE'),"
+    Exec("INSERT INTO ST_CASE(Case_No,Case_Name) VALUES (1,'上海'),(2,'北京南'),(3,'ABE'),"
          "(4,'大连'),(5,'天津'),(6,'安庆'),(7,'Abd'),(8,'广州'),(9,'成都'),(10,'abc'),(11,'郑州'),"
-         "(12,'北京南')");
+         "(12,'北京')");
     WinDlgCaseNoSearch dlg(db(), "ST_CASE");
     QStringList listed;
     for (int k = 0; k < dlg.ListBox_ParNo->count(); ++k) {
@@ -235,10 +234,8 @@ TEST_F(Choosers, CaseNamesStandInTheLocalesOrder)
     }
     EXPECT_EQ(listed, QStringList({"安庆", "北京", "北京南", "成都", "大连", "广州", "上海", "天津",
                                    "郑州", "abc", "Abd", "ABE"}));
-    CommitText(dlg.LineEdit_ParNo, "北京");
+    CommitText(dlg.LineEdit_ParNo, "北");
     EXPECT_EQ(Current(dlg.ListBox_ParNo), "北京");
-    dlg.ToolButton_OK_clicked();
-    EXPECT_EQ(dlg.GetCaseName(), "北京");
     QLocale::setDefault(before);
 }
 

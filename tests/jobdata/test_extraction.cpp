@@ -299,17 +299,20 @@ TEST_F(Extraction, BadInputEndsWithTheDesignsMessagesAndLeavesTheBaseTablesAlone
     EXPECT_EQ(q.ImportLDataFromBaseDB(), 0);
     EXPECT_TRUE(feedback().texts(2).empty());
     EXPECT_EQ(Count("L2_0"), 0);
-    // A name of 33 bytes would be cut to 32 and pick another scheme or none: refused, and
-    // the job tables keep what they hold.
-    Exec("INSERT INTO L2_0(Case_No, ID_Name) VALUES (0, 'KEPT')");
+    // 32 bytes as the design counted them hold 16 Chinese characters, and the scheme is
+    // found whole; a 17th would be cut and pick another scheme or none: refused, and the
+    // job tables keep what they hold.
+    char chinese[] = "华北电网二零二五年冬季大方式方案", longer[] = "华北电网二零二五年冬季大方式方案甲";
+    Exec(QString("UPDATE CDB_SCHEMEINFBAK SET SchName='%1'").arg(chinese));
+    EXPECT_EQ(CLFCalDataTransfer(0, chinese, db(), nullptr).ImportLDataFromBaseDB(), 0);
+    EXPECT_EQ(Count("L2_0"), 18); // 17 lines and the shunt of IEEE 14
     feedback().clear();
-    char longName[] = "SCHxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx";
-    CLFCalDataTransfer l(0, longName, db(), nullptr);
-    EXPECT_EQ(l.ImportLDataFromBaseDB(), 1);
-    EXPECT_EQ(Rows("SELECT ID_Name FROM L2_0"), std::vector<std::string>{"KEPT"});
-    EXPECT_EQ(feedback().texts(2), std::vector<std::string>{
-                                       "计算方案名 SCHxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx 超过32字节（汉字"
-                                       "按2字节计），无法按方案抽取，作业表未作任何修改。"});
+    EXPECT_EQ(CLFCalDataTransfer(0, longer, db(), nullptr).ImportLDataFromBaseDB(), 1);
+    EXPECT_EQ(Count("L2_0"), 18);
+    EXPECT_EQ(feedback().texts(2), std::vector<std::string>{"计算方案名 " + std::string(longer) +
+                                                            " 超过32字节（汉字按2字节计），无法按"
+                                                            "方案抽取，作业表未作任何修改。"});
+    Exec(QString("UPDATE CDB_SCHEMEINFBAK SET SchName='%1'").arg(kScheme));
     // A job number without job tables: every family reports and fails, nothing crashes.
     feedback().clear();
     CLFCalDataTransfer none(99, kScheme, db(), nullptr);

@@ -409,26 +409,3 @@ TEST_F(JobNames, ExtractionAndSaveBackTouchOnlyTheRowsOfTheNamesTheyWereGiven)
         << "the new node";
     EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName=" + Literal("x' OR '1'='1")), 1);
 }
-
-// A scheme name of 16 Chinese characters fills the 32 bytes the design counted and goes
-// out whole; a 17th cannot fit, and nothing is sent for it.
-TEST_F(JobNames, ASchemeNameWiderThan32BytesIsRefusedBeforeAnyStatement)
-{
-    const std::string fits = "华北电网二零二五年冬季大方式方案", over = fits + "甲";
-    StartStatementLog();
-    for (const std::string& name : {fits, over}) {
-        std::vector<char> scheme(name.begin(), name.end());
-        scheme.push_back('\0');
-        CLFCalDataTransfer job(0, scheme.data(), db(), nullptr);
-        EXPECT_EQ(job.ImportLDataFromBaseDB(), name == fits ? 0 : 1);
-    }
-    int whole = 0;
-    for (const std::string& s : SentStatements()) {
-        whole += s.find("SchName='" + fits + "'") != std::string::npos;
-        EXPECT_EQ(s.find(over), std::string::npos) << "sent: " << s;
-    }
-    EXPECT_EQ(whole, 11) << "the fills of L2 and L3 (three each), L4, L5, L6, breakers, switches";
-    EXPECT_EQ(feedback().texts(2), std::vector<std::string>{"计算方案名 " + over +
-                                                            " 超过32字节（汉字按2字节计），无法按"
-                                                            "方案抽取，作业表未作任何修改。"});
-}

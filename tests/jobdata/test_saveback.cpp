@@ -287,9 +287,8 @@ TEST_F(SaveBack, AChineseGroupNameOfTenCharactersSavesWholeAndAnEleventhWritesNo
                                 " 超过20字节（汉字按2字节计），数据组中存不下，回存未执行，基础"
                                 "库未作任何修改。";
     EXPECT_EQ(job.SaveLDataToBaseDB(eleven, false), 1);
-    const SaveBackPreview preview = job.PreviewLDataToBaseDB(eleven, true);
-    EXPECT_EQ(preview.result, 1);
-    EXPECT_EQ(testsupport::Texts(preview.messages), std::vector<std::string>{"2 " + refused});
+    EXPECT_EQ(testsupport::Texts(job.PreviewLDataToBaseDB(eleven, true).messages),
+              std::vector<std::string>{"2 " + refused});
     job.SetAllOrNothing(true);
     EXPECT_EQ(job.SaveLDataToBaseDB(eleven, true), 1);
     EXPECT_EQ(feedback().texts(2),
