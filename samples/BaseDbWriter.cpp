@@ -21,6 +21,12 @@ QByteArray num(double v)
     return QByteArray::number(v, 'g', 12);
 }
 
+// A generator limit as the tables hold it: an unbounded one (infinite) as the stand-in.
+double limit(double v)
+{
+    return std::isfinite(v) ? v : std::copysign(kUnboundedLimit, v);
+}
+
 // A name as a literal: escaped as the session reads literals, since names from files may
 // hold anything.
 QByteArray literal(QSqlDatabase* db, const QString& s)
@@ -158,8 +164,9 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         gens.add({grp, text(nameOr(gen.name, "G", g)), live ? "1" : "0", own,
                   QByteArray::number(mode), named ? "0" : "1", num(gen.pgMW * f),
                   num(gen.qgMVAr * f), num(named ? gen.vg * b->baseKV : gen.vg),
-                  num(b && b->type == 3 ? b->vaDeg : 0.0), num(gen.qmax * f), num(gen.qmin * f),
-                  num(gen.pmax * f), num(gen.pmin * f), num(gen.mBase)});
+                  num(b && b->type == 3 ? b->vaDeg : 0.0), num(limit(gen.qmax) * f),
+                  num(limit(gen.qmin) * f), num(limit(gen.pmax) * f), num(limit(gen.pmin) * f),
+                  num(gen.mBase)});
     }
     Rows lines(db, "CDB_ACLINEBAK",
                "GrpName,ID_Name,Valid,I_Name,J_Name,ID_No,I_Break,J_Break,Unit,R1,X1,B1_Half,"

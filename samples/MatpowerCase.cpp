@@ -2,6 +2,7 @@
 // MATLAB function that assigns the fields of a struct, numbers in matrices of one row per
 // element, `%` comments, `...` continuing a line, rows ended by `;` or a line break, values
 // parted by blanks or commas, and texts in single quotes ('' for a quote) in cell arrays.
+// MATLAB's `Inf` leaves a limit unbounded; it is taken where a limit or rating stands.
 
 #include "SampleNetwork.h"
 
@@ -135,15 +136,22 @@ QString quote(std::string_view s)
     return QStringLiteral("'%1'").arg(QString::fromUtf8(s.data(), int(s.size())));
 }
 
-// A number as MATLAB writes one; false for anything else, and for infinities and NaN,
-// which the base tables cannot hold.
+// A number as MATLAB writes one, signed or not, `Inf` (or `inf`) among them; false for
+// anything else, NaN too. Where an infinity may stand is for the reader of the fields to say.
 bool parseNumber(std::string_view s, double& v)
 {
-    if (!s.empty() && s[0] == '+') {
+    bool negative = false;
+    if (!s.empty() && (s[0] == '+' || s[0] == '-')) {
+        negative = s[0] == '-';
         s.remove_prefix(1);
     }
+    if (s == "Inf" || s == "inf") {
+        v = negative ? -HUGE_VAL : HUGE_VAL;
+        return true;
+    }
     const auto [end, ec] = std::from_chars(s.data(), s.data() + s.size(), v);
-    return ec == std::errc() && end == s.data() + s.size() && std::isfinite(v);
+    v = negative ? -v : v;
+    return ec == std::errc() && end == s.data() + s.size() && s[0] != '-' && std::isfinite(v);
 }
 
 class Parser
@@ -399,11 +407,43 @@ bool ReadMatpowerCase(const QString& path, Network& net, QStringList& notHeld, Q
                                             .arg(m->columns));
         }
     }
+    // Inf is how a case leaves a limit unbounded: a generator's Q and P limits, a branch's
+    // ratings and angle limits, and the columns left out anyway may hold it; the rest are
+    // quantities the tables need as numbers.
+    struct Finite
+    {
+        const Matrix* m;
+        const char* field;
+        std::vector<const char*> columns; // by column: its name if it must be finite, else ""
+    };
+    const Finite finite[] = {
+        {&bm,
+         "bus",
+         {"bus_i", "type", "Pd", "Qd", "Gs", "Bs", "area", "Vm", "Va", "baseKV", "zone", "Vmax",
+          "Vmin"}},
+        {&gm, "gen", {"bus", "Pg", "Qg", "", "", "Vg", "mBase", "status"}},
+        {&rm, "branch", {"fbus", "tbus", "r", "x", "b", "", "", "", "ratio", "angle", "status"}}};
+    for (const Finite& f : finite) {
+        for (int r = 0; r < f.m->rows(); ++r) {
+            for (int k = 1; k <= std::min(int(f.columns.size()), f.m->columns); ++k) {
+                const double v = f.m->at(r, k);
+                if (!std::isfinite(v) && *f.columns[std::size_t(k - 1)]) {
+                    return fail(f.m->rowLines[r],
+                                QStringLiteral("%1 as %2 (column %3 of mpc.%4): only limits and "
+                                               "ratings may be unbounded")
+                                    .arg(v < 0 ? "-Inf" : "Inf", f.columns[std::size_t(k - 1)])
+                                    .arg(k)
+                                    .arg(f.field));
+                }
+            }
+        }
+    }
     net = Network();
     net.name = QFileInfo(path).completeBaseName();
     net.baseMVA = c.scalars["baseMVA"];
-    if (!(net.baseMVA > 0)) {
-        return fail(c.fieldLines["baseMVA"], QStringLiteral("mpc.baseMVA must be above 0"));
+    if (!(net.baseMVA > 0) || !std::isfinite(net.baseMVA)) {
+        return fail(c.fieldLines["baseMVA"],
+                    QStringLiteral("mpc.baseMVA must be a number above 0"));
     }
 
     // Buses.
@@ -483,7 +523,7 @@ bool ReadMatpowerCase(const QString& path, Network& net, QStringList& notHeld, Q
 
     // Generators.
     std::set<int> liveGenBus;
-    int capability = 0;
+    int capability = 0, unbounded = 0;
     for (int r = 0; r < gm.rows(); ++r) {
         Gen g;
         if (!whole(gm.at(r, GEN_BUS), g.bus) || !busRow.count(g.bus)) {
@@ -499,6 +539,9 @@ bool ReadMatpowerCase(const QString& path, Network& net, QStringList& notHeld, Q
         g.status = gm.at(r, GEN_STATUS) > 0 ? 1 : 0;
         g.pmax = gm.at(r, PMAX);
         g.pmin = gm.at(r, PMIN);
+        const bool bounded = std::isfinite(g.qmax) && std::isfinite(g.qmin) &&
+                             std::isfinite(g.pmax) && std::isfinite(g.pmin);
+        unbounded += bounded ? 0 : 1;
         for (int k = PC1; k <= std::min(int(APF), gm.columns); ++k) {
             if (gm.at(r, k) != 0) {
                 ++capability;
@@ -548,7 +591,12 @@ bool ReadMatpowerCase(const QString& path, Network& net, QStringList& notHeld, Q
         br.r = rm.at(r, BR_R);
         br.x = rm.at(r, BR_X);
         br.b = rm.at(r, BR_B);
-        br.rateMVA = rm.at(r, RATE_A);
+        // An unbounded rating (Inf) is the unlimited one, which MATPOWER writes 0.
+        auto rating = [&](int column) {
+            const double v = rm.at(r, column);
+            return std::isfinite(v) ? v : 0.0;
+        };
+        br.rateMVA = rating(RATE_A);
         br.ratio = rm.at(r, TAP);
         br.angleDeg = rm.at(r, SHIFT);
         br.status = rm.at(r, BR_STATUS) > 0 ? 1 : 0;
@@ -557,7 +605,7 @@ bool ReadMatpowerCase(const QString& path, Network& net, QStringList& notHeld, Q
         // A branch between two base voltages is a transformer, even one written with
         // ratio 0 (which reads as 1).
         br.transformer = br.ratio != 0 || br.angleDeg != 0 || kvFrom != kvTo;
-        rates += (rm.at(r, RATE_B) != 0 || rm.at(r, RATE_C) != 0) ? 1 : 0;
+        rates += (rating(RATE_B) != 0 || rating(RATE_C) != 0) ? 1 : 0;
         if (rm.columns >= ANGMAX) {
             const double lo = rm.at(r, ANGMIN), hi = rm.at(r, ANGMAX);
             angleLimits += (lo > -360 || hi < 360) && !(lo == 0 && hi == 0) ? 1 : 0;
@@ -596,6 +644,9 @@ bool ReadMatpowerCase(const QString& path, Network& net, QStringList& notHeld, Q
                        .arg(otherArea)
                        .arg(otherAreaBus);
     }
+    count(unbounded, QStringLiteral("the unbounded Q or P limits (Inf) of %1 generators: held "
+                                    "as %2 MVAr or MW, with their sign (the tables hold numbers)")
+                         .arg("%1", QString::number(kUnboundedLimit)));
     count(capability, QStringLiteral("the capability and ramp data (Pc1 to apf) of %1 "
                                      "generators: left out"));
     count(rates, QStringLiteral("the ratings B and C of %1 branches (the tables hold one rating, "

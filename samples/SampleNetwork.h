@@ -44,10 +44,15 @@ struct Gen
 {
     int bus = 0;
     QString name; // empty: "G<k>", k its place among the generators
+    // The limits may be infinite: a case file's way of leaving one unbounded (Inf).
     double pgMW = 0, qgMVAr = 0, qmax = 0, qmin = 0, vg = 1.0, pmax = 0, pmin = 0;
     double mBase = 0; // the machine's own base power, MVA (0: not given)
     int status = 1;
 };
+
+// What the base tables hold for a generator limit left unbounded, with its sign, in MW or
+// MVAr: the tables hold numbers, and this one is beyond any generator's reach.
+constexpr double kUnboundedLimit = 1e10;
 
 struct Branch
 {

@@ -524,6 +524,16 @@ TEST_F(Exactness, QuirksOfRealCaseFilesAreReadAsMatpowerReadsThem)
          "CDB_GENERATBAK WHERE ID_Name='G3'), (SELECT Valid FROM CDB_ACLINEBAK WHERE "
          "ID_Name='L5' ORDER BY ID LIMIT 1), (SELECT V FROM LFR_BS_R WHERE Bus_Name='B5'))",
          "0000"},
+        {"limits left unbounded as MATLAB writes them: Q and P limits of Inf and -Inf, a rating "
+         "of inf, MATPOWER's unlimited one",
+         {{"\t2\t80\t0\t200\t-200\t1.02\t100\t1\t200\t0;",
+           "\t2\t80\t0\tInf\t-Inf\t1.02\t100\t1\t+Inf\t0;"},
+          {"\t1\t2\t0.01\t0.08\t0.1\t250\t", "\t1\t2\t0.01\t0.08\t0.1\tinf\t"}},
+         {"the unbounded Q or P limits (Inf) of 1 generators: held as 1e+10 MVAr or MW, with their "
+          "sign (the tables hold numbers)"},
+         "SELECT CONCAT((SELECT CONCAT_WS('/', Qmax, Qmin, Pmax, Pmin) FROM CDB_GENERATBAK WHERE "
+         "ID_Name='G2'), ' ', (SELECT Rate_Ka FROM CDB_ACLINEBAK WHERE ID_Name='L1'))",
+         "10000000000/-10000000000/10000000000/0 0"},
         {"bus names, Chinese ones as long as the tables take, a quote in one",
          {{"%NAMES%", "mpc.bus_name = {\n\t'广州供电局一号变电站';\n\t'B二';\n\t'O''Neil';\n\t'四';\n};"}},
          {}, "SELECT GROUP_CONCAT(Bus_Name ORDER BY id) FROM CDB_BUSBAK",

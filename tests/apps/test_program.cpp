@@ -221,6 +221,8 @@ TEST_F(Program, RefusesAMalformedCaseFileWithItsLineAndReason)
          "bad.m:9: branch from bus 1 to bus 7: there is no bus 7"},
         {head + gen + QString(branch).replace("0.01", "0.0l"),
          "bad.m:9: '0.0l' in mpc.branch is not a number"},
+        {head + gen + QString(branch).replace("0.01", "Inf"),
+         "bad.m:9: Inf as r (column 3 of mpc.branch): only limits and ratings may be unbounded"},
         {head + gen + branch + "mpc.bus_name = { '广州供电局一号变电站甲'; 'B2' };\n",
          "bad.m:11: the name '广州供电局一号变电站甲' of bus 1 takes 22 bytes; the base tables "
          "hold 20"},
