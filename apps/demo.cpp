@@ -19,6 +19,7 @@
 #include "StudyOptions.h"
 #include "common/GbkWidth.h"
 #include "common/ModalBox.h"
+#include "common/Session.h"
 #include "platform/WinDockFeedback.h"
 #include "rtdb/rtdb.h"
 
@@ -212,31 +213,44 @@ int main(int argc, char** argv)
     out.line("network %s: %zu buses, %zu branches, %zu generators\n", qPrintable(net.name),
              net.buses.size(), net.branches.size(), net.gens.size());
 
-    // The server: reachable, and set as the library's statements need.
+    // The server: reachable, and the study's sessions set up as the library's statements
+    // need (dbserver::OpenConnection calls SetUpSession on each). A server that compares
+    // table names by case gets the schema's spellings of the few names that statements
+    // write otherwise.
     const dbserver::ServerAddress& server = options.server;
     {
-        QString unreachable;
-        QStringList problems;
-        {
-            QSqlDatabase check =
-                dbserver::OpenConnection(server, "check", QString(), &unreachable);
-            if (check.isOpen()) {
-                unreachable.clear();
-                problems = dbserver::ServerModeProblems(check);
+        QString error;
+        SessionSetup setup;
+        bool open = false;
+        for (int attempt = 0; attempt < 2 && !open; ++attempt) {
+            {
+                QSqlDatabase check =
+                    dbserver::OpenConnection(server, "check", QString(), &error, &setup);
+                open = check.isOpen();
             }
+            QSqlDatabase::removeDatabase("check");
+            if (!open && setup.lowerCaseTableNames == 0 &&
+                GetTableSpelling() == TableSpelling::AsWritten) {
+                SetTableSpelling(TableSpelling::Schema);
+                out.line("the server compares table names by case (lower_case_table_names=0): "
+                         "the statements name every table in the schema's spelling\n");
+                continue;
+            }
+            break;
         }
-        QSqlDatabase::removeDatabase("check");
-        if (!unreachable.isEmpty()) {
+        if (!open && setup.lowerCaseTableNames < 0 && setup.problems.isEmpty()) {
             return refuse(QStringLiteral("cannot reach the %1 at %2: %3%4")
                               .arg(options.ownServer ? "server" : "private server",
-                                   server.describe(), unreachable,
+                                   server.describe(), error,
                                    options.ownServer ? QString()
                                                      : QStringLiteral(" (start it with: bash "
                                                                       "scripts/db.sh start)")));
         }
-        if (!problems.isEmpty()) {
-            return refuse(problems.join(QStringLiteral("; also ")) +
-                          QStringLiteral(" (README: The SQL server and its sql_mode)"));
+        if (!open) {
+            return refuse(error + QStringLiteral(" (README: The SQL server and its sql_mode)"));
+        }
+        for (const QString& change : setup.changes) {
+            out.line("the study's sessions: %s\n", qPrintable(change));
         }
     }
 

@@ -1,5 +1,6 @@
 #include "common/Feedback.h"
 
+#include "common/Session.h"
 #include "platform/WinDockFeedback.h"
 
 #include <QSqlDatabase>
@@ -11,23 +12,43 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <locale.h>
 #include <mysql.h>
 
 namespace {
+
+// The C locale's numbers, made once: a host program may run under a locale whose decimal
+// separator is a comma, and a statement's "%f" must still give "0.5".
+locale_t cNumbers()
+{
+    static const locale_t c = newlocale(LC_NUMERIC_MASK, "C", locale_t(0));
+    return c;
+}
+
 QByteArray vformat(const char* format, va_list args)
 {
     va_list copy;
     va_copy(copy, args);
-    const int needed = std::vsnprintf(nullptr, 0, format, copy);
+    const int needed = FormatTextInto(nullptr, 0, format, copy);
     va_end(copy);
     if (needed <= 0) {
         return QByteArray();
     }
     QByteArray text(needed, '\0');
-    std::vsnprintf(text.data(), size_t(needed) + 1, format, args);
+    FormatTextInto(text.data(), size_t(needed) + 1, format, args);
     return text;
 }
+
 } // namespace
+
+int FormatTextInto(char* buffer, size_t size, const char* format, va_list args)
+{
+    // The calling thread's locale for the call only: other threads keep theirs.
+    const locale_t previous = uselocale(cNumbers());
+    const int n = std::vsnprintf(buffer, size, format, args);
+    uselocale(previous);
+    return n;
+}
 
 QByteArray FormatText(const char* format, ...)
 {
@@ -73,12 +94,8 @@ MYSQL* mysqlOf(const QSqlDriver* driver)
 // backslash there is the safe side for a server that escapes.
 bool backslashEscapes(QSqlDatabase* db)
 {
-    MYSQL* mysql = db ? mysqlOf(db->driver()) : nullptr;
     unsigned int status = 0;
-    if (!mysql || mariadb_get_infov(mysql, MARIADB_CONNECTION_SERVER_STATUS, &status) != 0) {
-        return true;
-    }
-    return (status & SERVER_STATUS_NO_BACKSLASH_ESCAPES) == 0;
+    return !ServerStatus(db, &status) || (status & SERVER_STATUS_NO_BACKSLASH_ESCAPES) == 0;
 }
 
 // The client character set of the connection when it is one in which the second byte of a
@@ -172,6 +189,12 @@ QByteArray SqlWord(const QByteArray& text)
     return out;
 }
 
+bool ServerStatus(QSqlDatabase* db, unsigned int* status)
+{
+    MYSQL* mysql = db && db->isOpen() ? mysqlOf(db->driver()) : nullptr;
+    return mysql && mariadb_get_infov(mysql, MARIADB_CONNECTION_SERVER_STATUS, status) == 0;
+}
+
 bool ExecStatement(QSqlQuery& query, const QByteArray& sql)
 {
     // A connection whose client character set can hide a backslash in a character's second
@@ -194,5 +217,5 @@ bool ExecStatement(QSqlQuery& query, const QByteArray& sql)
             break;
         }
     }
-    return query.exec(text);
+    return query.exec(InTableSpelling(text));
 }

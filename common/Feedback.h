@@ -6,6 +6,8 @@
 // one of the levels below, composed printf-style like the statements themselves.
 
 #include <QByteArray>
+#include <cstdarg>
+#include <cstddef>
 
 class QSqlDatabase;
 class QSqlQuery;
@@ -23,8 +25,12 @@ enum MessageLevel : int {
 };
 
 // printf-style composition into text, the way transfers fill their local buffers.
-// There is no length limit: the text grows to what the format needs.
+// There is no length limit: the text grows to what the format needs. Numbers are written
+// as the C locale writes them ("%f" of one half is "0.500000"), whatever locale the host
+// program runs under, since the server reads no other form.
 QByteArray FormatText(const char* format, ...) __attribute__((format(printf, 1, 2)));
+// vsnprintf with the C locale's numbers, for a buffer of the caller's.
+int FormatTextInto(char* buffer, size_t size, const char* format, va_list args);
 
 // Shows `text` at `level` through WinDockFeedback::ShowMessage, with the three empty
 // middle arguments that this library always passes.
@@ -56,6 +62,11 @@ QByteArray SqlText(QSqlDatabase* db, const QByteArray& text);
 // name of a column it does not have and refuses the statement, as it refuses any other
 // word that is neither a number nor a column.
 QByteArray SqlWord(const QByteArray& text);
+
+// The status that the server sends with every reply on `db`'s connection (the MySQL
+// protocol's SERVER_STATUS_* bits, which MariaDB and MySQL alike send): false when the
+// connection is not a MySQL-family one of Qt's driver, or not open.
+bool ServerStatus(QSqlDatabase* db, unsigned int* status);
 
 // Runs a statement formatted in the local 8-bit encoding on `query`; every statement that
 // holds a name reaches the server here. A text that is not valid in that encoding (a name

@@ -4,6 +4,7 @@
 #include "common/GbkWidth.h"
 #include "common/SaveBackStatementText.h"
 #include "common/SaveBackStatements.h"
+#include "common/Session.h"
 #include "platform/CDatabase.h"
 
 #include <QSqlDatabase>
@@ -36,16 +37,24 @@ bool CSaveBackPattern::Send(QSqlQuery& query, const QByteArray& sql) const
     case RunKind::Preview:
         if (sbtext::EndsTransaction(sql)) {
             // Only a detection statement that makes a working table of its own gets here.
-            QSqlQuery in(*m_pDB);
-            if (!Send(in, SQL_IN_TRANSACTION) || !in.next() || in.value(0).toInt() != 0) {
+            bool known = false;
+            const bool open = InTransaction(m_pDB, &known);
+            if (open || !known) {
                 m_run.preview->refused = QString::fromLocal8Bit(
-                    FormatText(MSG_PREVIEW_IN_CALLERS_TRANSACTION, sql.constData()));
+                    known ? FormatText(MSG_PREVIEW_IN_CALLERS_TRANSACTION, sql.constData())
+                          : QByteArray(MSG_CANNOT_ASK_TRANSACTION));
                 return false;
             }
         }
         break;
     }
     const bool ok = ExecStatement(query, sql);
+    if (!ok && m_run.inTransaction &&
+        query.lastError().nativeErrorCode() == QLatin1String(SERVER_DEADLOCK)) {
+        // Another session, or another node of a cluster, committed a change of the same
+        // rows first: the server has rolled the transaction back.
+        m_run.conflict = true;
+    }
     if (ok && m_run.kind != RunKind::Save) {
         QByteArray table;
         bool temporary = false;
@@ -383,12 +392,15 @@ int CSaveBackPattern::RunAllOrNothing(const std::function<int()>& driver)
 {
     m_run = RunState();
     QSqlQuery q(*m_pDB);
-    if (!Send(q, SQL_IN_TRANSACTION) || !q.next()) {
-        Fail(SQL_IN_TRANSACTION, q.lastError().text());
-        Say(MSG_ERROR, MSG_NOTHING_SAVED);
+    // The server's status after its last reply says whether a transaction is open: MariaDB
+    // and MySQL send it alike, and asking costs no statement.
+    bool known = false;
+    const bool open = InTransaction(m_pDB, &known);
+    if (!known) {
+        Say(MSG_ERROR, MSG_CANNOT_ASK_TRANSACTION);
         return CALC_FAIL;
     }
-    if (q.value(0).toInt() != 0) {
+    if (open) {
         Say(MSG_ERROR, MSG_IN_CALLERS_TRANSACTION);
         return CALC_FAIL;
     }
@@ -414,7 +426,12 @@ int CSaveBackPattern::RunAllOrNothing(const std::function<int()>& driver)
         m_run.inTransaction = true;
         ok = driver() == CALC_OK && !m_run.failed;
         if (ok && !Send(q, SQL_COMMIT)) {
-            Fail(SQL_COMMIT, q.lastError().text()); // the server has rolled back
+            // The server has rolled back; unless the connection broke on the way, when the
+            // commit may have been made before the reply was lost.
+            Fail(SQL_COMMIT, q.lastError().text());
+            const QString code = q.lastError().nativeErrorCode();
+            m_run.commitUnknown = code == QLatin1String(CLIENT_SERVER_GONE) ||
+                                  code == QLatin1String(CLIENT_SERVER_LOST);
             ok = false;
         }
     }
@@ -440,7 +457,10 @@ int CSaveBackPattern::RunAllOrNothing(const std::function<int()>& driver)
         }
         return CALC_OK;
     }
-    Say(MSG_ERROR, allUndone ? MSG_NOTHING_SAVED : MSG_NOT_ALL_UNDONE);
+    Say(MSG_ERROR, m_run.commitUnknown ? MSG_COMMIT_UNKNOWN
+                   : !allUndone          ? MSG_NOT_ALL_UNDONE
+                   : m_run.conflict      ? MSG_CONFLICT_NOTHING_SAVED
+                                         : MSG_NOTHING_SAVED);
     return CALC_FAIL;
 }
 

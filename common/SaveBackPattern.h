@@ -187,6 +187,8 @@ private:
         RunKind kind = RunKind::Save;
         bool inTransaction = false;
         bool failed = false;                   // a checked statement failed
+        bool conflict = false;                 // rolled back by the server for a concurrent change
+        bool commitUnknown = false;            // the connection broke before COMMIT was answered
         std::vector<QByteArray> toHoist;       // Collect: creates to run before the transaction
         std::map<QByteArray, Hoisted> hoisted; // their outcomes, used where the run meets them
         std::vector<QByteArray> deferred;      // statements that end a transaction, for after it

@@ -7,7 +7,6 @@
 namespace sbo {
 
 // ---- All-or-nothing ----
-constexpr const char* SQL_IN_TRANSACTION = "select @@in_transaction";
 constexpr const char* SQL_START_TRANSACTION = "start transaction";
 constexpr const char* SQL_COMMIT = "commit";
 constexpr const char* SQL_ROLLBACK = "rollback";
@@ -15,6 +14,13 @@ constexpr const char* SQL_ROLLBACK = "rollback";
 // transactional, so that not everything was undone.
 constexpr const char* SQL_SHOW_WARNINGS = "show warnings";
 constexpr int WARNING_NOT_ROLLED_BACK = 1196;
+// A statement or the commit lost to a concurrent change of the same rows: a deadlock on
+// one server, a certification failure (or a transaction aborted by a replicated one) on a
+// Galera cluster. Either way the server has rolled the transaction back.
+constexpr const char* SERVER_DEADLOCK = "1213";
+// The client lost its connection: before a reply to COMMIT, the outcome is not known.
+constexpr const char* CLIENT_SERVER_GONE = "2006";
+constexpr const char* CLIENT_SERVER_LOST = "2013";
 
 // Before the run's first write of a table: whether its engine can roll back. The name as
 // the statement spells it: the server finds it as it finds the table (a function of the
@@ -29,7 +35,13 @@ constexpr const char* MSG_IN_CALLERS_TRANSACTION =
     "连接上有未结束的事务，不能在其中以全部或全不方式回存，未作任何修改。";
 constexpr const char* MSG_ENDS_TRANSACTION =
     "该语句会结束事务，不能在全部或全不方式的回存中执行：%s";
+constexpr const char* MSG_CANNOT_ASK_TRANSACTION =
+    "无法得知连接上是否有未结束的事务（连接须为 MySQL 或 MariaDB 的连接），不能以全部或全不方式回存，未作任何修改。";
 constexpr const char* MSG_NOTHING_SAVED = "回存失败，已全部撤销，基础库未保存任何修改。";
+constexpr const char* MSG_CONFLICT_NOTHING_SAVED =
+    "回存与其他连接（或集群其他节点）同时对相同数据的修改冲突，已全部撤销，基础库未保存任何修改，可重新回存。";
+constexpr const char* MSG_COMMIT_UNKNOWN =
+    "提交回存时与服务器的连接中断，无法得知修改是否已保存，请查看基础库。";
 constexpr const char* MSG_NOT_ALL_UNDONE =
     "回存失败，已撤销事务中的修改，但服务器报告有非事务表的修改无法撤销。";
 

@@ -1,5 +1,7 @@
 #include "common/SqlRows.h"
 
+#include "common/Session.h"
+
 #include <QSqlQuery>
 #include <QSqlResult>
 #include <QString>
@@ -137,7 +139,7 @@ bool CSqlRows::exec(QSqlQuery& q, const QString& sql)
     m_lengths = nullptr;
     m_kinds.clear();
     q.setForwardOnly(true);
-    if (!q.exec(sql)) {
+    if (!q.exec(InTableSpelling(sql))) {
         return false;
     }
     // A plain query's handle is its MYSQL_RES, read from the server in full. Numbers are

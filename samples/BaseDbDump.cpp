@@ -4,7 +4,9 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QSqlField>
 #include <QVariant>
+#include <map>
 
 namespace samples {
 namespace {
@@ -55,6 +57,11 @@ QByteArray literal(const QVariant& v)
 
 bool DumpBaseTablesAsSql(QSqlDatabase* db, QByteArray& sql, QString& error)
 {
+    // Row ids go out as their rank in the table (1, 2, 3 ...): a server numbers them so, but
+    // a Galera cluster steps them by its size (1, 4, 7 ... on its first node), and the file
+    // is the same from either. IDSch, the one column that holds another table's id, follows
+    // its scheme's rank.
+    std::map<qlonglong, qlonglong> schemeRank;
     QSqlQuery q(*db);
     for (const char* table : kBaseTables) {
         sql += QByteArray("DELETE FROM ") + table + ";\n";
@@ -64,9 +71,17 @@ bool DumpBaseTablesAsSql(QSqlDatabase* db, QByteArray& sql, QString& error)
         }
         const QSqlRecord rec = q.record();
         QByteArray columns;
+        int idColumn = -1;
+        int schemeColumn = -1;
         for (int i = 0; i < rec.count(); ++i) {
             columns += (i ? "," : "") + rec.fieldName(i).toUtf8();
+            if (rec.field(i).isAutoValue()) {
+                idColumn = i;
+            } else if (rec.fieldName(i).compare("IDSch", Qt::CaseInsensitive) == 0) {
+                schemeColumn = i;
+            }
         }
+        const bool schemes = qstrcmp(table, "CDB_SCHEMEINFBAK") == 0;
         int n = 0;
         while (q.next()) {
             // Fifty rows to a statement keeps the file readable and the statements short.
@@ -74,7 +89,16 @@ bool DumpBaseTablesAsSql(QSqlDatabase* db, QByteArray& sql, QString& error)
                                : QByteArray(",\n");
             QByteArray row = "(";
             for (int i = 0; i < rec.count(); ++i) {
-                row += (i ? "," : "") + literal(q.value(i));
+                QVariant v = q.value(i);
+                if (i == idColumn) {
+                    if (schemes) {
+                        schemeRank[v.toLongLong()] = n + 1;
+                    }
+                    v = qlonglong(n + 1);
+                } else if (i == schemeColumn && schemeRank.count(v.toLongLong())) {
+                    v = schemeRank[v.toLongLong()];
+                }
+                row += (i ? "," : "") + literal(v);
             }
             sql += row + ")";
             if (++n % 50 == 0) {

@@ -1,6 +1,9 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build, the tests and the demo need. Quick when
 # everything is already there: only dpkg is asked then.
+#
+#   scripts/install-deps.sh           what the build, the tests and the demo need
+#   scripts/install-deps.sh cluster   that, and what scripts/cluster.sh needs
 set -euo pipefail
 
 packages=(
@@ -13,6 +16,13 @@ packages=(
   clang libclang-rt-dev                   # libFuzzer and the sanitizers' runtimes for the fuzz targets (clang's own version)
   fonts-wqy-microhei                      # a CJK font: the dialogs' Chinese texts in offscreen screenshots
 )
+if [ "${1:-}" = cluster ]; then
+  packages+=(
+    galera-4                              # the replication provider of a MariaDB Galera cluster
+    mariadb-server                        # the state-transfer scripts (wsrep_sst_rsync) come only with it
+    rsync lsof                            # what those scripts run
+  )
+fi
 
 missing=()
 for p in "${packages[@]}"; do
@@ -24,6 +34,15 @@ echo "install-deps: installing ${missing[*]}" >&2
 sudo=()
 [ "$(id -u)" = 0 ] || sudo=(sudo)
 export DEBIAN_FRONTEND=noninteractive
+# mariadb-server would start a system service of its own on the way in: a policy-rc.d that
+# refuses every start keeps it from doing so while this install runs (one that stands
+# already is left as it is).
+policy=/usr/sbin/policy-rc.d
+if [ ! -e $policy ]; then
+  printf '#!/bin/sh\nexit 101\n' | "${sudo[@]}" tee $policy >/dev/null
+  "${sudo[@]}" chmod +x $policy
+  trap '"${sudo[@]}" rm -f $policy' EXIT
+fi
 if ! "${sudo[@]}" apt-get install -y --no-install-recommends "${missing[@]}"; then
   "${sudo[@]}" apt-get update
   "${sudo[@]}" apt-get install -y --no-install-recommends "${missing[@]}"

@@ -69,9 +69,11 @@ bool rows(QSqlDatabase* db, const QString& sql, std::vector<std::vector<std::str
     return true;
 }
 
+// The server's digits as the C locale reads them, whatever the host's locale (strtod would
+// stop at the '.' under a locale with a decimal comma).
 float number(const std::string& s)
 {
-    return static_cast<float>(std::strtod(s.c_str(), nullptr));
+    return static_cast<float>(QByteArray::fromStdString(s).toDouble());
 }
 
 } // namespace

@@ -48,12 +48,12 @@ public:
     {
         va_list args;
         va_start(args, format);
-        int n = std::vsnprintf(m_text.data(), m_text.size(), format, args);
+        int n = FormatTextInto(m_text.data(), m_text.size(), format, args);
         va_end(args);
         if (n >= static_cast<int>(m_text.size())) {
             m_text.resize(static_cast<std::size_t>(n) + 1);
             va_start(args, format);
-            n = std::vsnprintf(m_text.data(), m_text.size(), format, args);
+            n = FormatTextInto(m_text.data(), m_text.size(), format, args);
             va_end(args);
         }
         return n > 0 && ExecStatement(m_query, QByteArray::fromRawData(m_text.data(), n));

@@ -1,6 +1,6 @@
 // The study program as a user meets it: its command line, its refusals (one line on
-// standard error, exit status 2, nothing left on the server), its result files, the check
-// of a server's settings, and its progress lines.
+// standard error, exit status 2, nothing left on the server), its result files, and its
+// progress lines.
 
 #include "DbTest.h"
 #include "Progress.h"
@@ -119,35 +119,6 @@ TEST(StudyOptions, AcceptsWhatTheHelpOffersAndRefusesTheRestInOneLine)
         EXPECT_FALSE(cl.error().isEmpty());
         EXPECT_FALSE(cl.error().contains('\n')) << cl.error().toStdString();
     }
-}
-
-class ServerMode : public testsupport::DbTest
-{};
-
-TEST_F(ServerMode, NamesTheModesTheStatementsDoNotSurviveAndWhatToSetInstead)
-{
-    EXPECT_TRUE(dbserver::ServerModeProblems(*db()).isEmpty()) << "the private server suits";
-
-    // The save-back's statements for new buses, stations and zones group by one column and
-    // take the others as they come, which ONLY_FULL_GROUP_BY refuses.
-    QSqlQuery q(*db());
-    ASSERT_TRUE(q.exec("SET SESSION sql_mode='ONLY_FULL_GROUP_BY,STRICT_ALL_TABLES,"
-                       "NO_ENGINE_SUBSTITUTION,ERROR_FOR_DIVISION_BY_ZERO'"));
-    EXPECT_FALSE(q.exec("SELECT Bus_Name, PS_Name, Base_kV FROM L1_0 GROUP BY Bus_Name"));
-    EXPECT_TRUE(q.lastError().text().contains("GROUP BY")) << q.lastError().text().toStdString();
-
-    const QStringList problems = dbserver::ServerModeProblems(*db());
-    ASSERT_EQ(problems.size(), 1) << problems.join('\n').toStdString();
-    EXPECT_TRUE(problems[0].contains("ONLY_FULL_GROUP_BY, STRICT_ALL_TABLES"));
-    EXPECT_TRUE(problems[0].contains("sql_mode='ERROR_FOR_DIVISION_BY_ZERO,NO_ENGINE_SUBSTITUTION'"))
-        << "the present mode less what must go: " << problems[0].toStdString();
-    EXPECT_FALSE(problems[0].contains("lower_case_table_names"));
-
-    ASSERT_TRUE(q.exec("SET SESSION sql_mode='EMPTY_STRING_IS_NULL'"));
-    ASSERT_EQ(dbserver::ServerModeProblems(*db()).size(), 1);
-    EXPECT_TRUE(dbserver::ServerModeProblems(*db())[0].contains("sql_mode='NO_ENGINE_SUBSTITUTION'"));
-    ASSERT_TRUE(q.exec("SET SESSION sql_mode=@@GLOBAL.sql_mode"));
-    EXPECT_TRUE(dbserver::ServerModeProblems(*db()).isEmpty());
 }
 
 class Program : public testsupport::DbTest

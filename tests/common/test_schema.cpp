@@ -1,8 +1,12 @@
-// The server settings and the schema under the statements of the library: what the
-// lenient sql_mode lets through that a strict server refuses, the column order that
-// positional inserts rely on, the job-table procedures, and the case-folded table names.
+// The server settings and the schema under the statements of the library: the session
+// set-up and what the lenient sql_mode it leaves lets through that a strict server refuses,
+// the column order that positional inserts rely on, the job-table procedures, and the
+// table names in either spelling.
 
 #include "DbTest.h"
+#include "common/Feedback.h"
+#include "common/Session.h"
+#include "common/SqlRows.h"
 
 #include <QSqlError>
 
@@ -23,9 +27,41 @@ protected:
     }
 };
 
-TEST_F(ServerSettings, LenientModeAcceptsWhatAStrictServerRefuses)
+TEST_F(ServerSettings, TheSessionSetUpLeavesAModeThatAcceptsWhatAStrictServerRefuses)
 {
-    EXPECT_EQ(Scalar("SELECT @@SESSION.sql_mode"), "NO_ENGINE_SUBSTITUTION");
+    // A host's session as strict as MariaDB makes one, with a character set and an engine
+    // of its own: the statements the library depends on fail under it.
+    const QString global = Scalar("SELECT @@GLOBAL.sql_mode");
+    ASSERT_TRUE(Run("SET SESSION sql_mode='TRADITIONAL,ONLY_FULL_GROUP_BY,"
+                    "PAD_CHAR_TO_FULL_LENGTH,NO_BACKSLASH_ESCAPES'"));
+    ASSERT_TRUE(Run("SET NAMES latin1"));
+    ASSERT_TRUE(Run("SET SESSION default_storage_engine=MyISAM"));
+    QString error;
+    EXPECT_FALSE(
+        Run("INSERT INTO CDB_NODEBAK(Node_Name) VALUES('N_123456789012345678901234')", &error));
+    EXPECT_TRUE(error.contains("Data too long")) << error.toStdString();
+    EXPECT_FALSE(Run("INSERT INTO L5_0(ID_Name, Pg) SELECT 'G1', 1/0"));
+    EXPECT_FALSE(Run("SELECT Bus_Name, PS_Name FROM L1_0 GROUP BY Bus_Name", &error));
+    EXPECT_TRUE(error.contains("GROUP BY")) << error.toStdString();
+
+    const SessionSetup setup = SetUpSession(db());
+    EXPECT_TRUE(setup.ok()) << setup.problems.join('\n').toStdString();
+    EXPECT_EQ(setup.changes,
+              QStringList({"sql_mode: 'ONLY_FULL_GROUP_BY,NO_BACKSLASH_ESCAPES,STRICT_TRANS_TABLES,"
+                           "STRICT_ALL_TABLES,NO_ZERO_IN_DATE,NO_ZERO_DATE,"
+                           "ERROR_FOR_DIVISION_BY_ZERO,TRADITIONAL,NO_AUTO_CREATE_USER,"
+                           "NO_ENGINE_SUBSTITUTION,PAD_CHAR_TO_FULL_LENGTH' -> "
+                           "'NO_BACKSLASH_ESCAPES,NO_ZERO_IN_DATE,NO_ZERO_DATE,"
+                           "ERROR_FOR_DIVISION_BY_ZERO,NO_AUTO_CREATE_USER,NO_ENGINE_SUBSTITUTION'",
+                           "character set: latin1 -> utf8mb4",
+                           "default_storage_engine: MyISAM -> InnoDB"}));
+    EXPECT_EQ(setup.lowerCaseTableNames, 1);
+    QSqlQuery q(*db());
+    ASSERT_TRUE(q.exec("SELECT @@character_set_results, @@default_storage_engine") && q.next());
+    EXPECT_EQ(q.value(0).toString() + "|" + q.value(1).toString(), "utf8mb4|InnoDB");
+    EXPECT_EQ(Scalar("SELECT @@GLOBAL.sql_mode"), global) << "nothing changes server-wide";
+    EXPECT_TRUE(SetUpSession(db()).changes.isEmpty()) << "once set up, nothing to change";
+    EXPECT_TRUE(Run("SELECT Bus_Name, PS_Name FROM L1_0 GROUP BY Bus_Name"));
 
     // A case row made by naming its key alone: every other column takes its default.
     ASSERT_TRUE(Run("INSERT INTO LF_CASE SET Case_No=0 "));
@@ -53,14 +89,8 @@ TEST_F(ServerSettings, LenientModeAcceptsWhatAStrictServerRefuses)
     ASSERT_TRUE(Run("INSERT INTO L5_0(ID_Name, Pg) SELECT 'G0', 1/0"));
     EXPECT_EQ(Scalar("SELECT COUNT(*) FROM L5_0 WHERE ID_Name='G0' AND Pg IS NULL"), "1");
 
-    // The same statements under a strict mode fail: the setting is what makes them work.
-    ASSERT_TRUE(Run("SET SESSION sql_mode='STRICT_ALL_TABLES,ERROR_FOR_DIVISION_BY_ZERO'"));
-    QString error;
-    EXPECT_FALSE(
-        Run("INSERT INTO CDB_NODEBAK(Node_Name) VALUES('N_123456789012345678901234')", &error));
-    EXPECT_TRUE(error.contains("Data too long")) << error.toStdString();
-    EXPECT_FALSE(Run("INSERT INTO L5_0(ID_Name, Pg) SELECT 'G1', 1/0"));
     ASSERT_TRUE(Run("SET SESSION sql_mode=@@GLOBAL.sql_mode"));
+    EXPECT_TRUE(SetUpSession(db()).ok());
 }
 
 TEST_F(ServerSettings, PositionalInsertsLineUpWithTheJobTablesOfANewJob)
@@ -105,4 +135,23 @@ TEST_F(ServerSettings, BothSpellingsOfATableNameReachTheSameTable)
     Exec("INSERT INTO CDB_NODEBAK(Node_Name) VALUES ('N9')");
     EXPECT_EQ(Count("CDB_NodeBAK WHERE Node_Name='N9'"), 1);
     EXPECT_EQ(Count("s4_5"), 0) << "the lower-case stability table name of one statement";
+
+    // A server that compares table names by case needs the schema's spelling: the three
+    // names of another spelling go out as the schema writes them, whole words outside
+    // quotes only; by default everything goes as written.
+    const QByteArray written = "update CDB_TRANS_3WBAK a, T3w b set a.Name_2='T3w s4_7' where "
+                               "b.x=`T3w` FROM s4_17,CDB_NodeBAK c,xs4_1,s4_1x,T3wx,"
+                               "CDB_NodeBAKS,CDB_NODEBAK";
+    EXPECT_EQ(InTableSpelling(written), written);
+    SetTableSpelling(TableSpelling::Schema);
+    EXPECT_EQ(InTableSpelling(written).toStdString(),
+              "update CDB_TRANS_3WBAK a, T3W b set a.Name_2='T3w s4_7' where b.x=`T3w` FROM "
+              "S4_17,CDB_NODEBAK c,xs4_1,s4_1x,T3wx,CDB_NodeBAKS,CDB_NODEBAK");
+    StartStatementLog();
+    EXPECT_TRUE(ExecStatement(q, "update T3w b set b.Ntype=33"));
+    CSqlRows rows;
+    EXPECT_TRUE(rows.exec(q, "SELECT COUNT(*) FROM CDB_NodeBAK"));
+    SetTableSpelling(TableSpelling::AsWritten);
+    EXPECT_EQ(SentStatements(), (std::vector<std::string>{"update T3W b set b.Ntype=33",
+                                                          "SELECT COUNT(*) FROM CDB_NODEBAK"}));
 }

@@ -178,7 +178,14 @@ void FaultInjector::Disarm()
         if (!m_unfill.isEmpty()) {
             run(m_admin, m_unfill);
         }
+        // A MEMORY table's rows stay on their server: on a Galera cluster the other nodes
+        // still hold the rows of before the fault. The rows the library left go back into
+        // InnoDB through a copy that every node takes, so the nodes never part.
+        run(m_admin, QStringLiteral("CREATE TEMPORARY TABLE fault_rows SELECT * FROM %1").arg(m_table));
         run(m_admin, QStringLiteral("ALTER TABLE %1 ENGINE=InnoDB").arg(m_table));
+        run(m_admin, QStringLiteral("TRUNCATE TABLE %1").arg(m_table));
+        run(m_admin, QStringLiteral("INSERT INTO %1 SELECT * FROM fault_rows").arg(m_table));
+        run(m_admin, QStringLiteral("DROP TEMPORARY TABLE fault_rows"));
         break;
     case Fault::Killed:
     case Fault::LockTimeout:

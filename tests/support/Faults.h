@@ -8,7 +8,9 @@
 //   MissingTable  the table is renamed away
 //   ReadOnly      the transfer runs as a user with SELECT (and temporary tables) only
 //   Full          the table is moved to the MEMORY engine at its smallest size and filled
-//                 with rows of its own, so the server answers "The table ... is full"
+//                 with rows of its own, so the server answers "The table ... is full";
+//                 Disarm puts it back into InnoDB with the rows it then holds, which on a
+//                 cluster reach every node
 //   LockTimeout   a second session holds a lock on the table and the transfer's session
 //                 waits one second for locks (innodb_lock_wait_timeout, lock_wait_timeout)
 //
