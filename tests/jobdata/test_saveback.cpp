@@ -266,8 +266,8 @@ TEST_F(SaveBackFaults, AQuotedGroupNameTakesTheOrphanAndALostConnectionFailsTheR
     ASSERT_FALSE(feedback().texts(2).empty());
     EXPECT_EQ(feedback().texts(2)[0].rfind("Fail to execute SQL: Create temporary Table Tac", 0),
               0u);
-    db()->close(); // a new session, so that the suite's database can be dropped at its end
-    EXPECT_TRUE(db()->open());
+    // A new session, so that the suite's database can be dropped at its end.
+    EXPECT_TRUE(dbserver::ReopenConnection(*db()));
 }
 
 // A group's name holds 20 bytes as the design counted them: ten Chinese characters save

@@ -196,8 +196,7 @@ void FaultInjector::Disarm()
                                            "lock_wait_timeout=DEFAULT"));
         } else {
             // The killed session is gone: the suite's connection starts a new one.
-            m_library->close();
-            m_library->open();
+            dbserver::ReopenConnection(*m_library);
         }
         break;
     }
