@@ -9,7 +9,10 @@
 #   scripts/db.sh client   open the mariadb client on it (extra arguments are passed on)
 #
 # CALCDATA_DB_DIR chooses the data directory (default: .mariadb in the checkout).
-# The sql_mode is fixed here; README.md says why.
+# The sql_mode is fixed here; README.md says why. With CALCDATA_DB_AS_IT_COMES=1 (and a
+# data directory of its own) the server keeps MariaDB's own defaults instead: a strict
+# sql_mode, lower_case_table_names=0 and latin1, a server such as a user may bring, on
+# which the tests run the study program.
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -51,6 +54,13 @@ pick_port() {
 
 user_args=()
 [ "$(id -u)" = 0 ] && user_args=(--user=root)
+settings=(--sql-mode="$SQL_MODE" --lower-case-table-names=$LOWER_CASE_TABLE_NAMES
+          --character-set-server=utf8mb4 --collation-server=utf8mb4_general_ci)
+install_settings=(--lower-case-table-names=$LOWER_CASE_TABLE_NAMES)
+if [ "${CALCDATA_DB_AS_IT_COMES:-}" = 1 ]; then
+  settings=()
+  install_settings=()
+fi
 
 start() {
   if running; then return 0; fi
@@ -59,7 +69,7 @@ start() {
     rm -rf "$data"
     mariadb-install-db --no-defaults --datadir="$data" "${user_args[@]}" \
       --auth-root-authentication-method=normal --skip-test-db \
-      --lower-case-table-names=$LOWER_CASE_TABLE_NAMES >"$dir/install.log" 2>&1 || {
+      "${install_settings[@]}" >"$dir/install.log" 2>&1 || {
       cat "$dir/install.log" >&2
       echo "db.sh: mariadb-install-db failed" >&2
       exit 1
@@ -70,10 +80,8 @@ start() {
   rm -f "$pidfile"
   (mariadbd --no-defaults "${user_args[@]}" --datadir="$data" --socket="$socket" \
     --port="$(cat "$portfile")" --bind-address=127.0.0.1 --pid-file="$pidfile" \
-    --log-error="$logfile" --sql-mode="$SQL_MODE" --skip-name-resolve \
-    --lower-case-table-names=$LOWER_CASE_TABLE_NAMES \
+    --log-error="$logfile" --skip-name-resolve "${settings[@]}" \
     --max-connections=500 --innodb-buffer-pool-size=512M --innodb-flush-log-at-trx-commit=2 \
-    --character-set-server=utf8mb4 --collation-server=utf8mb4_general_ci \
     </dev/null >/dev/null 2>&1 &)
   for _ in $(seq 1 300); do
     if running; then return 0; fi

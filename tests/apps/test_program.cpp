@@ -5,6 +5,7 @@
 #include "DbTest.h"
 #include "Progress.h"
 #include "StudyOptions.h"
+#include "common/Session.h"
 
 #include <QDir>
 #include <QFile>
@@ -301,6 +302,45 @@ TEST_F(Program, AChineseNetworkKeepsEveryNameFromTheFileToTheCsvFiles)
                      ".CDB_DATAGROUPBAK WHERE GrpName NOT LIKE 'BASE%'"),
               "华北电网运行方式调整");
     Exec("DROP DATABASE " + kept);
+}
+
+// Servers that nobody set up for the library, from CALCDATA_OTHER_SERVERS (HOST:PORT, comma
+// separated; scripts/test.sh gives a MariaDB with its own defaults and, in its cluster run, a
+// cluster node): the study sets up its sessions, says what it changed, takes the schema's
+// table spellings where the server compares names by case, and runs to its end.
+TEST(StudyOnOtherServers, SetsUpItsSessionsTakesTheSchemasSpellingsWhereNeededAndRunsToItsEnd)
+{
+    const QStringList servers =
+        qEnvironmentVariable("CALCDATA_OTHER_SERVERS").split(',', Qt::SkipEmptyParts);
+    if (servers.isEmpty()) {
+        GTEST_SKIP() << "no other server given (CALCDATA_OTHER_SERVERS, as scripts/test.sh sets)";
+    }
+    for (const QString& server : servers) {
+        SCOPED_TRACE(server.toStdString());
+        dbserver::ServerAddress a;
+        a.host = server.section(':', 0, 0);
+        a.port = server.section(':', 1).toInt();
+        a.user = "root";
+        SessionSetup setup;
+        dbserver::OpenConnection(a, "other", QString(), nullptr, &setup);
+        QSqlDatabase::removeDatabase("other");
+        ASSERT_GE(setup.lowerCaseTableNames, 0) << "the server answers";
+
+        const ProgramRun r = RunProgram({"--server", server, "--user", "root"});
+        ASSERT_EQ(r.status, 0) << r.err.toStdString();
+        const QStringList lines = r.out.split('\n');
+        EXPECT_EQ(lines.contains("the server compares table names by case "
+                                 "(lower_case_table_names=0): the statements name every table "
+                                 "in the schema's spelling"),
+                  setup.lowerCaseTableNames == 0);
+        EXPECT_TRUE(lines.contains(
+            "the study's sessions: sql_mode: 'STRICT_TRANS_TABLES,ERROR_FOR_DIVISION_BY_ZERO,"
+            "NO_AUTO_CREATE_USER,NO_ENGINE_SUBSTITUTION' -> 'ERROR_FOR_DIVISION_BY_ZERO,"
+            "NO_AUTO_CREATE_USER,NO_ENGINE_SUBSTITUTION'"))
+            << "MariaDB's own default mode less the strict one\n" << r.out.toStdString();
+        EXPECT_TRUE(lines.contains("    CDB_GENERATBAK      5 row(s): G1, G2, G3, G4, G5"))
+            << r.out.toStdString();
+    }
 }
 
 TEST(StudyProgress, TellsAStepOverASecondAndIsSilentForShortStepsAndQuietMode)
