@@ -15,6 +15,7 @@ packages=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   clang libclang-rt-dev                   # libFuzzer and the sanitizers' runtimes for the fuzz targets (clang's own version)
   fonts-wqy-microhei                      # a CJK font: the dialogs' Chinese texts in offscreen screenshots
+  locales                                 # locale sources: a test makes a locale with a decimal comma from them
 )
 if [ "${1:-}" = cluster ]; then
   packages+=(

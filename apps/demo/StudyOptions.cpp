@@ -17,9 +17,10 @@ StudyCommandLine::StudyCommandLine()
       m_synthetic("synthetic", "Study a generated meshed network of N buses (N >= 3) instead.",
                   "N"),
       m_server("server",
-               "Use the MariaDB or MySQL server at HOST:PORT (port 3306 when left out), which "
-               "you own, instead of the project's private server. Its sql_mode and "
-               "lower_case_table_names are checked first.",
+               "Use the MariaDB or MySQL server at HOST:PORT (port 3306 when left out), or a "
+               "node of a Galera cluster, instead of the project's private server. The "
+               "study's sessions are set up for the library (sql_mode, character set); on a "
+               "server that compares table names by case the schema's spellings are used.",
                "HOST:PORT"),
       m_user("user", "Log in to --server as USER (default: the login name).", "USER"),
       m_password("password",

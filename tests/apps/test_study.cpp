@@ -1,20 +1,55 @@
 // The demo's study on the IEEE 14-bus case: extraction, records, import and the load flow
-// on the records must reproduce the published solution that the sample carries.
+// on the records must reproduce the published solution that the sample carries, also in a
+// host program whose locale writes one half as "0,5" (the statements must not).
 
 #include "DbTest.h"
 #include "SampleNetwork.h"
 #include "Study.h"
 #include "records/NetworkRecords.h"
 
+#include <QProcess>
+#include <QTemporaryDir>
+#include <clocale>
 #include <cmath>
+#include <cstdio>
 
 using testsupport::DbTest;
 
 class Study14 : public DbTest
 {};
 
-TEST_F(Study14, SolvedVoltagesMatchThePublishedSolution)
+// Switches the process's numbers to a locale with a decimal comma (made from the system's
+// locale sources into a folder of its own) for as long as it stands.
+class DecimalComma
 {
+public:
+    DecimalComma()
+    {
+        const QString path = m_dir.path() + "/de_DE.UTF-8";
+        QProcess::execute("localedef", {"-i", "de_DE", "-f", "UTF-8", path});
+        qputenv("LOCPATH", m_dir.path().toLocal8Bit());
+        m_ok = std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
+    }
+    ~DecimalComma()
+    {
+        std::setlocale(LC_NUMERIC, "C");
+        qunsetenv("LOCPATH");
+    }
+    bool ok() const { return m_ok; }
+
+private:
+    QTemporaryDir m_dir;
+    bool m_ok = false;
+};
+
+TEST_F(Study14, SolvedVoltagesMatchThePublishedSolutionUnderADecimalCommaLocale)
+{
+    DecimalComma comma;
+    ASSERT_TRUE(comma.ok()) << "no de_DE locale could be made (package locales)";
+    char half[16];
+    std::snprintf(half, sizeof half, "%.1f", 0.5);
+    ASSERT_STREQ(half, "0,5");
+
     samples::Network net;
     QString error;
     ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
