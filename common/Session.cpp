@@ -105,33 +105,29 @@ SessionSetup SetUpSession(QSqlDatabase* db)
     const QString charset = q.value(2).toString();
     const QString engine = q.value(5).toString();
 
+    // Each setting: what was there, the statement that sets the library's value, and the
+    // value, for the line that says what changed or could not be changed.
+    auto set = [&](const char* what, const QString& from, const QString& sql, const QString& to) {
+        if (q.exec(sql)) {
+            s.changes << QStringLiteral("%1: %2 -> %3").arg(QLatin1String(what), from, to);
+        } else {
+            s.problems << QStringLiteral("the session's %1 %2 cannot be set to %3: %4")
+                              .arg(QLatin1String(what), from, to, q.lastError().text());
+        }
+    };
     const QString wanted = LibrarySqlMode(mode);
     if (wanted != mode) {
-        if (q.exec(QStringLiteral("SET SESSION sql_mode='%1'").arg(wanted))) {
-            s.changes << QStringLiteral("sql_mode: '%1' -> '%2'").arg(mode, wanted);
-        } else {
-            s.problems << QStringLiteral("the session's sql_mode '%1' cannot be set to '%2': %3")
-                              .arg(mode, wanted, q.lastError().text());
-        }
+        set("sql_mode", "'" + mode + "'", QStringLiteral("SET SESSION sql_mode='%1'").arg(wanted),
+            "'" + wanted + "'");
     }
     if (!utf8) {
         // Qt's driver reads every reply as UTF-8 and the library sends UTF-8.
-        if (q.exec(QStringLiteral("SET NAMES utf8mb4"))) {
-            s.changes << QStringLiteral("character set: %1 -> utf8mb4").arg(charset);
-        } else {
-            s.problems << QStringLiteral("the session's character set %1 cannot be set to "
-                                         "utf8mb4: %2")
-                              .arg(charset, q.lastError().text());
-        }
+        set("character set", charset, QStringLiteral("SET NAMES utf8mb4"),
+            QStringLiteral("utf8mb4"));
     }
     if (engine.compare(QLatin1String("InnoDB"), Qt::CaseInsensitive) != 0) {
-        if (q.exec(QStringLiteral("SET SESSION default_storage_engine=InnoDB"))) {
-            s.changes << QStringLiteral("default_storage_engine: %1 -> InnoDB").arg(engine);
-        } else {
-            s.problems << QStringLiteral("the working tables would be %1 tables, and InnoDB "
-                                         "cannot be set for them: %2")
-                              .arg(engine, q.lastError().text());
-        }
+        set("default_storage_engine", engine,
+            QStringLiteral("SET SESSION default_storage_engine=InnoDB"), QStringLiteral("InnoDB"));
     }
     if (s.lowerCaseTableNames == 0 && GetTableSpelling() == TableSpelling::AsWritten) {
         s.problems << QStringLiteral(

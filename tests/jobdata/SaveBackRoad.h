@@ -21,6 +21,12 @@ class SaveBackRoad : public testsupport::DbTest
 {
 protected:
     static inline char kScheme[] = "SCH";
+    // The working copies a load-flow save-back writes.
+    static inline const std::vector<const char*> kWorkingCopies = {
+        "CDB_ACLINEBAK", "CDB_PCAPREABAK",  "CDB_SCAPREABAK",   "CDB_TRANS_2WBAK",
+        "CDB_SHIFTBAK",  "CDB_TRANS_3WBAK", "CDB_DCLINEBAK",    "CDB_GENERATBAK",
+        "CDB_LOADBAK",   "CDB_BREAKERBAK",  "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK",
+        "CDB_NODEBAK",   "CDB_BUSBAK",      "CDB_PSTATIONBAK",  "CDB_ZONEBAK"};
 
     // The temporary tables a run that stopped leaves on the library's connection.
     static void DropTemporaryTables(QSqlDatabase* db)

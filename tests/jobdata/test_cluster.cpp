@@ -18,12 +18,6 @@ using namespace testsupport;
 
 namespace {
 
-const std::vector<const char*> kWorkingCopies = {
-    "CDB_ACLINEBAK", "CDB_PCAPREABAK",  "CDB_SCAPREABAK",   "CDB_TRANS_2WBAK",
-    "CDB_SHIFTBAK",  "CDB_TRANS_3WBAK", "CDB_DCLINEBAK",    "CDB_GENERATBAK",
-    "CDB_LOADBAK",   "CDB_BREAKERBAK",  "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK",
-    "CDB_NODEBAK",   "CDB_BUSBAK",      "CDB_PSTATIONBAK",  "CDB_ZONEBAK"};
-
 QStringList NodeSockets()
 {
     return qEnvironmentVariable("CALCDATA_CLUSTER_SOCKETS").split(',', Qt::SkipEmptyParts);

@@ -18,13 +18,6 @@ using namespace testsupport;
 
 namespace {
 
-// The working copies a load-flow save-back writes.
-const std::vector<const char*> kWorkingCopies = {
-    "CDB_ACLINEBAK", "CDB_PCAPREABAK",  "CDB_SCAPREABAK",   "CDB_TRANS_2WBAK",
-    "CDB_SHIFTBAK",  "CDB_TRANS_3WBAK", "CDB_DCLINEBAK",    "CDB_GENERATBAK",
-    "CDB_LOADBAK",   "CDB_BREAKERBAK",  "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK",
-    "CDB_NODEBAK",   "CDB_BUSBAK",      "CDB_PSTATIONBAK",  "CDB_ZONEBAK"};
-
 // The work tables of the save-back.
 const std::vector<const char*> kWorkTables = {"Tac", "TPCR", "TSCR",  "T2W",  "TShift",  "T3W",
                                               "Tdc", "TGen", "TLoad", "TBrk", "Tswitch", "Tnode"};
