@@ -171,7 +171,8 @@ TableSpelling GetTableSpelling()
 QByteArray InTableSpelling(const QByteArray& sql)
 {
     if (g_spelling == TableSpelling::AsWritten ||
-        !(sql.contains("NodeBAK") || sql.contains("T3w") || sql.contains("s4_"))) {
+        std::none_of(std::begin(kOtherSpellings), std::end(kOtherSpellings),
+                     [&](const OtherSpelling& o) { return sql.contains(o.written); })) {
         return sql;
     }
     QByteArray out;

@@ -65,5 +65,6 @@ skips=$(cat "$results"/*.xml | grep -c 'result="skipped"' || true)
 echo "test.sh: cluster run on node 1: all $programs test programs passed ($tests tests," \
      "$skips skipped) in $(( $(date +%s) - cluster_start )) s"
 if [ "$skips" != 0 ]; then
-  grep -ho '<skipped message="[^"]*"' "$results"/*.xml | sed 's/^<skipped message=/  skipped: /' | sort | uniq -c
+  grep -ho '<skipped message="[^"]*"' "$results"/*.xml |
+    sed -e 's/^<skipped message="/  skipped: /' -e 's/"$//' -e 's/&#x0A;/: /g' | sort | uniq -c
 fi
