@@ -23,7 +23,16 @@
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
-dir=${CALCDATA_CLUSTER_DIR:-$root/.cluster}
+# The nodes' folder: in the checkout, unless the user mysql (under which root runs the nodes)
+# cannot pass through the checkout's folder (a home folder closed to others): then in /tmp.
+default_dir() {
+  if [ "$(id -u)" = 0 ] && id mysql >/dev/null 2>&1 && ! runuser -u mysql -- test -x "$root"; then
+    echo "/tmp/calcdata-cluster-$(printf '%s' "$root" | md5sum | cut -c1-12)"
+  else
+    echo "$root/.cluster"
+  fi
+}
+dir=${CALCDATA_CLUSTER_DIR:-$(default_dir)}
 nodes=3
 provider=/usr/lib/galera/libgalera_smm.so
 
@@ -64,8 +73,14 @@ sst_port() { echo $(($(ports) + 3 * nodes + $1 - 1)); }
 
 client() { local n=$1; shift; mariadb --no-defaults -S "$(sock "$n")" -uroot "$@"; }
 
+# A live server process: not a zombie that a killed node can leave, nor another program that
+# took its number since.
+alive() {
+  [ -r "/proc/$1/stat" ] && [ "$(cut -d' ' -f3 "/proc/$1/stat")" != Z ] &&
+    [ "$(cat "/proc/$1/comm" 2>/dev/null)" = mariadbd ]
+}
 running() {
-  [ -f "$(pidfile "$1")" ] && kill -0 "$(cat "$(pidfile "$1")")" 2>/dev/null
+  [ -f "$(pidfile "$1")" ] && alive "$(cat "$(pidfile "$1")")"
 }
 synced() {
   [ "$(client "$1" -N -e "SHOW STATUS LIKE 'wsrep_local_state_comment'" 2>/dev/null | cut -f2)" = Synced ]
@@ -153,6 +168,7 @@ start_node() {
 start() {
   command -v mariadbd >/dev/null && [ -f "$provider" ] && command -v wsrep_sst_rsync >/dev/null &&
     command -v rsync >/dev/null || "$root/scripts/install-deps.sh" cluster
+  dir=${CALCDATA_CLUSTER_DIR:-$(default_dir)} # the user mysql may be new
   mkdir -p "$dir"
   [ $as_root = 1 ] && chown mysql:mysql "$dir"
   check_reachable
@@ -178,7 +194,7 @@ stop_node() {
   pid=$(cat "$(pidfile "$n")")
   kill "$pid" 2>/dev/null || true
   for _ in $(seq 1 600); do
-    kill -0 "$pid" 2>/dev/null || { rm -f "$(pidfile "$n")"; return 0; }
+    alive "$pid" || { rm -f "$(pidfile "$n")"; return 0; }
     sleep 0.1
   done
   kill -9 "$pid" 2>/dev/null || true
