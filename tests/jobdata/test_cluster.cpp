@@ -1,9 +1,6 @@
 // The save-back on a Galera cluster (scripts/cluster.sh), the library on node 1 and the
-// other nodes looking on: what it saves every node holds at once; under all-or-nothing, a
-// change of the same rows committed through node 2 during the run undoes all of it on every
-// node, and node 1 stopped in the middle of a run leaves nodes 2 and 3 with none of it.
-// The nodes come from CALCDATA_CLUSTER_SOCKETS (scripts/cluster.sh env), the suite's server
-// being node 1; without them the tests say so and are skipped.
+// other nodes looking on. The nodes come from CALCDATA_CLUSTER_SOCKETS (scripts/cluster.sh
+// env), the suite's server being node 1; without them the tests say so and are skipped.
 
 #include "SaveBackRoad.h"
 #include "TableSnapshots.h"
@@ -26,10 +23,8 @@ QStringList NodeSockets()
 // Runs scripts/cluster.sh with `args` on the cluster of the environment.
 bool Cluster(const QStringList& args)
 {
-    QProcess p;
-    p.start("bash", QStringList{dbserver::SourceDir() + "/scripts/cluster.sh"} + args);
-    return p.waitForFinished(180000) && p.exitStatus() == QProcess::NormalExit &&
-           p.exitCode() == 0;
+    return QProcess::execute("bash", QStringList{dbserver::SourceDir() + "/scripts/cluster.sh"} +
+                                         args) == 0;
 }
 
 } // namespace
@@ -71,6 +66,15 @@ protected:
         return QSqlDatabase::database(name, false);
     }
     std::vector<std::string> NodeRows(int n) { return Contents(Take(Node(n), kWorkingCopies)); }
+    // The AC line L1's R1 and the generator GU's Pg (MW) in the working copies on node `n`.
+    std::pair<double, double> LineAndGenerator(int n)
+    {
+        QSqlQuery q(Node(n));
+        EXPECT_TRUE(q.exec("SELECT (SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1'), (SELECT Pg "
+                           "FROM CDB_GENERATBAK WHERE ID_Name='GU')") &&
+                    q.next());
+        return {q.value(0).toDouble(), q.value(1).toDouble()};
+    }
 
     // Changes of an AC line and a generator in the job, the line's first.
     static void ChangeLineAndGenerator()
@@ -147,13 +151,8 @@ TEST_F(ClusterSaveBack, ALineChangedThroughNode2DuringAWholeRunUndoesItOnEveryNo
     EXPECT_EQ(errors[1], sbo::MSG_CONFLICT_NOTHING_SAVED);
     EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
     for (int n = 1; n <= 3; ++n) {
-        SCOPED_TRACE(n);
-        QSqlQuery q(Node(n));
-        ASSERT_TRUE(q.exec("SELECT (SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1'), (SELECT Pg "
-                           "FROM CDB_GENERATBAK WHERE ID_Name='GU')") &&
-                    q.next());
-        EXPECT_EQ(q.value(0).toDouble(), 0.5) << "node 2's change stands";
-        EXPECT_EQ(q.value(1).toDouble(), 50.0) << "the generator, saved after the line, is not";
+        // Node 2's change stands; the generator, saved after the line, is not.
+        EXPECT_EQ(LineAndGenerator(n), std::make_pair(0.5, 50.0)) << "node " << n;
     }
 
     // The next run saves both, over node 2's value.
@@ -161,12 +160,9 @@ TEST_F(ClusterSaveBack, ALineChangedThroughNode2DuringAWholeRunUndoesItOnEveryNo
     again.SetStatementMode(SaveStatementMode::Mended);
     again.SetAllOrNothing(true);
     EXPECT_EQ(again.SaveLDataToBaseDB("G1", false), 0);
-    QSqlQuery q(Node(3));
-    ASSERT_TRUE(q.exec("SELECT (SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1'), (SELECT Pg "
-                       "FROM CDB_GENERATBAK WHERE ID_Name='GU')") &&
-                q.next());
-    EXPECT_NEAR(q.value(0).toDouble(), 0.01938 + 0.00011, 1e-12);
-    EXPECT_NEAR(q.value(1).toDouble(), 50.0002, 1e-9);
+    const auto saved = LineAndGenerator(3);
+    EXPECT_NEAR(saved.first, 0.01938 + 0.00011, 1e-12);
+    EXPECT_NEAR(saved.second, 50.0002, 1e-9);
 }
 
 TEST_F(ClusterSaveBack, Node1StoppedDuringAWholeRunLeavesNoneOfItAndRejoins)
