@@ -172,59 +172,65 @@ int CSTCalDataTransfer::ImportS2DataFromBaseDB()
     return ac || scr || pcr ? CALC_FAIL : CALC_OK;
 }
 
-// The three differ in what a failure does; each routine says it where it happens.
+// What sets the three apart: source, Ntype, their two inserts, whether the named-unit
+// insert converts B0_Half too (a third base power), and what a failure does.
+struct CSTCalDataTransfer::S2Family
+{
+    const char* source;
+    int ntype;
+    const char* unit1;
+    const char* unit0;
+    bool b0Half;
+    bool refusedFillStops;  // else the fill's refusal goes on, counted with its 0 rows
+    bool refusedUnit0Fails; // else a refused named-unit insert is told and not passed on
+};
+
+namespace {
+
+const CSTCalDataTransfer::S2Family kAC = {
+    "CDB_ACLINE", 1, SQL_S2_AC_UNIT1, SQL_S2_AC_UNIT0, true, false, false};
+const CSTCalDataTransfer::S2Family kSCR = {
+    "CDB_SCAPREA", 2, SQL_S2_SCR_UNIT1, SQL_S2_SCR_UNIT0, false, true, true};
+const CSTCalDataTransfer::S2Family kPCR = {
+    "CDB_PCAPREA", 3, SQL_S2_PCR_UNIT1, SQL_S2_PCR_UNIT0, false, false, true};
+
+} // namespace
+
 int CSTCalDataTransfer::ImportS2DataFromAC()
 {
-    const QByteArray job = FormatText("S2_%d", m_nJobNumber);
-    const QByteArray source = workingCopy("CDB_ACLINE");
-    const double sb = m_dBaseMva;
-    run(m_pDB, SQL_CLEAR_TMP);
-    int rows = 0;
-    SelectByScheme(source, rows); // a refused fill goes on, counted with its 0 rows
-    Nacline += rows;
-    if (!Exec(FormatText(SQL_S2_AC_UNIT1, job.constData(), 1, source.constData()))) {
-        return CALC_FAIL;
-    }
-    // A refused named-unit insert is told and not passed on.
-    Exec(FormatText(SQL_S2_AC_UNIT0, job.constData(), sb, sb, sb, 1, source.constData(), "CDB_NODE",
-                    WORKING_COPY, "CDB_BUS", WORKING_COPY));
-    return CALC_OK;
+    return ImportS2Family(kAC);
 }
 
 int CSTCalDataTransfer::ImportS2DataFromSCR()
 {
-    const QByteArray job = FormatText("S2_%d", m_nJobNumber);
-    const QByteArray source = workingCopy("CDB_SCAPREA");
-    const double sb = m_dBaseMva;
-    run(m_pDB, SQL_CLEAR_TMP);
-    int rows = 0;
-    if (!SelectByScheme(source, rows)) {
-        return CALC_FAIL;
-    }
-    Nacline += rows;
-    if (!Exec(FormatText(SQL_S2_SCR_UNIT1, job.constData(), 2, source.constData())) ||
-        !Exec(FormatText(SQL_S2_SCR_UNIT0, job.constData(), sb, sb, 2, source.constData(),
-                         "CDB_NODE", WORKING_COPY, "CDB_BUS", WORKING_COPY))) {
-        return CALC_FAIL;
-    }
-    return CALC_OK;
+    return ImportS2Family(kSCR);
 }
 
 int CSTCalDataTransfer::ImportS2DataFromPCR()
 {
+    return ImportS2Family(kPCR);
+}
+
+int CSTCalDataTransfer::ImportS2Family(const S2Family& f)
+{
     const QByteArray job = FormatText("S2_%d", m_nJobNumber);
-    const QByteArray source = workingCopy("CDB_PCAPREA");
+    const QByteArray source = workingCopy(f.source);
     const double sb = m_dBaseMva;
     run(m_pDB, SQL_CLEAR_TMP);
     int rows = 0;
-    SelectByScheme(source, rows); // a refused fill goes on, counted with its 0 rows
-    Nacline += rows;
-    if (!Exec(FormatText(SQL_S2_PCR_UNIT1, job.constData(), 3, source.constData())) ||
-        !Exec(FormatText(SQL_S2_PCR_UNIT0, job.constData(), sb, sb, 3, source.constData(),
-                         "CDB_NODE", WORKING_COPY, "CDB_BUS", WORKING_COPY))) {
+    if (!SelectByScheme(source, rows) && f.refusedFillStops) {
         return CALC_FAIL;
     }
-    return CALC_OK;
+    Nacline += rows;
+    if (!Exec(FormatText(f.unit1, job.constData(), f.ntype, source.constData()))) {
+        return CALC_FAIL;
+    }
+    const QByteArray unit0 =
+        f.b0Half ? FormatText(f.unit0, job.constData(), sb, sb, sb, f.ntype, source.constData(),
+                              "CDB_NODE", WORKING_COPY, "CDB_BUS", WORKING_COPY)
+                 : FormatText(f.unit0, job.constData(), sb, sb, f.ntype, source.constData(),
+                              "CDB_NODE", WORKING_COPY, "CDB_BUS", WORKING_COPY);
+    return Exec(unit0) || !f.refusedUnit0Fails ? CALC_OK : CALC_FAIL;
 }
 
 // ---- S3: transformers, each inserted row (each winding) counted ----

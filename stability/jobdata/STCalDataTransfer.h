@@ -56,6 +56,8 @@ public:
     // and the extraction refuses it.
     const char* SchemeName() const { return m_SchName; }
 
+    struct S2Family; // what sets the three AC-side extractions apart
+
 private:
     static constexpr int kSchemeBytes = 31;
     void Init();
@@ -73,6 +75,8 @@ private:
     int ImportS2DataFromAC();
     int ImportS2DataFromSCR();
     int ImportS2DataFromPCR();
+    // The three AC-side families: one routine over what differs among them.
+    int ImportS2Family(const S2Family& f);
     int ImportS3DataFromBaseDB();
     int ImportS3DataFromT2W();
     int ImportS3DataFromT3W();
