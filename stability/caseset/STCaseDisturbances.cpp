@@ -99,6 +99,8 @@ int CSTCaseDataTransfer::ImportDISTDataToRTDB()
         ShowMessage(MSG_FLAG_QUERY, MSG_ERROR);
         return CALC_FAIL;
     }
+    // A case without its row runs to time 0, whatever an earlier load of this object read.
+    m_dTotalTime = 0;
     if (q.next()) {
         m_dTotalTime = number(q, 1);
         if (RowInt(q, 0) != 1) {

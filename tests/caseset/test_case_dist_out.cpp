@@ -137,6 +137,13 @@ TEST_F(Disturbance, EveryKindIntoItsRecordsAndCounts)
     EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
     EXPECT_TRUE(Disturbances().empty());
     EXPECT_EQ(Scalar("SELECT Ndist FROM ST_CASE WHERE Case_No=3"), "17");
+
+    // Without its case row the same object reads on as if turned on, and an unset end is
+    // 0, not the 10 of the load before.
+    Exec("DELETE FROM ST_CASE");
+    EXPECT_EQ(CaseSetProbe::Disturbances(transfer), 0);
+    EXPECT_EQ(Disturbances().at(4),
+              "T1|N2|N2G|" + n2 + "|" + B("N2G") + "|1|2|" + B("N2G") + "|1|0|0.4|0.5|0|0");
 }
 
 TEST_F(Disturbance, MissingAndUnreadableDetailTables)
