@@ -76,7 +76,7 @@ void StabilityTest::SetUp()
     Exec("INSERT INTO CDB_SHIFTBAK(GrpName, ID_Name, Valid, I_Name, J_Name, ID_No, Unit, R1, X1, "
          "Tk, Ang_Shift, Zero_Conn, R0, X0) VALUES "
          "('G', 'P1', 1, 'N2', 'N3', 1, 1, 0.001, 0.05, 1.0, 5, 'ZZ', 0.003, 0.06), "
-         "('G', 'P2', 1, 'N2', 'N4', 1, 1, 0.001, 0.05, 1.0, 10, 'IJ', 0.004, 0.07)");
+         "('G', 'P2', 1, 'N2', 'N4', 1, 0, 0.484, 24.2, 1.0, 10, 'IJ', 0.484, 9.68)");
     Exec("INSERT INTO CDB_TRANS_3WBAK(GrpName, ID_Name, Valid, Name_N, Name_1, Name_2, Name_3, "
          "ID_No1, ID_No2, ID_No3, Unit, R1, X1, Zero_Conn1, R10, X10, Zero_Conn2, R20, X20, "
          "Zero_Conn3, R30, X30) VALUES "

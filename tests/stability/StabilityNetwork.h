@@ -11,7 +11,7 @@
 //
 // In G: AC lines L1 (per unit), L2 (ohms, N1 220 kV), L3 (ohms, I node NX unknown);
 // series capacitor S1 (ohms); shunt C1 (ohms, N3); two-winding transformers T1 (per unit,
-// IG), T2 (NO), T3 (ohms, JG); phase shifters P1 (ZZ), P2 (IJ); three-winding transformers
+// IG), T2 (NO), T3 (ohms, JG); phase shifters P1 (ZZ), P2 (ohms, IJ); three-winding transformers
 // W1 (ohms, windings 1 IG and 3 IJ, 2 NO), W2 (only winding 2, JG), W3 (all three IG);
 // DC line DC1; generator G1; load D1 (Z_Percent 12.7); SVCs V1 (ohms, N3) and V2. In OUT:
 // AC line L4.

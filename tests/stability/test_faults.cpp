@@ -1,17 +1,13 @@
 // The stability job data under server faults: extraction and save-back on the small
-// network of the stability fixture, and the job into the network records.
+// network of the stability fixture.
 
 #include "Faults.h"
-#include "RecordAccess.h"
 #include "StabilityNetwork.h"
 #include "platform/CDatabase.h"
-#include "records/NetworkRecords.h"
-#include "stability/jobdata/STCalDataToRTDB.h"
 #include "stability/jobdata/STCalDataTransfer.h"
 
 #include <QSqlQuery>
 
-using namespace dtsdb;
 using namespace sttest;
 using testsupport::Fault;
 using testsupport::FaultInjector;
@@ -278,112 +274,3 @@ INSTANTIATE_TEST_SUITE_P(
     [](const ::testing::TestParamInfo<SaveBackFault>& info) {
         return testsupport::FaultName(info.param.fault);
     });
-
-// ---- The job into the records, faulted on the generators' job table ----
-
-// A select the server refuses reads as an empty table and shows nothing, and the import
-// never fails: a fault shows only in the records it left alone.
-struct ImportFault
-{
-    Fault fault;
-    Hold hold;
-    // Whether each job table, S2_7 to S7_7, reached its records: 1 yes, 0 no.
-    std::string loaded;
-};
-
-void PrintTo(const ImportFault& f, std::ostream* os)
-{
-    *os << testsupport::FaultName(f.fault);
-}
-
-class ImportFaults : public StabilityTest, public ::testing::WithParamInterface<ImportFault>
-{
-protected:
-    void SetUp() override
-    {
-        StabilityTest::SetUp();
-        if (HasFatalFailure() || IsSkipped()) {
-            return;
-        }
-        ASSERT_TRUE(m_rtdb.open("stability_faults"));
-        ASSERT_EQ(CSTCalDataTransfer(kJob, kCaseLF, db(), nullptr).ImportSDataFromBaseDB(), 0);
-        // A record for every row of the job, as the load-flow import leaves them.
-        for (const char* id : {"L1_ac", "L2_ac", "S1_sc"}) {
-            testsupport::Put<ln>(id);
-        }
-        testsupport::Put<cp>("C1");
-        for (const char* id : {"T1_2w", "T3_2w", "P1_sf", "P2_sf", "W1_3w1", "W1_3w3", "W2_3w2",
-                               "W3_3w1", "W3_3w2", "W3_3w3"}) {
-            testsupport::Put<xf>(id);
-        }
-        testsupport::Put<dln>("DC1");
-        testsupport::Put<un>("G1");
-        testsupport::Put<ld>("D1");
-        for (const char* name : {"V1", "V2"}) {
-            svc r;
-            r.id_name = name;
-            testsupport::Put(r);
-        }
-        m_rtdb.commit();
-        feedback().clear();
-    }
-    void TearDown() override
-    {
-        m_rtdb.rollback();
-        m_rtdb.close();
-    }
-    // One value of each table's rows, as the job holds it, found in its record.
-    static std::string Loaded()
-    {
-        dbCursor<svc> svcs;
-        dbQuery byName;
-        byName = "id_name=", "V1";
-        const bool svcLoaded = svcs.select(byName) == 1 && svcs->Model == 2;
-        std::string out;
-        out += testsupport::Fetch<ln>("L1_ac").R0 == 0.25f ? '1' : '0';
-        out += testsupport::Fetch<xf>("T1_2w").ZCtype == 1 ? '1' : '0';
-        out += testsupport::Fetch<dln>("DC1").DC_Model == 2 ? '1' : '0';
-        out += testsupport::Fetch<un>("G1").Gen_Model == 6 ? '1' : '0';
-        out += testsupport::Fetch<ld>("D1").Load_Model == 3 ? '1' : '0';
-        out += svcLoaded ? '1' : '0';
-        return out;
-    }
-    dbDatabase m_rtdb;
-};
-
-TEST_P(ImportFaults, AFailedReadLoadsNothingOfItsTableSilentlyAndTheNextRunLoadsAll)
-{
-    const ImportFault& f = GetParam();
-    {
-        FaultInjector fault(scratch(), db(), f.fault, "S5_7", f.hold);
-        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
-            CSTCalDataToRTDB job(kJob, connection);
-            EXPECT_EQ(job.ImportSDataToRTDB(), 0) << "no failure is ever returned";
-        }));
-    }
-    EXPECT_TRUE(feedback().messages().empty()) << "a refused select shows nothing";
-    EXPECT_EQ(Loaded(), f.loaded);
-
-    m_rtdb.rollback();
-    ASSERT_EQ(Loaded(), "000000");
-    QSqlDatabase fresh = testsupport::FreshConnection(scratch());
-    CSTCalDataToRTDB again(kJob, &fresh);
-    EXPECT_EQ(again.ImportSDataToRTDB(), 0);
-    EXPECT_TRUE(feedback().messages().empty());
-    EXPECT_EQ(Loaded(), "111111");
-    fresh.close();
-}
-
-INSTANTIATE_TEST_SUITE_P(Table, ImportFaults,
-                         ::testing::Values(
-                             // The generators' table locked whole: its select waits and the
-                             // connection dies there; every table after it reads as empty.
-                             ImportFault{Fault::Killed, Hold::Table, "111000"},
-                             ImportFault{Fault::MissingTable, Hold::Rows, "111011"},
-                             // Reading is all this import does.
-                             ImportFault{Fault::ReadOnly, Hold::Rows, "111111"},
-                             ImportFault{Fault::Full, Hold::Rows, "111111"},
-                             ImportFault{Fault::LockTimeout, Hold::Table, "111011"}),
-                         [](const ::testing::TestParamInfo<ImportFault>& info) {
-                             return testsupport::FaultName(info.param.fault);
-                         });

@@ -55,23 +55,20 @@ protected:
     CDatabase m_base;
 };
 
-TEST_F(SaveBack, AnUnchangedJobSavesNothingEitherWay)
+TEST_F(SaveBack, NothingIsSavedUpToOneThousandthAndChangesBeyondItAre)
 {
-    // Named rows compare in their own units after the conversion by L1_5 (true base
-    // voltages); by L1_7 (1 kV) every one of them would count as changed.
+    // Unchanged, nothing is saved either way. Named rows compare in their own units after
+    // the conversion by L1_5 (true base voltages); by L1_7 (1 kV) every one would count.
     for (bool newGroup : {false, true}) {
         feedback().clear();
-        CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
-        EXPECT_EQ(job.SaveSDataToBaseDB("NEW", newGroup), 0);
+        EXPECT_EQ(
+            CSTCalDataTransfer(kJob, kCaseLF, db(), &m_base).SaveSDataToBaseDB("NEW", newGroup), 0);
         EXPECT_EQ(feedback().texts(1), (std::vector<std::string>{"回存元件总数：0"}));
         EXPECT_TRUE(feedback().texts(2).empty());
     }
     EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
     EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 0);
-}
 
-TEST_F(SaveBack, ChangesAreSavedBeyondOneThousandthAndNotUpToIt)
-{
     // L1 per unit; L2 in ohms at 220 kV, so a job change of d/484 is d ohm in the base.
     // (The server would divide the literals in decimals: the values come from here.)
     auto setL2X0 = [](double ohmsAbove) {
@@ -83,7 +80,7 @@ TEST_F(SaveBack, ChangesAreSavedBeyondOneThousandthAndNotUpToIt)
     StartStatementLog();
     CSTCalDataTransfer below(kJob, kCaseLF, db(), &m_base);
     EXPECT_EQ(below.SaveSDataToBaseDB("NEW", false), 0);
-    EXPECT_EQ(below.Nacline, 0) << "0.0009 is within load flow's tolerance 0.0001 times nine";
+    EXPECT_EQ(below.Nacline, 0) << "0.0009 is within the tolerance 0.001";
     EXPECT_DOUBLE_EQ(Base("CDB_ACLINEBAK", "R0", "L1"), 0.25);
     // The tolerance stands with six decimals; the named rows join the load-flow case's L1_5.
     const std::string unit0 = SentStartingWith("insert into Tac(");
@@ -98,29 +95,35 @@ TEST_F(SaveBack, ChangesAreSavedBeyondOneThousandthAndNotUpToIt)
     EXPECT_NEAR(Base("CDB_ACLINEBAK", "R0", "L1"), 0.2511, 1e-12);
     EXPECT_NEAR(Base("CDB_ACLINEBAK", "X0", "L2"), 48.4 + 0.0011, 1e-9);
     EXPECT_NEAR(Base("CDB_ACLINEBAK", "B0_Half", "L2"), 100, 1e-9) << "back to microsiemens";
-    EXPECT_EQ(feedback().texts(1), (std::vector<std::string>{"回存元件总数：0", "回存交流线数目：2",
-                                                             "回存元件总数：2"}));
+    EXPECT_EQ(feedback().texts(1),
+              (std::vector<std::string>{"回存元件总数：0", "回存元件总数：0", "回存交流线数目：2",
+                                        "回存元件总数：2"}));
     EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{102}));
 }
 
 TEST_F(SaveBack, InPlaceEveryFamilySavesItsStabilityColumnsAndSvcsNever)
 {
     ChangeEveryFamily();
+    // Named rows go back in ohms at their I node's base voltage, 220 kV (Zb = 484 ohm):
+    // T3 (two-winding), P2 (phase shifter), winding 3 of W1.
+    Exec("UPDATE S3_7 SET X0=X0+0.01 WHERE ID_Name='T3'");
+    Exec("UPDATE S3_7 SET R0=R0+0.001 WHERE ID_Name='P2'");
+    Exec("UPDATE S3_7 SET X0=X0+0.01 WHERE ID_Name='W1' AND Ntype=33");
     StartStatementLog();
     CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
     ASSERT_EQ(job.SaveSDataToBaseDB("NEW", false), 0);
 
     EXPECT_EQ(feedback().texts(1),
               (std::vector<std::string>{"回存交流线数目：1", "回存并联电容电抗器数目：1",
-                                        "回存串联电容电抗器数目：1", "回存两绕组变压器数目：1",
-                                        "回存移相变压器数目：1", "回存三绕组变压器数目：3",
+                                        "回存串联电容电抗器数目：1", "回存两绕组变压器数目：2",
+                                        "回存移相变压器数目：2", "回存三绕组变压器数目：4",
                                         "回存直连线数目：1", "回存发电机数目：1", "回存负荷数目：1",
-                                        "回存元件总数：11"}));
+                                        "回存元件总数：14"}));
     EXPECT_TRUE(feedback().texts(2).empty());
     EXPECT_EQ(m_base.ModifiedTableTypes(),
               (std::vector<int>{102, 103, 104, 105, 107, 106, 108, 109, 110}));
     EXPECT_EQ(job.Nacline, 3);
-    EXPECT_EQ(job.Ntrans, 5) << "T1, P1 and three windings";
+    EXPECT_EQ(job.Ntrans, 8) << "T1, T3, P1, P2 and four windings";
     EXPECT_EQ(job.Nsvc, 0);
 
     EXPECT_NEAR(Base("CDB_ACLINEBAK", "R0", "L1"), 0.26, 1e-12);
@@ -128,6 +131,12 @@ TEST_F(SaveBack, InPlaceEveryFamilySavesItsStabilityColumnsAndSvcsNever)
     EXPECT_NEAR(Base("CDB_SCAPREABAK", "X0", "S1"), -0.21 * 484, 1e-9);
     EXPECT_NEAR(Base("CDB_TRANS_2WBAK", "X0", "T1"), 0.05, 1e-12);
     EXPECT_NEAR(Base("CDB_SHIFTBAK", "R0", "P1"), 0.013, 1e-12);
+    EXPECT_NEAR(Base("CDB_TRANS_2WBAK", "X0", "T3"), 0.05 * 484, 1e-9);
+    EXPECT_NEAR(Base("CDB_TRANS_2WBAK", "R0", "T3"), 0.968, 1e-9) << "unchanged";
+    EXPECT_NEAR(Base("CDB_SHIFTBAK", "R0", "P2"), 0.002 * 484, 1e-9);
+    EXPECT_NEAR(Base("CDB_SHIFTBAK", "X0", "P2"), 9.68, 1e-9);
+    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', R10, X10, X30) FROM CDB_TRANS_3WBAK WHERE ID_Name='W1'"),
+              (std::vector<std::string>{"4.84|48.4|101.64"}));
     EXPECT_EQ(Rows("SELECT CONCAT_WS('|', R10, R20, R30, Name_1, Name_2, Name_3, ID_No1, ID_No3) "
                    "FROM CDB_TRANS_3WBAK WHERE ID_Name='W3'"),
               (std::vector<std::string>{"0.02|0.03|0.04|N2|N3|N4|4|6"}));
@@ -242,6 +251,19 @@ TEST_F(SaveBack, FaithfulRunIntoAGroupCompletesWhenOnlyModelsChanged)
     Exec("UPDATE S5_7 SET Xdp=Xdp+0.002, PSS_Par=9");
     Exec("UPDATE S6_7 SET Load_Par=8");
     CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
+    // The group's row refused: level 3 and 1, after the element rows and their flags.
+    Exec("CREATE TRIGGER no_group BEFORE INSERT ON CDB_DATAGROUPBAK FOR EACH ROW SIGNAL "
+         "SQLSTATE '45000' SET MESSAGE_TEXT='no group'");
+    const int refused = job.SaveSDataToBaseDB("组二", true);
+    Exec("DROP TRIGGER no_group");
+    EXPECT_EQ(refused, 1);
+    EXPECT_EQ(feedback().texts(3), (std::vector<std::string>{"执行新增数据组 组二 出错！"}));
+    EXPECT_TRUE(feedback().texts(2).empty());
+    EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{109, 110}));
+    EXPECT_EQ(Count("CDB_GENERATBAK WHERE GrpName='组二'"), 1);
+    feedback().clear();
+    m_base.ClearModifiedTableTypes();
+
     EXPECT_EQ(job.SaveSDataToBaseDB("组一", true), 0);
     EXPECT_EQ(feedback().texts(1), (std::vector<std::string>{"回存发电机数目：1", "回存负荷数目：1",
                                                              "回存元件总数：2"}));
@@ -324,7 +346,7 @@ TEST_F(SaveBack, MendedRunIntoAGroupSavesEveryFamily)
     EXPECT_DOUBLE_EQ(Base("CDB_ACLINEBAK", "R0", "L1"), 0.25);
     EXPECT_DOUBLE_EQ(Base("CDB_DCLINEBAK", "Tdo", "DC1"), 0.5);
 
-    // Only the five copies differ from the design's texts; the rest goes as written.
+    // The updates in the group go as designed; the mended DC copy names the group once.
     const auto sent = SentStatements();
     auto has = [&](const std::string& s) {
         return std::find(sent.begin(), sent.end(), s) != sent.end();
@@ -468,9 +490,12 @@ TEST_F(SaveBackOptions, AFaithfulPreviewIntoAGroupStopsAtTheRefusedCopyWithItsRe
               0u);
     EXPECT_TRUE(stop.why.contains("不符"))
         << "a value more than columns: " << stop.why.toStdString();
-    EXPECT_EQ(PreviewChanges(preview),
-              (std::vector<std::string>{"CDB_SHIFTBAK|P1|r0|0.003|0.013000000000000001"}))
-        << "the shifter's copy; nothing of the refused DC line's";
+    ASSERT_EQ(preview.changes.size(), 1u) << "the shifter's copy; nothing of the refused DC line's";
+    const SaveBackChange& shifter = preview.changes[0];
+    EXPECT_EQ((shifter.family + '|' + shifter.element + '|' + shifter.field).toStdString(),
+              "CDB_SHIFTBAK|P1|R0");
+    EXPECT_DOUBLE_EQ(shifter.baseValue.toDouble(), 0.003);
+    EXPECT_NEAR(shifter.newValue.toDouble(), 0.013, 1e-12);
 
     EXPECT_EQ(job.SaveSDataToBaseDB("NEW", true), 1);
     EXPECT_EQ(Texts(preview.messages), Texts(feedback().messages()));
