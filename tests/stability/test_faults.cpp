@@ -1,9 +1,8 @@
-// The stability job data under server faults: extraction and save-back on the small
-// network of the stability fixture.
+// The stability extraction under server faults, on the small network of the stability
+// fixture.
 
 #include "Faults.h"
 #include "StabilityNetwork.h"
-#include "platform/CDatabase.h"
 #include "stability/jobdata/STCalDataTransfer.h"
 
 #include <QSqlQuery>
@@ -174,103 +173,5 @@ INSTANTIATE_TEST_SUITE_P(
                         {"S5_7表可能不存在, 导入计算数据发生错误！", kFail + "INSERT INTO S5_7"},
                         "nnnkaa"}),
     [](const ::testing::TestParamInfo<ExtractionFault>& info) {
-        return testsupport::FaultName(info.param.fault);
-    });
-
-// ---- Save-back into a new group, faulted on the phase shifters' working copy ----
-
-struct SaveBackFault
-{
-    Fault fault;
-    std::string error; // the level-2 message's start
-    bool lineSaved;    // the AC lines, saved before the phase shifters, kept their copy
-};
-
-void PrintTo(const SaveBackFault& f, std::ostream* os)
-{
-    *os << testsupport::FaultName(f.fault);
-}
-
-class SaveBackFaults : public StabilityTest, public ::testing::WithParamInterface<SaveBackFault>
-{
-protected:
-    void SetUp() override
-    {
-        StabilityTest::SetUp();
-        if (HasFatalFailure() || IsSkipped()) {
-            return;
-        }
-        ASSERT_EQ(CSTCalDataTransfer(kJob, kCaseLF, db(), nullptr).ImportSDataFromBaseDB(), 0);
-        // A line (step 1), a phase shifter (step 5) and the generator (step 8) changed.
-        Exec("UPDATE S2_7 SET R0=R0+0.01 WHERE ID_Name='L1'");
-        Exec("UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='P1'");
-        Exec("UPDATE S5_7 SET Gen_Model=7");
-        feedback().clear();
-    }
-    // Rows of the group NEW among the lines, the phase shifters and the generators.
-    static std::string Copies()
-    {
-        std::string out;
-        for (const char* t : {"CDB_ACLINEBAK", "CDB_SHIFTBAK", "CDB_GENERATBAK"}) {
-            out += (out.empty() ? "" : "/") +
-                   std::to_string(Count(QString("%1 WHERE GrpName='NEW'").arg(t)));
-        }
-        return out;
-    }
-};
-
-TEST_P(SaveBackFaults, TheRunStopsAtTheFaultedFamilyAndTheNextRunSavesEverything)
-{
-    const SaveBackFault& f = GetParam();
-    const auto shifters = Rows("SELECT GrpName, ID_Name, R0 FROM CDB_SHIFTBAK ORDER BY ID");
-    CDatabase base;
-    {
-        FaultInjector fault(scratch(), db(), f.fault, "CDB_SHIFTBAK", Hold::Rows);
-        fault.SetFiller("INSERT INTO CDB_SHIFTBAK (GrpName, ID_Name) SELECT 'FILLER', seq FROM "
-                        "seq_1_to_100000",
-                        "DELETE FROM CDB_SHIFTBAK WHERE GrpName='FILLER'");
-        ASSERT_TRUE(fault.Run([&](QSqlDatabase* connection) {
-            CSTCalDataTransfer job(kJob, kCaseLF, connection, &base);
-            job.SetStatementMode(SaveStatementMode::Mended);
-            EXPECT_EQ(job.SaveSDataToBaseDB("NEW", true), 1);
-        }));
-    }
-    const auto errors = feedback().texts(2);
-    ASSERT_EQ(errors.size(), 1u) << ::testing::PrintToString(errors);
-    EXPECT_EQ(errors[0].substr(0, f.error.size()), f.error) << errors[0];
-    EXPECT_TRUE(feedback().texts(3).empty()) << "no group row was tried";
-    EXPECT_EQ(Copies(), f.lineSaved ? "1/0/0" : "0/0/0");
-    EXPECT_EQ(base.ModifiedTableTypes(), f.lineSaved ? std::vector<int>{102} : std::vector<int>{});
-    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 0);
-    EXPECT_EQ(Rows("SELECT GrpName, ID_Name, R0 FROM CDB_SHIFTBAK ORDER BY ID"), shifters);
-
-    // The next run, on a fresh connection: every family, the group's row last.
-    QSqlDatabase fresh = testsupport::FreshConnection(scratch());
-    Exec("DELETE FROM CDB_ACLINEBAK WHERE GrpName='NEW'");
-    feedback().clear();
-    CSTCalDataTransfer again(kJob, kCaseLF, &fresh, nullptr);
-    again.SetStatementMode(SaveStatementMode::Mended);
-    EXPECT_EQ(again.SaveSDataToBaseDB("NEW", true), 0);
-    EXPECT_TRUE(feedback().texts(2).empty()) << ::testing::PrintToString(feedback().texts(2));
-    EXPECT_EQ(Copies(), "1/1/1");
-    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 1);
-    fresh.close();
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, SaveBackFaults,
-    ::testing::Values(
-        // The shifters' rows locked: the family's first statement, whose select reads them
-        // with shared locks, waits, and the connection dies there. The lines were saved.
-        SaveBackFault{Fault::Killed, "Fail to execute SQL: Create temporary Table TShift", true},
-        SaveBackFault{Fault::MissingTable, "Fail to execute SQL: Create temporary Table TShift",
-                      true},
-        // Read only: the first write, the lines' copy into the group, is refused.
-        SaveBackFault{Fault::ReadOnly, "Fail to execute SQL: insert into CDB_ACLINEBAK(GrpName, ",
-                      false},
-        SaveBackFault{Fault::Full, "Fail to execute SQL: insert into CDB_SHIFTBAK(GrpName, ", true},
-        SaveBackFault{Fault::LockTimeout, "Fail to execute SQL: Create temporary Table TShift",
-                      true}),
-    [](const ::testing::TestParamInfo<SaveBackFault>& info) {
         return testsupport::FaultName(info.param.fault);
     });
