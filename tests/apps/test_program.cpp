@@ -17,6 +17,7 @@
 #include <QTemporaryDir>
 #include <cstdio>
 #include <thread>
+#include <tuple>
 
 using demo::StudyCommandLine;
 
@@ -133,53 +134,41 @@ protected:
     }
 };
 
+// Refused before anything is made on the server, with exit status 2 and one line on
+// standard error: a bad command line, a file that is missing or cannot be read (a MATPOWER
+// case with its line and the reason), a server that does not answer, a study database that
+// stands already (it is left as it is) or whose schema cannot be loaded (it is dropped).
 TEST_F(Program, RefusesInOneLineWithStatusTwoAndLeavesNothingBehind)
 {
     QTemporaryDir tmp;
     ASSERT_TRUE(tmp.isValid());
-    const QString malformed = tmp.filePath("malformed.json");
-    {
-        QFile f(malformed);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write("{\"buses\": [ {\"num\": 1,");
-    }
     const QString never = QString("t_never_%1").arg(QCoreApplication::applicationPid());
-    const QList<QStringList> refused = {
-        {"--bogus"},
-        {"--network", tmp.filePath("missing.json"), "--database", never},
-        {"--network", malformed, "--database", never},
-        {"--server", "127.0.0.1:1", "--database", never},
-        {"--group", "华北电网运行方式调整甲", "--database", never},
-        // A database of that name stands: it is refused and left as it is.
-        {"--database", scratch().name()},
-    };
-    for (const QStringList& args : refused) {
-        const ProgramRun r = RunProgram(args);
+    const auto refused = [&](const QStringList& args, const QString& why,
+                             const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment()) {
+        const ProgramRun r = RunProgram(args, env);
         EXPECT_EQ(r.status, 2) << args.join(' ').toStdString() << "\n" << r.err.toStdString();
-        EXPECT_TRUE(r.err.startsWith("calcdata_demo: ")) << r.err.toStdString();
-        EXPECT_EQ(r.err.count('\n'), 1) << r.err.toStdString();
+        EXPECT_TRUE(r.err.startsWith("calcdata_demo: " + why) && r.err.count('\n') == 1)
+            << r.err.toStdString();
         EXPECT_FALSE(DatabaseExists(never));
-    }
+    };
+    const auto write = [&](const QString& name, const QString& text) {
+        QFile f(tmp.filePath(name));
+        EXPECT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        f.write(text.toUtf8());
+        return f.fileName();
+    };
+    refused({"--bogus"}, "");
+    refused({"--network", tmp.filePath("missing.json"), "--database", never}, "");
+    refused({"--network", write("malformed.json", "{\"buses\": [ {\"num\": 1,"), "--database", never}, "");
+    refused({"--server", "127.0.0.1:1", "--database", never}, "");
+    refused({"--group", "华北电网运行方式调整甲", "--database", never}, "--group needs");
+    refused({"--database", scratch().name()}, "");
     EXPECT_TRUE(DatabaseExists(scratch().name()));
     EXPECT_EQ(Count("LF_CASE"), 0) << "the suite's own database still answers";
-
-    // The schema cannot be loaded (no client to load it with): the database made for the
-    // study is dropped again before the program ends.
     QProcessEnvironment noClient = QProcessEnvironment::systemEnvironment();
     noClient.insert("PATH", tmp.path());
-    const ProgramRun r = RunProgram({"--database", never}, noClient);
-    EXPECT_EQ(r.status, 2) << r.err.toStdString();
-    EXPECT_TRUE(r.err.contains("cannot load the schema into " + never)) << r.err.toStdString();
-    EXPECT_EQ(r.err.count('\n'), 1) << r.err.toStdString();
-    EXPECT_FALSE(DatabaseExists(never));
-}
+    refused({"--database", never}, "cannot load the schema into " + never, noClient);
 
-// A MATPOWER case that cannot be read is refused with its line and the reason, before
-// anything is made on the server.
-TEST_F(Program, RefusesAMalformedCaseFileWithItsLineAndReason)
-{
-    QTemporaryDir tmp;
-    ASSERT_TRUE(tmp.isValid());
     const QString head = "function mpc = bad\nmpc.baseMVA = 100;\nmpc.bus = [\n"
                          "\t1\t3\t0\t0\t0\t0\t1\t1\t0\t230\t1\t1.1\t0.9;\n"
                          "\t2\t1\t50\t20\t0\t0\t1\t1\t0\t230\t1\t1.1\t0.9;\n];\n";
@@ -199,19 +188,14 @@ TEST_F(Program, RefusesAMalformedCaseFileWithItsLineAndReason)
          "bad.m:11: the name '广州供电局一号变电站甲' of bus 1 takes 22 bytes; the base tables "
          "hold 20"},
     };
-    const QString never = QString("t_never_%1").arg(QCoreApplication::applicationPid());
     for (const auto& [text, why] : malformed) {
-        QFile f(tmp.filePath("bad.m"));
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        f.write(text.toUtf8());
-        f.close();
-        const ProgramRun r = RunProgram({"--network", f.fileName(), "--database", never});
-        EXPECT_EQ(r.status, 2) << r.err.toStdString();
-        EXPECT_EQ(r.err, "calcdata_demo: " + why + "\n");
-        EXPECT_FALSE(DatabaseExists(never));
+        refused({"--network", write("bad.m", text), "--database", never}, why + "\n");
     }
 }
 
+// IEEE 14 into CSV files, checked against the published solution in MW and Mvar (branch
+// 1-2: 156.88 - j20.40 at its from end, -152.59 + j27.68 at its to end; generator 1:
+// 232.39 - j16.55); the sample has no base voltages, so no kV and no line rating.
 TEST_F(Program, WritesTheResultTablesAsCsvAndKeepsTheDatabaseWhenAsked)
 {
     QTemporaryDir tmp;
@@ -223,42 +207,27 @@ TEST_F(Program, WritesTheResultTablesAsCsvAndKeepsTheDatabaseWhenAsked)
     EXPECT_TRUE(r.err.isEmpty()) << "quiet: " << r.err.toStdString();
     EXPECT_TRUE(r.out.startsWith("the study's database " + kept + " stays on")) << r.out.toStdString();
     ASSERT_TRUE(DatabaseExists(kept));
-
-    const QStringList buses = Lines(out + "/buses.csv");
-    ASSERT_EQ(buses.size(), 15);
-    EXPECT_EQ(buses[0], "bus,V_pu,V_kV,angle_deg");
-    EXPECT_EQ(Lines(out + "/branches.csv").value(0),
-              "branch,kind,from_node,to_node,circuit,P_from_MW,Q_from_Mvar,P_to_MW,Q_to_Mvar,"
-              "loading_pct");
-    EXPECT_EQ(Lines(out + "/branches.csv").size(), 21);
-    EXPECT_EQ(Lines(out + "/generators.csv").value(0), "generator,node,P_MW,Q_Mvar,V_pu,angle_deg");
-    EXPECT_EQ(Lines(out + "/generators.csv").size(), 6);
-    EXPECT_EQ(Lines(out + "/switches.csv").value(0), "switch,from_node,to_node,P_MW,Q_Mvar");
-    EXPECT_EQ(Lines(out + "/switches.csv").size(), 11);
-
-    // The files say what the result tables hold, in MW on the base of 100 MVA.
-    QStringList fromTables;
-    QSqlQuery q(checker());
-    ASSERT_TRUE(q.exec(QString("SELECT Bus_Name, V, Angle FROM %1.LFR_BS_R WHERE Case_No=0 "
-                               "ORDER BY ibs")
-                           .arg(kept)));
-    while (q.next()) {
-        fromTables << QString("%1,%2,,%3")
-                          .arg(q.value(0).toString())
-                          .arg(q.value(1).toDouble(), 0, 'f', 6)
-                          .arg(q.value(2).toDouble(), 0, 'f', 4);
-    }
-    EXPECT_EQ(buses.mid(1), fromTables) << "IEEE 14 has no base voltages, so no kV";
-    ASSERT_TRUE(q.exec(QString("SELECT Pi*100, Qj*100 FROM %1.LFR_ACLINE_R WHERE ID_Name='L1'")
-                           .arg(kept)) &&
-                q.next());
-    const QStringList l1 = Lines(out + "/branches.csv").value(1).split(',');
-    EXPECT_EQ(l1.value(0), "L1");
-    EXPECT_EQ(l1.value(1), "line");
-    EXPECT_NEAR(l1.value(5).toDouble(), q.value(0).toDouble(), 1e-4);
-    EXPECT_NEAR(l1.value(8).toDouble(), q.value(1).toDouble(), 1e-4);
-    EXPECT_EQ(l1.value(9), "") << "unrated";
     Exec("DROP DATABASE " + kept);
+
+    const std::tuple<const char*, const char*, int, QString, std::vector<double>> files[] = {
+        {"buses.csv", "bus,V_pu,V_kV,angle_deg", 15, "B1,1.060000,,0.0000", {}},
+        {"branches.csv",
+         "branch,kind,from_node,to_node,circuit,P_from_MW,Q_from_Mvar,P_to_MW,Q_to_Mvar,loading_pct",
+         21, "L1,line,N1,N2,1", {156.88, -20.40, -152.59, 27.68}},
+        {"generators.csv", "generator,node,P_MW,Q_Mvar,V_pu,angle_deg", 6, "G1,N1G",
+         {232.39, -16.55, 1.06, 0}},
+        {"switches.csv", "switch,from_node,to_node,P_MW,Q_Mvar", 11, "", {}}};
+    for (const auto& [file, header, lines, first, values] : files) {
+        const QStringList written = Lines(out + "/" + file);
+        ASSERT_EQ(written.size(), lines) << file;
+        EXPECT_EQ(written[0], header);
+        EXPECT_TRUE(written[1].startsWith(first)) << written[1].toStdString();
+        const QStringList cells = written[1].mid(first.size() + 1).split(',');
+        for (std::size_t c = 0; c < values.size(); ++c) {
+            EXPECT_NEAR(cells.value(int(c)).toDouble(), values[c], 0.01) << file << " " << c;
+        }
+    }
+    EXPECT_TRUE(Lines(out + "/branches.csv")[1].endsWith(",")) << "unrated";
 }
 
 // The Chinese sample from its file to the CSV files: every bus, line (with its ends) and
@@ -272,6 +241,10 @@ TEST_F(Program, AChineseNetworkKeepsEveryNameFromTheFileToTheCsvFiles)
                                      "华北电网运行方式调整", "--out", tmp.path(), "--keep",
                                      "--database", kept});
     ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(Scalar("SELECT GROUP_CONCAT(GrpName) FROM " + kept +
+                     ".CDB_DATAGROUPBAK WHERE GrpName NOT LIKE 'BASE%'"),
+              "华北电网运行方式调整");
+    Exec("DROP DATABASE " + kept);
     QFile file(CALCDATA_SAMPLES_DIR "/cn_grid.json");
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QJsonObject net = QJsonDocument::fromJson(file.readAll()).object();
@@ -298,10 +271,6 @@ TEST_F(Program, AChineseNetworkKeepsEveryNameFromTheFileToTheCsvFiles)
         names[f].sort();
         EXPECT_EQ(written, names[f]) << files[f];
     }
-    EXPECT_EQ(Scalar("SELECT GROUP_CONCAT(GrpName) FROM " + kept +
-                     ".CDB_DATAGROUPBAK WHERE GrpName NOT LIKE 'BASE%'"),
-              "华北电网运行方式调整");
-    Exec("DROP DATABASE " + kept);
 }
 
 // Servers that nobody set up for the library, from CALCDATA_OTHER_SERVERS (HOST:PORT, comma

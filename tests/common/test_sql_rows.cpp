@@ -1,11 +1,14 @@
 // CSqlRows against QSqlQuery::value(): every value of every kind of column, read both
-// ways from the same SELECT, must come out the same (doubles bit for bit).
+// ways from the same SELECT, must come out the same (doubles bit for bit); and the
+// truncating read of an integer that both feed.
 
 #include "DbTest.h"
+#include "common/RowValues.h"
 #include "common/SqlRows.h"
 
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -120,12 +123,27 @@ TEST_F(SqlRows, EveryValueAsQtGivesIt)
     EXPECT_FALSE(direct);
 }
 
-TEST_F(SqlRows, ARefusedStatementAndAnEmptyResult)
+TEST_F(SqlRows, ARefusedStatementAnEmptyResultAndIntegersReadFromRealsTruncated)
 {
     QSqlQuery q(*db());
     CSqlRows rows;
     EXPECT_FALSE(rows.exec(q, "SELECT nosuch FROM nowhere"));
-    Exec("CREATE TABLE empty_one (d DOUBLE)");
-    EXPECT_TRUE(rows.exec(q, "SELECT d FROM empty_one"));
+    Exec("CREATE TABLE reals (d DOUBLE, i INT)");
+    EXPECT_TRUE(rows.exec(q, "SELECT d FROM reals"));
     EXPECT_FALSE(rows.next());
+
+    // As the suite's Qt 3 read them: a fraction is cut (Qt 6's toInt() would round), a value
+    // beyond an int is held at its end.
+    Exec("INSERT INTO reals VALUES (12.7, 7), (-12.7, -7), (0.5, 0), (3e10, 2147483647)");
+    const int expected[][2] = {{12, 7}, {-12, -7}, {0, 0}, {INT_MAX, INT_MAX}};
+    const QString sql = "SELECT d, i FROM reals";
+    QSqlQuery plain(*db());
+    ASSERT_TRUE(plain.exec(sql) && rows.exec(q, sql));
+    for (const auto& row : expected) {
+        ASSERT_TRUE(plain.next() && rows.next());
+        for (int c = 0; c < 2; ++c) {
+            EXPECT_EQ(RowInt(plain, c), row[c]) << plain.value(c).toString().toStdString();
+            EXPECT_EQ(RowInt(rows, c), row[c]) << plain.value(c).toString().toStdString();
+        }
+    }
 }

@@ -8,6 +8,7 @@
 #include "records/NetworkRecords.h"
 
 #include <cstdint>
+#include <functional>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <set>
 #include <string>
@@ -78,43 +79,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     dbQuery q;
     texts.push_back(in.ConsumeRandomLengthString(48));
     q = texts.back().c_str();
-    for (int item = 0; item < 8 && in.remaining_bytes() > 0; ++item) {
-        switch (in.ConsumeIntegralInRange<int>(0, 10)) {
-        case 0:
-            q, in.ConsumeIntegral<int>();
-            break;
-        case 1:
-            q, in.ConsumeIntegral<unsigned>();
-            break;
-        case 2:
-            q, in.ConsumeIntegral<long long>();
-            break;
-        case 3:
-            q, in.ConsumeFloatingPoint<float>();
-            break;
-        case 4:
-            q, in.ConsumeFloatingPoint<double>();
-            break;
-        case 5:
+    // Parameters of every kind, by value and through pointers.
+    const std::function<void()> parameter[] = {
+        [&] { q, in.ConsumeIntegral<int>(); },
+        [&] { q, in.ConsumeIntegral<unsigned>(); },
+        [&] { q, in.ConsumeIntegral<long long>(); },
+        [&] { q, in.ConsumeFloatingPoint<float>(); },
+        [&] { q, in.ConsumeFloatingPoint<double>(); },
+        [&] {
             texts.push_back(in.ConsumeRandomLengthString(24));
             q, texts.back().c_str();
-            break;
-        case 6:
-            q, &iv;
-            break;
-        case 7:
-            q, &uv;
-            break;
-        case 8:
-            q, &fv;
-            break;
-        case 9:
-            q, &dv;
-            break;
-        default:
-            q, &sp;
-            break;
-        }
+        },
+        [&] { q, &iv; },
+        [&] { q, &uv; },
+        [&] { q, &fv; },
+        [&] { q, &dv; },
+        [&] { q, &sp; }};
+    for (int item = 0; item < 8 && in.remaining_bytes() > 0; ++item) {
+        parameter[in.ConsumeIntegralInRange<int>(0, 10)]();
         // Text again after the parameter (an empty piece is allowed).
         texts.push_back(in.ConsumeRandomLengthString(48));
         q, texts.back().c_str();

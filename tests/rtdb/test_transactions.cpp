@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <thread>
 
 using namespace dtsdb;
@@ -43,137 +44,94 @@ int CountByName(const char* name)
     return c.select(q);
 }
 
+// Sets fields of the bus with this id through an updating cursor; `change` may set none.
+void Change(int id, const std::function<void(bs&)>& change)
+{
+    dbCursor<bs> c(dbCursorForUpdate);
+    dbQuery q;
+    q = "id=", id;
+    ASSERT_EQ(c.select(q), 1);
+    change(*c);
+    ASSERT_TRUE(c.update());
+}
+
+// Runs `other` on a thread of its own, which ends its transaction after it; whether it had
+// not got through 200 ms later, before `release` ended this thread's transaction.
+bool Waits(const std::function<void()>& other, const std::function<void()>& release)
+{
+    std::atomic<bool> through{false};
+    std::thread t([&] {
+        other();
+        through = true;
+        bs::dbDescriptor.getDatabase()->commit();
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    const bool waited = !through;
+    release();
+    t.join();
+    return waited;
+}
+
 } // namespace
 
 class Transactions : public RtdbTest
 {};
 
-TEST_F(Transactions, RollbackUndoesEachKindOfChangeBackToTheLastCommit)
-{
-    Insert(Bus(0, "B0", 1.0));
-    Insert(Bus(1, "B1", 1.0));
-    rtdb().commit();
-    const auto committed = State();
-
-    // Insert, then roll back: the record and its index entries go.
-    Insert(Bus(2, "B2", 1.0));
-    EXPECT_EQ(State().size(), 3u) << "the writer sees its change at once";
-    rtdb().rollback();
-    EXPECT_EQ(State(), committed);
-    EXPECT_EQ(CountByName("B2"), 0);
-
-    // Update of a plain field and of a key, twice over in one transaction.
-    {
-        dbCursor<bs> c(dbCursorForUpdate);
-        dbQuery q;
-        q = "id=", 1;
-        ASSERT_EQ(c.select(q), 1);
-        c->V = 0.95;
-        c->name = "renamed";
-        ASSERT_TRUE(c.update());
-        c->V = 0.90;
-        ASSERT_TRUE(c.update());
-    }
-    EXPECT_EQ(CountByName("renamed"), 1);
-    rtdb().rollback();
-    EXPECT_EQ(State(), committed);
-    EXPECT_EQ(CountByName("renamed"), 0);
-    EXPECT_EQ(CountByName("B1"), 1) << "the old key is indexed again";
-
-    // removeAll, then new records under the same keys, then roll back.
-    {
-        dbCursor<bs> c(dbCursorForUpdate);
-        c.removeAll();
-    }
-    EXPECT_TRUE(State().empty());
-    Insert(Bus(0, "B0", 0.5));
-    EXPECT_EQ(CountByName("B0"), 1);
-    rtdb().rollback();
-    EXPECT_EQ(State(), committed);
-    EXPECT_EQ(CountByName("B0"), 1);
-
-    // A committed change survives a later rollback; precommit keeps it undoable.
-    {
-        dbCursor<bs> c(dbCursorForUpdate);
-        dbQuery q;
-        q = "id=", 0;
-        ASSERT_EQ(c.select(q), 1);
-        c->V = 1.05;
-        ASSERT_TRUE(c.update());
-    }
-    rtdb().commit();
-    rtdb().rollback();
-    EXPECT_EQ(State(), (std::vector<std::string>{"B0=1.05", "B1=1.00"}));
-    Insert(Bus(2, "B2", 1.0));
-    rtdb().precommit();
-    EXPECT_EQ(State().size(), 3u);
-    rtdb().rollback();
-    EXPECT_EQ(State().size(), 2u);
-    EXPECT_TRUE(errors().empty());
-}
-
-TEST_F(Transactions, RollbackIsExactAfterUpdatesThatChangeSomeFieldsOrNone)
+TEST_F(Transactions, RollbackUndoesEachKindOfChangeExactlyBackToTheLastCommit)
 {
     for (int i = 0; i < 4; ++i) {
         Insert(Bus(i, ("B" + std::to_string(i)).c_str(), 1.0));
     }
     rtdb().commit();
     const auto committed = State();
-    {
-        dbCursor<bs> c(dbCursorForUpdate);
-        dbQuery q;
-        // B0: written back unchanged, then changed, then written back unchanged again.
-        q = "id=", 0;
-        ASSERT_EQ(c.select(q), 1);
-        ASSERT_TRUE(c.update());
-        c->V = 0.5;
-        ASSERT_TRUE(c.update());
-        ASSERT_TRUE(c.update());
-        // B1: only its key changes; B2: unchanged only; B3: a value and back again.
-        q = "id=", 1;
-        ASSERT_EQ(c.select(q), 1);
-        c->name = "moved";
-        ASSERT_TRUE(c.update());
-        q = "id=", 2;
-        ASSERT_EQ(c.select(q), 1);
-        ASSERT_TRUE(c.update());
-        q = "id=", 3;
-        ASSERT_EQ(c.select(q), 1);
-        c->V = 0.7;
-        ASSERT_TRUE(c.update());
-        c->V = 1.0;
-        ASSERT_TRUE(c.update());
-    }
-    EXPECT_EQ(State(), (std::vector<std::string>{"B0=0.50", "moved=1.00", "B2=1.00", "B3=1.00"}));
-    EXPECT_EQ(CountByName("B1"), 0);
+
+    // Insert: the record and its index entries go.
+    Insert(Bus(4, "B4", 1.0));
+    EXPECT_EQ(State().size(), 5u) << "the writer sees its change at once";
     rtdb().rollback();
     EXPECT_EQ(State(), committed);
-    EXPECT_EQ(CountByName("moved"), 0);
-    EXPECT_EQ(CountByName("B1"), 1);
-    EXPECT_TRUE(errors().empty());
-}
+    EXPECT_EQ(CountByName("B4"), 0);
 
-TEST_F(Transactions, AnUpdateThatChangesNothingStillTakesTheLockAsAWrite)
-{
-    Insert(Bus(0, "B0", 1.0));
-    rtdb().commit();
+    // Updates: B0 written back unchanged, changed, unchanged again; B1 only its key, twice;
+    // B2 unchanged only; B3 a value and back again.
+    Change(0, [](bs&) {});
+    Change(0, [](bs& b) { b.V = 0.5; });
+    Change(0, [](bs&) {});
+    Change(1, [](bs& b) { b.name = "moved"; });
+    Change(1, [](bs& b) { b.name = "moved again"; });
+    Change(2, [](bs&) {});
+    Change(3, [](bs& b) { b.V = 0.7; });
+    Change(3, [](bs& b) { b.V = 1.0; });
+    EXPECT_EQ(State(), (std::vector<std::string>{"B0=0.50", "moved again=1.00", "B2=1.00",
+                                                 "B3=1.00"}));
+    EXPECT_EQ(CountByName("B1") + CountByName("moved"), 0);
+    rtdb().rollback();
+    EXPECT_EQ(State(), committed);
+    EXPECT_EQ(CountByName("moved again"), 0);
+    EXPECT_EQ(CountByName("B1"), 1) << "the old key is indexed again";
+
+    // removeAll, then new records under the same keys.
     {
         dbCursor<bs> c(dbCursorForUpdate);
-        ASSERT_EQ(c.select(), 1);
-        ASSERT_TRUE(c.update()); // nothing changed, yet a write as far as the lock goes
+        c.removeAll();
     }
-    std::atomic<bool> selected{false};
-    std::thread reader([&] {
-        dbCursor<bs> c;
-        c.select();
-        selected = true;
-        bs::dbDescriptor.getDatabase()->precommit();
-    });
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
-    EXPECT_FALSE(selected.load()) << "a reader ran past an open write transaction";
+    EXPECT_TRUE(State().empty());
+    Insert(Bus(0, "B0", 0.5));
+    rtdb().rollback();
+    EXPECT_EQ(State(), committed);
+    EXPECT_EQ(CountByName("B0"), 1);
+
+    // A committed change survives a later rollback; precommit keeps a change undoable.
+    Change(0, [](bs& b) { b.V = 1.05; });
     rtdb().commit();
-    reader.join();
-    EXPECT_TRUE(selected.load());
+    rtdb().rollback();
+    EXPECT_EQ(State()[0], "B0=1.05");
+    Insert(Bus(4, "B4", 1.0));
+    rtdb().precommit();
+    EXPECT_EQ(State().size(), 5u);
+    rtdb().rollback();
+    EXPECT_EQ(State().size(), 4u);
+    EXPECT_TRUE(errors().empty());
 }
 
 TEST_F(Transactions, AnEmptiedTableIsRebuiltFromScratchAfterItsCommit)
@@ -192,8 +150,7 @@ TEST_F(Transactions, AnEmptiedTableIsRebuiltFromScratchAfterItsCommit)
     dbDatabase* db = bs::dbDescriptor.getDatabase();
     ASSERT_EQ(db, &rtdb());
     for (int i = 0; i < 3; ++i) {
-        const std::string name = "new" + std::to_string(i);
-        bs b = Bus(i, name.c_str(), 0.98);
+        bs b = Bus(i, ("new" + std::to_string(i)).c_str(), 0.98);
         dbAnyReference ref;
         ASSERT_TRUE(db->insertRecord(&bs::dbDescriptor, &ref, &b));
         EXPECT_EQ(ref.getOid(), static_cast<std::uint32_t>(i)) << "rows renumbered from 0";
@@ -203,63 +160,36 @@ TEST_F(Transactions, AnEmptiedTableIsRebuiltFromScratchAfterItsCommit)
     EXPECT_EQ(CountByName("old1"), 0);
 }
 
-TEST_F(Transactions, AReaderWaitsForTheWritersCommitAndThenSeesItsChanges)
+TEST_F(Transactions, ReadersAndWritersWaitForEachOthersTransactionsToEnd)
 {
     Insert(Bus(0, "B0", 1.0));
     rtdb().commit();
-
-    // The writer (this thread) changes a record and holds the lock.
-    {
-        dbCursor<bs> c(dbCursorForUpdate);
-        dbQuery q;
-        q = "id=", 0;
-        ASSERT_EQ(c.select(q), 1);
-        c->V = 0.9;
-        ASSERT_TRUE(c.update());
-    }
-    std::atomic<bool> selected{false};
-    double seen = -1;
-    std::thread reader([&] {
+    // An update that changes nothing still takes the lock as a write.
+    Change(0, [](bs&) {});
+    const auto read = [](double& seen) {
         dbCursor<bs> c;
-        dbQuery q;
-        q = "id=", 0;
-        if (c.select(q) == 1) {
-            seen = c->V;
-        }
-        selected = true;
-        bs::dbDescriptor.getDatabase()->precommit();
-    });
-    // The reader must still be waiting: it may not see the uncommitted 0.9, nor 1.0.
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
-    EXPECT_FALSE(selected.load()) << "the reader ran past an uncommitted write";
-    rtdb().commit();
-    reader.join();
-    EXPECT_TRUE(selected.load());
+        seen = c.select() == 1 ? c->V : -1;
+    };
+    double seen = 0;
+    EXPECT_TRUE(Waits([&] { read(seen); }, [&] { rtdb().commit(); }))
+        << "a reader ran past an open write transaction";
+    EXPECT_DOUBLE_EQ(seen, 1.0);
+
+    // A reader sees neither the old value nor the uncommitted one, but the committed one.
+    Change(0, [](bs& b) { b.V = 0.9; });
+    EXPECT_TRUE(Waits([&] { read(seen); }, [&] { rtdb().commit(); }));
     EXPECT_DOUBLE_EQ(seen, 0.9);
-}
 
-TEST_F(Transactions, AWriterWaitsForReadersToEndTheirTransactions)
-{
-    Insert(Bus(0, "B0", 1.0));
-    rtdb().commit();
+    // A writer waits for a reader to end its transaction, which sees no change until then.
     dbCursor<bs> mine;
-    ASSERT_EQ(mine.select(), 1); // this thread now holds the lock shared
-
-    std::atomic<bool> written{false};
-    std::thread writer([&] {
-        dbCursor<bs> c(dbCursorForUpdate);
-        c.select();
-        c->V = 0.8;
-        c.update();
-        written = true;
-        bs::dbDescriptor.getDatabase()->commit();
-    });
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
-    EXPECT_FALSE(written.load()) << "a write overtook an open read transaction";
     ASSERT_EQ(mine.select(), 1);
-    EXPECT_DOUBLE_EQ(mine->V, 1.0);
-    rtdb().precommit();
-    writer.join();
+    EXPECT_TRUE(Waits([] { Change(0, [](bs& b) { b.V = 0.8; }); },
+                      [&] {
+                          ASSERT_EQ(mine.select(), 1);
+                          EXPECT_DOUBLE_EQ(mine->V, 0.9);
+                          rtdb().precommit();
+                      }))
+        << "a write overtook an open read transaction";
     ASSERT_EQ(mine.select(), 1);
     EXPECT_DOUBLE_EQ(mine->V, 0.8);
 }
