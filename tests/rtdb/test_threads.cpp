@@ -69,9 +69,9 @@ TEST_F(Threads, AReaderSeesOnlyCommittedStatesWhileAWriterCommitsAndRollsBack)
             const bool abandon = t % 4 == 0;
             const int g = abandon ? -t : t;
             const std::string text = std::to_string(g);
-            // Half the records one by one through their key (the thread's remembered query
-            // shape), the other half in one scan.
-            for (int k = 0; k < kRecords / 2; ++k) {
+            // Every record through its key (the thread's remembered query shape), written
+            // and written again unchanged.
+            for (int k = 0; k < kRecords; ++k) {
                 dbCursor<ln> c(dbCursorForUpdate);
                 dbQuery q;
                 const std::string id = Id(k);
@@ -82,20 +82,7 @@ TEST_F(Threads, AReaderSeesOnlyCommittedStatesWhileAWriterCommitsAndRollsBack)
                 }
                 Write(*c, g, text);
                 c.update();
-                c.update(); // an update that changes nothing
-            }
-            dbCursor<ln> all(dbCursorForUpdate);
-            dbQuery rest;
-            rest = "lntype=", 1;
-            if (all.select(rest) >= kRecords) {
-                do {
-                    if (Generation(*all) != g) {
-                        Write(*all, g, text);
-                        all.update();
-                    }
-                } while (all.next());
-            } else {
-                failure = "the scan lost records";
+                c.update();
             }
             if (abandon) {
                 ln extra;
