@@ -150,7 +150,8 @@ TEST_F(Transactions, AnEmptiedTableIsRebuiltFromScratchAfterItsCommit)
     dbDatabase* db = bs::dbDescriptor.getDatabase();
     ASSERT_EQ(db, &rtdb());
     for (int i = 0; i < 3; ++i) {
-        bs b = Bus(i, ("new" + std::to_string(i)).c_str(), 0.98);
+        const std::string name = "new" + std::to_string(i);
+        bs b = Bus(i, name.c_str(), 0.98);
         dbAnyReference ref;
         ASSERT_TRUE(db->insertRecord(&bs::dbDescriptor, &ref, &b));
         EXPECT_EQ(ref.getOid(), static_cast<std::uint32_t>(i)) << "rows renumbered from 0";
