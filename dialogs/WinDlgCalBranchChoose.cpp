@@ -556,7 +556,16 @@ void WinDlgCalBranchChoose::LookUpTypedName(bool selectBranchName)
         AddJ_Names(iName);
         SetJ_Name(jName);
         if (selectBranchName) {
-            SetCurrentID_Name(iName, jName);
+            // The branch named stays chosen: the first branch between its ends, which the
+            // look-up by ends would pick, may be a parallel one.
+            const QString typed = QString::fromLocal8Bit(name);
+            const int index = ComboBox_BranchName->findText(
+                typed, Qt::MatchFixedString | Qt::MatchCaseSensitive);
+            if (index >= 0) {
+                ComboBox_BranchName->setCurrentIndex(index);
+            } else {
+                ComboBox_BranchName->setEditText(typed);
+            }
         }
     } else if (selectBranchName) {
         ComboBox_BranchName->setEditText(QString());

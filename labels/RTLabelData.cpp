@@ -5,6 +5,7 @@
 #include "common/BaseDbLookups.h"
 #include "common/Feedback.h"
 #include "common/RealtimeLookups.h"
+#include "common/RowValues.h"
 #include "labels/LabelStatements.h"
 #include "records/NetworkRecords.h"
 #include "records/RecordFlags.h"
@@ -331,8 +332,9 @@ bool PrepareRTLabelLFRData(QSqlDatabase* pDB, dbDatabase* pRTDB, int nMode, bool
     // A refused select gives no rows; the commit and the reset run all the same.
     if (query.exec(QString::fromLocal8Bit(sql))) {
         while (query.next()) {
-            const LabelRow row{query.value(0).toInt(), query.value(1).toInt(),
-                               query.value(2).toInt(), query.value(3).toInt()};
+            // A floating value loses its fraction, as every other row reader has it.
+            const LabelRow row{RowInt(query, 0), RowInt(query, 1), RowInt(query, 2),
+                               RowInt(query, 3)};
             labelRow(row, nMode, scale);
         }
     }

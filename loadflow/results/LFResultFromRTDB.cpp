@@ -1,6 +1,7 @@
 // The solution in the real-time records into the result tables of a case.
 
 #include "common/Feedback.h"
+#include "common/GbkWidth.h"
 #include "common/ModalBox.h"
 #include "common/RealtimeLookups.h"
 #include "common/RunTimeLog.h"
@@ -24,12 +25,13 @@ namespace {
 
 constexpr int kBatch = 100;
 
-// A real-time id less its last n characters (all of it when shorter).
+// A real-time id less its last n characters (all of it when shorter), counted as the design
+// counted them (ASCII one, any other character two) and never cut inside a character: where
+// the n reach into a Chinese character, the whole character goes.
 QByteArray cut(const char* id, int n)
 {
-    QByteArray s(id);
-    s.chop(n);
-    return s;
+    const QByteArray s(id);
+    return GbkCut(s, GbkWidth(s) - n);
 }
 
 void run(QSqlDatabase* db, const QByteArray& sql)
@@ -387,12 +389,17 @@ int CLFResultDataTransfer::ImportRTDBToBreaker_R()
             continue;
         }
         // Four characters go, also from a switch's three-letter suffix, as designed.
+        const QByteArray name = cut(r.id, 4), i(r.I_Name), j(r.J_Name);
+        // A name wider than its column (20 bytes as the design counted them) is refused
+        // before its row is sent, as a failed row: warned, and the next record goes on.
+        const bool fits = GbkWidth(name) <= kNameBytes && GbkWidth(i) <= kNameBytes &&
+                          GbkWidth(j) <= kNameBytes;
         QSqlQuery q(*m_pDB);
-        const QByteArray sql = FormatText(
-            SQL_BREAKER_ROW, t.constData(), m_caseNo, SqlText(m_pDB, cut(r.id, 4)).constData(),
-            SqlText(m_pDB, r.I_Name).constData(), SqlText(m_pDB, r.J_Name).constData(), r.P, r.Q,
-            GetNodeVol_FromRTDB(r.I_Name));
-        if (!ExecStatement(q, sql)) {
+        if (!fits || !ExecStatement(q, FormatText(SQL_BREAKER_ROW, t.constData(), m_caseNo,
+                                                  SqlText(m_pDB, name).constData(),
+                                                  SqlText(m_pDB, i).constData(),
+                                                  SqlText(m_pDB, j).constData(), r.P, r.Q,
+                                                  GetNodeVol_FromRTDB(r.I_Name)))) {
             ShowModalBox(ModalBoxKind::Warning, QObject::tr(BOX_CAPTION),
                          QObject::tr(MSG_BREAKER_ROW));
         }

@@ -5,83 +5,58 @@
 #include "common/RealtimeLookups.h"
 #include "common/TableTypes.h"
 
+#include <QStringList>
+
 using namespace dtsdb;
-using testsupport::FeedbackRecorder;
 using testsupport::RtdbTest;
 
-class RealtimeLookups : public RtdbTest
+// Node N1 sits on calculation bus 3 ("B1") of level "220kV"; node N2 names a bus number with
+// no bs record; node N3's level has no kv record.
+TEST_F(RtdbTest, LookupsFindTheNodesBusAndLevelAndSayWhichStepFoundNothing)
 {
-protected:
-    void SetUp() override
-    {
-        RtdbTest::SetUp();
-        // Node N1 sits on calculation bus 3 ("B1") of level "220kV"; node N2 names a
-        // bus number with no bs record; node N3's level has no kv record.
-        nd n;
-        n.id = "N1";
-        n.ibs = 3;
-        Insert(n);
-        n.id = "N2";
-        n.ibs = 7;
-        Insert(n);
-        bs b;
-        b.id = 3;
-        b.name = "B1";
-        b.V = 1.02;
-        b.Angle = -4.5;
-        Insert(b);
-        bus p;
-        p.id = "BUS-1";
-        p.ibs = 3;
-        p.nd = "N1";
-        Insert(p);
-        kv k;
-        k.id = "220kV";
-        k.Base_kV = 230.0f;
-        Insert(k);
-        r_kv_nd r;
-        r.kv_id = "220kV";
-        r.nd_id = "N1";
-        Insert(r);
-        r.kv_id = "66kV";
-        r.nd_id = "N3";
-        Insert(r);
-        rtdb().commit();
-        FeedbackRecorder::instance().clear();
-    }
-};
+    nd n;
+    n.id = "N1", n.ibs = 3;
+    Insert(n);
+    n.id = "N2", n.ibs = 7;
+    Insert(n);
+    bs b;
+    b.id = 3, b.name = "B1", b.V = 1.02, b.Angle = -4.5;
+    Insert(b);
+    bus p;
+    p.id = "BUS-1", p.ibs = 3, p.nd = "N1";
+    Insert(p);
+    kv k;
+    k.id = "220kV", k.Base_kV = 230.0f;
+    Insert(k);
+    r_kv_nd r;
+    r.kv_id = "220kV", r.nd_id = "N1";
+    Insert(r);
+    r.kv_id = "66kV", r.nd_id = "N3";
+    Insert(r);
+    rtdb().commit();
+    auto& fb = testsupport::FeedbackRecorder::instance();
+    fb.clear();
 
-TEST_F(RealtimeLookups, FindTheNodesBusAndGiveNeutralValuesWhenAStepFindsNothing)
-{
     EXPECT_EQ(GetNodeBsNo_FromRTDB("N1"), 3);
     EXPECT_EQ(GetNodeBsNo_FromRTDB(""), 0);
     EXPECT_EQ(GetNodeBsNo_FromRTDB("nobody"), 0);
-
     EXPECT_DOUBLE_EQ(GetNodeVol_FromRTDB("N1"), 1.02);
     EXPECT_DOUBLE_EQ(GetNodeAngle_FromRTDB("N1"), -4.5);
     EXPECT_STREQ(GetBsName_FromRTDB("N1"), "B1");
     EXPECT_DOUBLE_EQ(GetNodeVol_FromRTDB("N2"), 0.0) << "no bs record 7";
     EXPECT_DOUBLE_EQ(GetNodeAngle_FromRTDB("nobody"), 0.0);
     EXPECT_STREQ(GetBsName_FromRTDB("N2"), "");
-
     EXPECT_STREQ(GetBusName_FromRTDB(3), "BUS-1");
     EXPECT_STREQ(GetBusName_FromRTDB(4), "");
-
     // The name handed out is the database's text: good while the record stands.
     const char* name = GetBsName_FromRTDB("N1");
     rtdb().commit();
     EXPECT_STREQ(name, "B1");
-    EXPECT_TRUE(FeedbackRecorder::instance().messages().empty());
-    EXPECT_TRUE(errors().empty());
-}
+    EXPECT_TRUE(fb.messages().empty());
 
-TEST_F(RealtimeLookups, BaseVoltageReportsEachMissingStepAtLevelTwo)
-{
-    auto& fb = FeedbackRecorder::instance();
     EXPECT_DOUBLE_EQ(GetBasekV_FromRTDB("220kV", true), 230.0);
     EXPECT_DOUBLE_EQ(GetBasekV_FromRTDB("N1", false), 230.0);
     EXPECT_TRUE(fb.messages().empty());
-
     EXPECT_DOUBLE_EQ(GetBasekV_FromRTDB("500kV", true), 1.0);
     EXPECT_DOUBLE_EQ(GetBasekV_FromRTDB("nobody", false), 1.0);
     EXPECT_DOUBLE_EQ(GetBasekV_FromRTDB("N3", false), 1.0);
@@ -91,32 +66,28 @@ TEST_F(RealtimeLookups, BaseVoltageReportsEachMissingStepAtLevelTwo)
                                "节点'N3'对应的母线在实时库中不存在，取基准电压值发生错误！",
                            }));
     EXPECT_EQ(fb.messages().size(), 3u);
+    EXPECT_TRUE(errors().empty());
 }
 
 TEST(RealtimeIds, SuffixesByFamilyAndTableTypesByName)
 {
-    EXPECT_EQ(GetNameInRealDB("X", 6, 0), "X_ac");
-    EXPECT_EQ(GetNameInRealDB("X", 8, 0), "X_sc");
-    EXPECT_EQ(GetNameInRealDB("X", 10, 5), "X_2w");
-    EXPECT_EQ(GetNameInRealDB("X", 11, 0), "X_sf");
-    EXPECT_EQ(GetNameInRealDB("X", 12, 31), "X_3w1");
-    EXPECT_EQ(GetNameInRealDB("X", 12, 33), "X_3w3");
-    EXPECT_EQ(GetNameInRealDB("X", 12, 34), "X") << "a winding number out of range";
-    EXPECT_EQ(GetNameInRealDB("X", 12, 0), "X");
-    EXPECT_EQ(GetNameInRealDB("X", 13, 0), "X_brk");
-    EXPECT_EQ(GetNameInRealDB("X", 14, 0), "X_sw");
-    EXPECT_EQ(GetNameInRealDB("X", 4, 0), "X") << "a shunt's id is its name";
-    EXPECT_EQ(GetNameInRealDB("X", 7, 0), "X");
-
+    const std::pair<int, int> ids[] = {{6, 0}, {8, 0}, {10, 5}, {11, 0}, {12, 31}, {12, 33},
+                                       {12, 34}, {12, 0}, {13, 0}, {14, 0}, {4, 0}, {7, 0}};
+    QStringList got;
+    for (const auto& [type, sub] : ids) {
+        got << GetNameInRealDB("X", type, sub);
+    }
+    // A winding number out of range gives the name alone, as a shunt and a DC line have it.
+    EXPECT_EQ(got, QStringList({"X_ac", "X_sc", "X_2w", "X_sf", "X_3w1", "X_3w3", "X", "X",
+                                "X_brk", "X_sw", "X", "X"}));
     EXPECT_EQ(TableNameToType("CDB_ACLINE"), 102);
     EXPECT_EQ(TableNameToType("CDB_ACLINEBAK"), 102);
     EXPECT_EQ(TableNameToType("CDB_NODEBAK"), CDB_TYPE_NODE);
     EXPECT_EQ(TableNameToType("CDB_ISOSWITCH"), 120);
     EXPECT_EQ(TableNameToType("CDB_PSTATIONBAK"), 117);
-    EXPECT_EQ(TableNameToType("cdb_acline"), -1) << "compared case-sensitively";
-    EXPECT_EQ(TableNameToType("CDB_ACLINEbak"), -1);
-    EXPECT_EQ(TableNameToType("CDB_ACLINEBAKBAK"), -1);
-    EXPECT_EQ(TableNameToType("CDB_DATAGROUP"), -1) << "passed to the flag, never looked up";
-    EXPECT_EQ(TableNameToType("CDB_AC"), -1);
-    EXPECT_EQ(TableNameToType(""), -1);
+    // Compared case-sensitively; the data-group table is passed to the flag, never looked up.
+    for (const char* other : {"cdb_acline", "CDB_ACLINEbak", "CDB_ACLINEBAKBAK", "CDB_DATAGROUP",
+                              "CDB_AC", ""}) {
+        EXPECT_EQ(TableNameToType(other), -1) << other;
+    }
 }
