@@ -65,48 +65,30 @@ QStringList Lines(const QString& path)
 TEST(StudyOptions, AcceptsWhatTheHelpOffersAndRefusesTheRestInOneLine)
 {
     StudyCommandLine cl;
+    const demo::StudyOptions& o = cl.options();
     ASSERT_EQ(Parse(cl, {}), StudyCommandLine::Run);
-    EXPECT_TRUE(cl.options().networkFile.isEmpty()) << "the IEEE 14 sample by default";
-    EXPECT_FALSE(cl.options().ownServer);
-    EXPECT_FALSE(cl.options().keep);
-
-    EXPECT_FALSE(cl.options().faithfulSaveBack) << "the mended statement mode by default";
+    EXPECT_TRUE(o.networkFile.isEmpty() && !o.ownServer && !o.keep && !o.faithfulSaveBack)
+        << "the IEEE 14 sample on the private server, the mended statement mode";
+    EXPECT_EQ(o.group, "NEW");
     ASSERT_EQ(Parse(cl, {"--synthetic", "500", "--out", "res", "--keep", "--quiet", "--database",
                          "study_1", "--faithful-saveback"}),
               StudyCommandLine::Run);
-    EXPECT_TRUE(cl.options().faithfulSaveBack);
-    EXPECT_EQ(cl.options().syntheticBuses, 500);
-    EXPECT_EQ(cl.options().outDir, "res");
-    EXPECT_TRUE(cl.options().keep && cl.options().quiet);
-    EXPECT_EQ(cl.options().database, "study_1");
-
+    EXPECT_EQ(std::tie(o.syntheticBuses, o.outDir, o.keep, o.quiet, o.database, o.faithfulSaveBack),
+              std::make_tuple(500, QString("res"), true, true, QString("study_1"), true));
     ASSERT_EQ(Parse(cl, {"--server", "db.example:3307", "--user", "eng", "--password", "pw"}),
               StudyCommandLine::Run);
-    EXPECT_TRUE(cl.options().ownServer);
-    EXPECT_EQ(cl.options().server.host, "db.example");
-    EXPECT_EQ(cl.options().server.port, 3307);
-    EXPECT_EQ(cl.options().server.user, "eng");
-    EXPECT_EQ(cl.options().server.password, "pw");
-    EXPECT_TRUE(cl.options().server.socket.isEmpty());
+    EXPECT_EQ(std::tie(o.ownServer, o.server.host, o.server.port, o.server.user, o.server.password),
+              std::make_tuple(true, QString("db.example"), 3307, QString("eng"), QString("pw")));
     ASSERT_EQ(Parse(cl, {"--server", "[::1]"}, "from-env"), StudyCommandLine::Run);
-    EXPECT_EQ(cl.options().server.host, "::1");
-    EXPECT_EQ(cl.options().server.port, 3306);
-    EXPECT_EQ(cl.options().server.password, "from-env");
+    EXPECT_EQ(std::tie(o.server.host, o.server.port, o.server.password),
+              std::make_tuple(QString("::1"), 3306, QString("from-env")));
+    EXPECT_EQ(Parse(cl, {"--help"}), StudyCommandLine::ShowHelp);
+    EXPECT_EQ(Parse(cl, {"--version"}), StudyCommandLine::ShowVersion);
 
-    EXPECT_EQ(cl.options().group, "NEW");
     EXPECT_EQ(Parse(cl, {"--group", "华北电网运行方式调整甲"}), StudyCommandLine::Invalid);
     EXPECT_EQ(cl.error(), "--group needs a data group's name of 1 to 20 bytes as the base tables "
                           "count them (a Chinese character 2, so at most 10 of them), not "
                           "'华北电网运行方式调整甲' (22 bytes)");
-
-    EXPECT_EQ(Parse(cl, {"--help"}), StudyCommandLine::ShowHelp);
-    EXPECT_EQ(Parse(cl, {"--version"}), StudyCommandLine::ShowVersion);
-    for (const char* option : {"--network", "--synthetic", "--server", "--user", "--password",
-                                  "--database", "--keep", "--out", "--quiet", "--version",
-                                  "--faithful-saveback", "--save-case", "--group"}) {
-        EXPECT_TRUE(cl.helpText().contains(option)) << option;
-    }
-
     const QList<QStringList> refused = {
         {"--netwrok", "x.json"},         {"--network"},
         {"--network", "a.json", "--synthetic", "9"},
@@ -114,12 +96,10 @@ TEST(StudyOptions, AcceptsWhatTheHelpOffersAndRefusesTheRestInOneLine)
         {"--server", "host:99999"},      {"--server", "host:port"},
         {"--user", "eng"},               {"--database", "x;DROP DATABASE y"},
         {"--out", ""},                   {"--keep=yes"},
-        {"--save-case", "solved.json"},
-        {"ieee14.json"}};
+        {"--save-case", "solved.json"},  {"ieee14.json"}};
     for (const QStringList& args : refused) {
         EXPECT_EQ(Parse(cl, args), StudyCommandLine::Invalid) << args.join(' ').toStdString();
-        EXPECT_FALSE(cl.error().isEmpty());
-        EXPECT_FALSE(cl.error().contains('\n')) << cl.error().toStdString();
+        EXPECT_FALSE(cl.error().isEmpty() || cl.error().contains('\n')) << cl.error().toStdString();
     }
 }
 
