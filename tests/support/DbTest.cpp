@@ -112,10 +112,6 @@ void DbTest::Truncate(const std::vector<QString>& tables)
     }
 }
 
-} // namespace testsupport
-
-namespace testsupport {
-
 void DbTest::StartStatementLog()
 {
     if (Scalar(QStringLiteral("SELECT @@general_log")) != QLatin1String("1")) {

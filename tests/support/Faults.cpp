@@ -16,19 +16,8 @@ QAtomicInt serial;
 
 std::string FaultName(Fault fault)
 {
-    switch (fault) {
-    case Fault::Killed:
-        return "Killed";
-    case Fault::MissingTable:
-        return "MissingTable";
-    case Fault::ReadOnly:
-        return "ReadOnly";
-    case Fault::Full:
-        return "Full";
-    case Fault::LockTimeout:
-        return "LockTimeout";
-    }
-    return "?";
+    static const char* const names[] = {"Killed", "MissingTable", "ReadOnly", "Full", "LockTimeout"};
+    return names[int(fault)];
 }
 
 FaultInjector::FaultInjector(dbserver::ScratchDatabase& scratch, QSqlDatabase* library, Fault fault,

@@ -23,38 +23,52 @@ struct Box
     QString text;
 };
 
-// Everything shown through WinDockFeedback::ShowMessage since the last clear().
-class FeedbackRecorder
+// What was shown since the last clear(), in order; any thread may record.
+template <class T> class Shown
+{
+public:
+    void clear()
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_items.clear();
+    }
+    void record(T item)
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_items.push_back(std::move(item));
+    }
+
+protected:
+    std::vector<T> items() const
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_items;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    std::vector<T> m_items;
+};
+
+// Everything shown through WinDockFeedback::ShowMessage.
+class FeedbackRecorder : public Shown<Message>
 {
 public:
     static FeedbackRecorder& instance();
-    void clear();
-    std::vector<Message> messages() const;
+    std::vector<Message> messages() const { return items(); }
     // Messages of one level, texts only, in order.
     std::vector<std::string> texts(int level) const;
     // True when this exact text was shown at this level.
     bool has(const std::string& text, int level) const;
-    // Number of messages whose text contains `part`.
-    int countContaining(const std::string& part) const;
-    void record(const char* text, int level);
-
-private:
-    mutable std::mutex m_mutex;
-    std::vector<Message> m_messages;
+    void record(const char* text, int level) { Shown::record({text ? text : "", level}); }
 };
 
-// Every modal box since the last clear().
-class BoxRecorder
+// Every modal box.
+class BoxRecorder : public Shown<Box>
 {
 public:
     static BoxRecorder& instance();
-    void clear();
-    std::vector<Box> boxes() const;
-    void record(Box box);
-
-private:
-    mutable std::mutex m_mutex;
-    std::vector<Box> m_boxes;
+    std::vector<Box> boxes() const { return items(); }
 };
 
 // Installs both recorders as the library's sink and hook, and clears them.
