@@ -75,6 +75,39 @@ private:
 
 } // namespace
 
+QString BranchFlowStatement(int job, double baseMva)
+{
+    const QString c = QString::number(job), sb = QString::number(baseMva, 'g', 17);
+    // A line's current at an end is |S| / (sqrt(3) V), with V in kV from the base voltage of
+    // its node in the job's node table, looked up only for a rated line (the look-ups are
+    // most of the statement's time on a large network).
+    const QString lineFamily = QStringLiteral(
+        "SELECT a.ID_Name AS name, '%1' AS kind, a.I_Name AS from_node, a.J_Name AS to_node, "
+        "a.ID_No AS circuit, a.Pi*%6 AS P_from, a.Qi*%6 AS Q_from, a.Pj*%6 AS P_to, a.Qj*%6 AS "
+        "Q_to, GREATEST(SQRT(a.Pi*a.Pi+a.Qi*a.Qi), SQRT(a.Pj*a.Pj+a.Qj*a.Qj))*%6 AS mva, CASE "
+        "WHEN %2>0 AND a.Vi*bi.Base_kV>0 AND a.Vj*bj.Base_kV>0 THEN 100*%6*GREATEST("
+        "SQRT(a.Pi*a.Pi+a.Qi*a.Qi)/(a.Vi*bi.Base_kV), SQRT(a.Pj*a.Pj+a.Qj*a.Qj)/(a.Vj*bj.Base_kV))"
+        "/SQRT(3)/%2 END AS loading, %3 AS family FROM %4 a LEFT JOIN L1_%5 bi ON %2>0 AND "
+        "bi.Node_Name=a.I_Name LEFT JOIN L1_%5 bj ON %2>0 AND bj.Node_Name=a.J_Name WHERE "
+        "a.Case_No=%5");
+    const QString transformerFamily = QStringLiteral(
+        "SELECT ID_Name, '%1', I_Name, J_Name, ID_No, Pi*%5, Qi*%5, Pj*%5, Qj*%5, "
+        "GREATEST(SQRT(Pi*Pi+Qi*Qi), SQRT(Pj*Pj+Qj*Qj))*%5, CASE WHEN Rate_MVA>0 THEN "
+        "100*%5*GREATEST(SQRT(Pi*Pi+Qi*Qi), SQRT(Pj*Pj+Qj*Qj))/Rate_MVA END, %2 FROM %3 WHERE "
+        "Case_No=%4");
+    return lineFamily.arg(QStringLiteral("line"), QStringLiteral("a.Rate_kA"),
+                          QStringLiteral("1"), QStringLiteral("LFR_ACLINE_R"), c, sb) +
+           QStringLiteral(" UNION ALL ") +
+           lineFamily.arg(QStringLiteral("series"), QStringLiteral("0"), QStringLiteral("2"),
+                          QStringLiteral("LFR_SCR_R"), c, sb) +
+           QStringLiteral(" UNION ALL ") +
+           transformerFamily.arg(QStringLiteral("transformer"), QStringLiteral("3"),
+                                 QStringLiteral("LFR_T2W_R"), c, sb) +
+           QStringLiteral(" UNION ALL ") +
+           transformerFamily.arg(QStringLiteral("phase shifter"), QStringLiteral("4"),
+                                 QStringLiteral("LFR_SHIFT_R"), c, sb);
+}
+
 bool WriteResultCsv(QSqlDatabase* db, int job, double baseMva, const QString& dir,
                     QString& error, const std::function<void(long long, long long)>& progress)
 {
@@ -113,52 +146,21 @@ bool WriteResultCsv(QSqlDatabase* db, int job, double baseMva, const QString& di
                    number(q.value(3).toDouble(), 4);
         });
 
-    // Branches, the four families in one file: the end flows, and the loading against the
-    // rating where there is one. A line's current at an end is |S| / (sqrt(3) V), with V in
-    // kV from the base voltage of its node in the job's node table.
     // Names sort as numbers do (L2 before L10) by their length first.
-    const QString lineFamily = QStringLiteral(
-        "SELECT a.ID_Name AS name, '%1' AS kind, a.I_Name, a.J_Name, a.ID_No, a.Pi, a.Qi, a.Pj, "
-        "a.Qj, %2, 0, a.Vi, a.Vj, bi.Base_kV, bj.Base_kV, %3 AS family FROM %4 a LEFT JOIN L1_%5 "
-        "bi ON bi.Node_Name=a.I_Name LEFT JOIN L1_%5 bj ON bj.Node_Name=a.J_Name WHERE "
-        "a.Case_No=%5");
-    const QString transformerFamily = QStringLiteral(
-        "SELECT ID_Name, '%1', I_Name, J_Name, ID_No, Pi, Qi, Pj, Qj, 0, Rate_MVA, Vi, Vj, 0, 0, "
-        "%2 FROM %3 WHERE Case_No=%4");
-    const QString branchSql =
-        lineFamily.arg(QStringLiteral("line"), QStringLiteral("a.Rate_kA"), QStringLiteral("1"),
-                       QStringLiteral("LFR_ACLINE_R"), c) +
-        QStringLiteral(" UNION ALL ") +
-        lineFamily.arg(QStringLiteral("series"), QStringLiteral("0"), QStringLiteral("2"),
-                       QStringLiteral("LFR_SCR_R"), c) +
-        QStringLiteral(" UNION ALL ") +
-        transformerFamily.arg(QStringLiteral("transformer"), QStringLiteral("3"),
-                              QStringLiteral("LFR_T2W_R"), c) +
-        QStringLiteral(" UNION ALL ") +
-        transformerFamily.arg(QStringLiteral("phase shifter"), QStringLiteral("4"),
-                              QStringLiteral("LFR_SHIFT_R"), c) +
-        QStringLiteral(" ORDER BY family, LENGTH(name), name");
     const bool branches = buses && csv.write(
         "branches.csv",
         "branch,kind,from_node,to_node,circuit,P_from_MW,Q_from_Mvar,P_to_MW,Q_to_Mvar,"
         "loading_pct",
-        branchSql, [sb](const QSqlQuery& q) {
-            const double pi = q.value(5).toDouble(), qi = q.value(6).toDouble();
-            const double pj = q.value(7).toDouble(), qj = q.value(8).toDouble();
-            const double rateKA = q.value(9).toDouble(), rateMVA = q.value(10).toDouble();
-            const double si = std::hypot(pi, qi) * sb, sj = std::hypot(pj, qj) * sb;
-            const double kVi = q.value(11).toDouble() * q.value(13).toDouble();
-            const double kVj = q.value(12).toDouble() * q.value(14).toDouble();
-            QByteArray loading;
-            if (rateKA > 0 && kVi > 0 && kVj > 0) {
-                loading = number(100 * std::max(si / kVi, sj / kVj) / std::sqrt(3.0) / rateKA, 2);
-            } else if (rateMVA > 0) {
-                loading = number(100 * std::max(si, sj) / rateMVA, 2);
+        BranchFlowStatement(job, baseMva) + QStringLiteral(" ORDER BY family, LENGTH(name), name"),
+        [](const QSqlQuery& q) {
+            QByteArray line;
+            for (int k = 0; k < 5; ++k) {
+                line += field(q.value(k)) + ",";
             }
-            return field(q.value(0)) + "," + field(q.value(1)) + "," + field(q.value(2)) + "," +
-                   field(q.value(3)) + "," + q.value(4).toString().toUtf8() + "," +
-                   number(pi * sb, 4) + "," + number(qi * sb, 4) + "," + number(pj * sb, 4) +
-                   "," + number(qj * sb, 4) + "," + loading;
+            for (int k = 5; k < 9; ++k) {
+                line += number(q.value(k).toDouble(), 4) + ",";
+            }
+            return line + (q.isNull(10) ? QByteArray() : number(q.value(10).toDouble(), 2));
         });
 
     const bool generators = branches && csv.write(

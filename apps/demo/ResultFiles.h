@@ -23,6 +23,14 @@ class QSqlDatabase;
 
 namespace demo {
 
+// The branches of the result tables of job `job` as one statement: the four families
+// (lines, series elements, transformers, phase shifters) with the columns name, kind,
+// from_node, to_node, circuit, P_from, Q_from, P_to, Q_to (MW and Mvar on the base
+// `baseMva`), mva (the larger end's apparent power), loading (percent, NULL where the
+// branch has no rating) and family (1 to 4). Callers add their order, filter or limit
+// by wrapping it.
+QString BranchFlowStatement(int job, double baseMva);
+
 // Writes the four files into `dir`, which must exist; each file appears whole or not at
 // all. False with `error` set when a table cannot be read or a file not written.
 // `progress`, when given, hears the rows written so far of how many.

@@ -14,6 +14,8 @@
 
 #include <QElapsedTimer>
 #include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QVariant>
 
 namespace demo {
 
@@ -185,6 +187,32 @@ bool Study::ChangeAndSaveBack(const QString& group, SaveStatementMode mode)
         m_saveBack = transfer.SaveLDataToBaseDB(group, true);
         return true; // a faithful stop at the transformers is the design's, not a failure
     });
+}
+
+std::vector<GroupRows> Study::GroupContents(const QString& group) const
+{
+    std::vector<GroupRows> out;
+    QSqlQuery q(*m_db);
+    for (const char* table : {"CDB_ACLINEBAK", "CDB_PCAPREABAK", "CDB_SCAPREABAK",
+                              "CDB_TRANS_2WBAK", "CDB_SHIFTBAK", "CDB_TRANS_3WBAK",
+                              "CDB_DCLINEBAK", "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_BREAKERBAK",
+                              "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK"}) {
+        const QString column = QString(table) == "CDB_DATAGROUPBAK" ? "GrpName" : "ID_Name";
+        q.prepare(QString("SELECT %1 FROM %2 WHERE GrpName=? ORDER BY id").arg(column, table));
+        q.addBindValue(group);
+        GroupRows rows{table, 0, {}};
+        if (q.exec()) {
+            while (q.next()) {
+                if (++rows.rows <= 10) {
+                    rows.firstNames << q.value(0).toString();
+                }
+            }
+        }
+        if (rows.rows > 0) {
+            out.push_back(rows);
+        }
+    }
+    return out;
 }
 
 } // namespace demo

@@ -9,6 +9,7 @@
 #include "common/SaveBackPattern.h"
 
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <vector>
 
@@ -27,6 +28,15 @@ struct StepTime
 {
     QString step;
     double ms = 0;
+};
+
+// What a data group holds in one working copy after a save-back: its rows, and the names
+// of the first ten.
+struct GroupRows
+{
+    QString table;
+    long long rows = 0;
+    QStringList firstNames;
 };
 
 class Study
@@ -58,6 +68,9 @@ public:
     int saveBackResult() const { return m_saveBack; }
     const QString& changedGenerator() const { return m_changedGen; }
     const QString& lineTakenOut() const { return m_lineOut; }
+    // The working copies the save-back writes that hold rows of `group`, in the order of
+    // the save-back's families, the group's own row last.
+    std::vector<GroupRows> GroupContents(const QString& group) const;
 
     const QString& error() const { return m_error; }
     const std::vector<StepTime>& times() const { return m_times; }
