@@ -18,11 +18,13 @@
 #include "Study.h"
 #include "StudyOptions.h"
 #include "common/GbkWidth.h"
+#include "StudyReport.h"
 #include "common/ModalBox.h"
 #include "common/Session.h"
 #include "platform/WinDockFeedback.h"
 #include "rtdb/rtdb.h"
 
+#include <QApplication>
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -32,6 +34,8 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
+#include <memory>
 
 namespace {
 
@@ -150,9 +154,23 @@ void printLineFlows(QSqlDatabase* db, double sb, const Output& out)
 
 } // namespace
 
+// The report draws its pictures with Qt's widgets and painter, which need an application
+// of their kind: offscreen, unless the caller chose a platform.
+std::unique_ptr<QCoreApplication> MakeApplication(int& argc, char** argv)
+{
+    for (int k = 1; k < argc; ++k) {
+        if (std::strncmp(argv[k], "--report", 8) == 0) {
+            report::UseOffscreenPlatform();
+            return std::make_unique<QApplication>(argc, argv);
+        }
+    }
+    return std::make_unique<QCoreApplication>(argc, argv);
+}
+
 int main(int argc, char** argv)
 {
-    QCoreApplication app(argc, argv);
+    const std::unique_ptr<QCoreApplication> application = MakeApplication(argc, argv);
+    QCoreApplication& app = *application;
     QCoreApplication::setApplicationName(kProgram);
     QCoreApplication::setApplicationVersion(CALCDATA_VERSION);
 
@@ -203,11 +221,10 @@ int main(int argc, char** argv)
                               .arg(target.absolutePath()));
         }
     }
-    if (!options.outDir.isEmpty()) {
-        const QFileInfo dir(options.outDir);
-        if (!QDir().mkpath(options.outDir) || !QFileInfo(options.outDir).isWritable()) {
+    for (const QString& folder : {options.outDir, options.reportDir}) {
+        if (!folder.isEmpty() && (!QDir().mkpath(folder) || !QFileInfo(folder).isWritable())) {
             return refuse(QStringLiteral("cannot write the results into the folder %1")
-                              .arg(dir.absoluteFilePath()));
+                              .arg(QFileInfo(folder).absoluteFilePath()));
         }
     }
     out.line("network %s: %zu buses, %zu branches, %zu generators\n", qPrintable(net.name),
@@ -256,7 +273,8 @@ int main(int argc, char** argv)
 
     demo::Progress progress(options.quiet ? nullptr : stderr,
                             9 + (options.outDir.isEmpty() ? 0 : 1) +
-                                (options.saveCase.isEmpty() ? 0 : 1));
+                                (options.saveCase.isEmpty() ? 0 : 1) +
+                                (options.reportDir.isEmpty() ? 0 : 1));
     WinDockFeedback::SetSink([&](const char* text, int level) {
         out.line("  [%2d] %s\n", level, text);
         progress.note(QString::fromLocal8Bit(text));
@@ -377,26 +395,14 @@ int main(int argc, char** argv)
                      "(--faithful-saveback sends them all as written).\n  group %s holds:\n",
                      groupText.constData());
         }
-        for (const char* table : {"CDB_ACLINEBAK", "CDB_PCAPREABAK", "CDB_SCAPREABAK",
-                                  "CDB_TRANS_2WBAK", "CDB_SHIFTBAK", "CDB_TRANS_3WBAK",
-                                  "CDB_DCLINEBAK", "CDB_GENERATBAK", "CDB_LOADBAK",
-                                  "CDB_BREAKERBAK", "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK"}) {
-            q.prepare(QString("SELECT %1 FROM %2 WHERE GrpName=? ORDER BY id")
-                          .arg(QString(table) == "CDB_DATAGROUPBAK" ? "GrpName" : "ID_Name", table));
-            q.addBindValue(group);
-            q.exec();
-            QStringList names;
-            while (q.next()) {
-                names << q.value(0).toString();
+        // A large network's group holds thousands of rows: the first ten stand for them.
+        for (const demo::GroupRows& g : study.GroupContents(group)) {
+            QStringList names = g.firstNames;
+            if (g.rows > names.size()) {
+                names << QStringLiteral("...");
             }
-            // A large network's group holds thousands of rows: the first ten stand for them.
-            const long long rows = names.size();
-            if (rows > 10) {
-                names = names.mid(0, 10) << QStringLiteral("...");
-            }
-            if (rows > 0) {
-                out.line("    %-17s %3lld row(s): %s\n", table, rows, qPrintable(names.join(", ")));
-            }
+            out.line("    %-17s %3lld row(s): %s\n", qPrintable(g.table), g.rows,
+                     qPrintable(names.join(", ")));
         }
     } else {
         out.line("  the save-back stopped where the design says this server stops it: the "
@@ -407,6 +413,25 @@ int main(int argc, char** argv)
                  saved, groupText.constData());
     }
 
+    double reportMs = -1;
+    if (!options.reportDir.isEmpty()) {
+        out.heading("6. the report");
+        progress.begin(QStringLiteral("the report"));
+        QElapsedTimer t;
+        t.start();
+        const report::ReportInput input{
+            &net, &study, scratch.db(), group,
+            {{QStringLiteral("a database on the server, with the schema"), setupMs}}};
+        const bool written = report::WriteStudyReport(options.reportDir, input, error);
+        reportMs = t.nsecsElapsed() / 1e6;
+        progress.end();
+        if (!written) {
+            return failed("the report", error);
+        }
+        out.line("  open %s in a browser\n",
+                 qPrintable(QDir(options.reportDir).absoluteFilePath("report.html")));
+    }
+
     out.heading("time of each step");
     out.line("  %-48s %10.1f ms\n", "a database on the server, with the schema", setupMs);
     double total = 0;
@@ -415,6 +440,10 @@ int main(int argc, char** argv)
         total += t.ms;
     }
     out.line("  %-48s %10.1f ms\n", "whole study (the steps above the database)", total);
+    if (reportMs >= 0) {
+        out.line("  %-48s %10.1f ms (%.1f %% of the study)\n", "the report", reportMs,
+                 100 * reportMs / total);
+    }
     out.line("  %-48s %10.1f ms\n", "whole run", wall.nsecsElapsed() / 1e6);
     rtdb.close();
     tellKept();

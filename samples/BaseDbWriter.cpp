@@ -58,6 +58,20 @@ private:
 
 } // namespace
 
+QString BranchName(const Branch& br, int k)
+{
+    const char* kind = br.r == 0 && br.x == 0 ? "Z"
+                       : !br.transformer     ? "L"
+                       : br.angleDeg == 0    ? "T"
+                                             : "P";
+    return nameOr(br.name, kind, k);
+}
+
+QString GeneratorName(const Gen& gen, int k)
+{
+    return nameOr(gen.name, "G", k);
+}
+
 bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& group,
                           const QString& scheme, QString& error,
                           const std::function<void(int done, int total)>& progress)
@@ -161,7 +175,7 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         breakers.add({grp, text(QString("K%1").arg(g)), "1", "1", node(gen.bus), own, "1"});
         isolators.add({grp, text(QString("Q%1").arg(g)), "1", "1", node(gen.bus), own, "1"});
         const bool live = gen.status != 0 && !(b && b->type == 4);
-        gens.add({grp, text(nameOr(gen.name, "G", g)), live ? "1" : "0", own,
+        gens.add({grp, text(GeneratorName(gen, g)), live ? "1" : "0", own,
                   QByteArray::number(mode), named ? "0" : "1", num(gen.pgMW * f),
                   num(gen.qgMVAr * f), num(named ? gen.vg * b->baseKV : gen.vg),
                   num(b && b->type == 3 ? b->vaDeg : 0.0), num(limit(gen.qmax) * f),
@@ -194,7 +208,7 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
             // between the two nodes, so that the topology joins both buses into one calculation
             // bus, exactly and without an invented impedance (its charging, ratio and shift,
             // if any, are left out; the reader says so).
-            breakers.add({grp, text(nameOr(br.name, "Z", k)), status, "1", node(br.from),
+            breakers.add({grp, text(BranchName(br, k)), status, "1", node(br.from),
                           node(br.to), circuit});
             continue;
         }
@@ -206,7 +220,7 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
             const double kV = named ? busOf[br.from]->baseKV : 0.0;
             const double rateKA = named ? br.rateMVA / (std::sqrt(3.0) * kV) : 0.0;
             auto line = [&](const QByteArray& group, double rFactor) {
-                lines.add({group, text(nameOr(br.name, "L", k)), status,
+                lines.add({group, text(BranchName(br, k)), status,
                            node(br.from), node(br.to), circuit, "1", "1", inOhms ? "0" : "1",
                            num(br.r * g * rFactor), num(br.x * g),
                            num(inOhms ? br.b / 2 / z * 1e6 : br.b / 2), "1", num(rateKA)});
@@ -228,11 +242,11 @@ bool WriteNetworkToBaseDb(QSqlDatabase* db, const Network& net, const QString& g
         const double bm = br.b == 0 ? 0.0 : named ? -br.b / z * 1e6 : -br.b;
         const QByteArray ratio = num(br.ratio == 0 ? 1.0 : br.ratio);
         if (br.angleDeg == 0) {
-            t2w.add({grp, text(nameOr(br.name, "T", k)), status, node(br.from),
+            t2w.add({grp, text(BranchName(br, k)), status, node(br.from),
                      node(br.to), circuit, named ? "0" : "1", num(br.r * f), num(br.x * f), "0",
                      num(bm), ratio, num(br.rateMVA)});
         } else {
-            shift.add({grp, text(nameOr(br.name, "P", k)), status,
+            shift.add({grp, text(BranchName(br, k)), status,
                        node(br.from), node(br.to), circuit, named ? "0" : "1", num(br.r * f),
                        num(br.x * f), "0", num(bm), ratio, num(br.angleDeg), num(br.rateMVA)});
         }

@@ -90,6 +90,10 @@ bool WriteMatpowerCase(const QString& path, const Network& net, QString& error);
 
 // The name of a bus in the base database: its own, else "B<num>".
 QString BusName(const Bus& bus);
+// The name of the network's k-th branch (from 1) in the base database: its own, else
+// "L<k>", "T<k>", "P<k>" or "Z<k>" by its kind; of its k-th generator: its own, else "G<k>".
+QString BranchName(const Branch& br, int k);
+QString GeneratorName(const Gen& gen, int k);
 
 // A connected meshed network of `nodes` buses (at least 3), the same for the same seed,
 // in the proportions of a real grid per bus: about 1.5 branches (a ring, cross ties and

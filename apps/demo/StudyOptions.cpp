@@ -41,6 +41,12 @@ StudyCommandLine::StudyCommandLine()
                  "the buses' Vm and Va and the generators' Pg and Qg as solved, for another "
                  "tool to take up.",
                  "FILE.m"),
+      m_report("report",
+               "Write a report of the study into DIR (created when missing): report.html, "
+               "which a browser shows, with its pictures beside it (the voltage profile "
+               "against the buses' limits, the most loaded branches, the generators against "
+               "their limits).",
+               "DIR"),
       m_quiet("quiet", "Print nothing but errors (and, with --keep, where the database stays)."),
       m_faithful("faithful-saveback",
                  "Save back with the statements as the design writes them, which this server "
@@ -59,7 +65,7 @@ StudyCommandLine::StudyCommandLine()
         "Exit status: 0 done; 1 a step of the study failed; 2 a wrong option, a network file "
         "that cannot be read, or a server that cannot be used (nothing is left behind on it).");
     m_parser.addOptions({m_help, m_version, m_network, m_synthetic, m_server, m_user, m_password,
-                         m_database, m_keep, m_out, m_saveCase, m_quiet, m_faithful, m_group});
+                         m_database, m_keep, m_out, m_saveCase, m_report, m_quiet, m_faithful, m_group});
 }
 
 bool StudyCommandLine::invalid(const QString& why)
@@ -150,6 +156,10 @@ StudyCommandLine::Outcome StudyCommandLine::parse(const QStringList& arguments,
             return invalid(QStringLiteral("--save-case needs a file name ending in .m, not '%1'")
                                .arg(o.saveCase));
         }
+        if (m_parser.isSet(m_report) && m_parser.value(m_report).isEmpty()) {
+            return invalid(QStringLiteral("--report needs a folder"));
+        }
+        o.reportDir = m_parser.value(m_report);
         o.quiet = m_parser.isSet(m_quiet);
         o.faithfulSaveBack = m_parser.isSet(m_faithful);
         if (m_parser.isSet(m_group)) {

@@ -21,6 +21,7 @@ struct StudyOptions
     bool keep = false;
     QString outDir; // empty: no result files
     QString saveCase; // empty: no MATPOWER case of the solved network
+    QString reportDir; // empty: no report
     bool quiet = false;
     bool faithfulSaveBack = false; // the save-back's statements as the design writes them
     QString group = QStringLiteral("NEW"); // the data group the change is saved into
@@ -46,7 +47,7 @@ private:
 
     QCommandLineParser m_parser;
     QCommandLineOption m_help, m_version, m_network, m_synthetic, m_server, m_user, m_password,
-        m_database, m_keep, m_out, m_saveCase, m_quiet, m_faithful, m_group;
+        m_database, m_keep, m_out, m_saveCase, m_report, m_quiet, m_faithful, m_group;
     StudyOptions m_options;
     QString m_error;
 };

@@ -1,5 +1,7 @@
 #include "DialogDriver.h"
 
+#include "ShowDialog.h"
+
 #include <QDialog>
 #include <gtest/gtest.h>
 #include <QDir>
@@ -8,30 +10,20 @@
 #include <QPixmap>
 #include <QTableWidget>
 #include <QTest>
-#include <QTimer>
 
 namespace dialogtest {
 
 void WhenShown(QDialog* dialog, std::function<void()> user)
 {
-    QTimer::singleShot(0, dialog, [dialog, user] {
-        if (!QTest::qWaitForWindowExposed(dialog)) {
-            ADD_FAILURE_AT(__FILE__, __LINE__);
-        } else {
-            user();
-        }
-        if (dialog->isVisible()) {
-            dialog->reject();
-        }
-    });
+    gallery::WhenShown(dialog, std::move(user), [] { ADD_FAILURE() << "the dialog never showed"; });
 }
 
 void ShowAndWait(QWidget* widget)
 {
     widget->show();
     widget->activateWindow();
-    if (!QTest::qWaitForWindowExposed(widget)) {
-        ADD_FAILURE_AT(__FILE__, __LINE__);
+    if (!gallery::WaitExposed(widget)) {
+        ADD_FAILURE() << "the widget never showed";
     }
 }
 
@@ -65,7 +57,7 @@ QString ScreenshotPath(const QString& name)
 QString SaveScreenshot(QWidget* widget, const QString& name)
 {
     const QString path = ScreenshotPath(name);
-    return widget->grab().save(path) ? path : QString();
+    return gallery::SaveScreenshot(widget, path) ? path : QString();
 }
 
 } // namespace dialogtest
