@@ -252,12 +252,13 @@ protected:
             AddCurveLine(x - 4, y - 4, x + 4, y + 4, colour::outside, 2, Qt::SolidLine);
             AddCurveLine(x - 4, y + 4, x + 4, y - 4, colour::outside, 2, Qt::SolidLine);
         }
+        std::vector<QRect> placed; // names never overlap: one without room is left out
         for (int k : byExcess) {
             const ProfileBus& b = m_buses[k];
             const int x = CalculateX(k + 1), y = CalculateY(b.v - m_axes.low);
             // Above a mark over its Vmax, below one under its Vmin, inside the plot area;
-            // on the side where the curve leaves it the other way, or, when it climbs
-            // into the name on both sides, on the other side of the mark.
+            // first on the side where the curve leaves the mark the other way, or, when it
+            // climbs into the name on both sides, on the other side of the mark.
             bool above = b.v > b.vmax && y - 18 >= 20;
             auto clear = [&](int other) {
                 if (!curve || other < 0 || other >= n) {
@@ -265,12 +266,25 @@ protected:
                 }
                 return above ? m_buses[other].v <= b.v : m_buses[other].v >= b.v;
             };
-            const bool right = clear(k + 1), left = clear(k - 1);
+            bool right = clear(k + 1);
+            const bool left = clear(k - 1);
             if (!right && !left) {
                 above = !above;
+                right = true;
             }
-            const int w = TextWidth(b.name);
-            AddText(b.name, right || !left ? x + 7 : x - 7 - w, above ? y - 18 : y + 3);
+            const int w = TextWidth(b.name), h = QFontMetrics(m_font).height();
+            const QRect places[] = {
+                QRect(right ? x + 7 : x - 7 - w, above ? y - 18 : y + 3, w, h),
+                QRect(right ? x - 7 - w : x + 7, above ? y - 18 : y + 3, w, h),
+                QRect(right ? x + 7 : x - 7 - w, above ? y + 3 : y - 18, w, h)};
+            for (const QRect& r : places) {
+                if (std::none_of(placed.begin(), placed.end(),
+                                 [&](const QRect& p) { return p.intersects(r); })) {
+                    AddText(b.name, r.x(), r.y());
+                    placed.push_back(r);
+                    break;
+                }
+            }
         }
     }
 
