@@ -2,6 +2,7 @@
 
 #include "ShowDialog.h"
 
+#include "common/GbkWidth.h"
 #include "dialogs/CaseChoosers.h"
 #include "dialogs/CurveCanvas.h"
 #include "dialogs/DataTable.h"
@@ -33,6 +34,30 @@ namespace {
 QString Cancelled()
 {
     return QStringLiteral("cancelled");
+}
+
+// What the dialogs open on comes from the sample itself, so that any network shows them
+// in use: the ends of job 0's fifth AC line (its last on a smaller network) and its second
+// generator.
+struct Preset
+{
+    QString from, to, generator;
+};
+
+Preset PresetOf(QSqlDatabase* db)
+{
+    Preset p;
+    QSqlQuery q(*db);
+    q.exec(QStringLiteral("SELECT I_Name, J_Name FROM L2_0 ORDER BY EleID"));
+    for (int k = 0; k < 5 && q.next(); ++k) {
+        p.from = q.value(0).toString();
+        p.to = q.value(1).toString();
+    }
+    q.exec(QStringLiteral("SELECT ID_Name FROM L5_0 ORDER BY EleID LIMIT 2"));
+    while (q.next()) {
+        p.generator = q.value(0).toString();
+    }
+    return p;
 }
 
 // The job's AC lines as a module's grid shows them: name and ends as text, the
@@ -128,7 +153,10 @@ private:
 QString BranchChooser(Context& c)
 {
     WinDlgCalBranchChoose dlg(1, c.db, {"CDB_ACLINEBAK", "CDB_TRANS_2WBAK"});
-    char name[21] = "", i[21] = "N2", j[21] = "N4";
+    const Preset p = PresetOf(c.db);
+    char name[GbkBufferSize(kNameBytes)] = "", i[sizeof name], j[sizeof name];
+    GbkCopy(i, p.from.toLocal8Bit(), kNameBytes);
+    GbkCopy(j, p.to.toLocal8Bit(), kNameBytes);
     c.beforeExec(&dlg);
     if (dlg.ChooseBranch(name, i, j) != 0) {
         return Cancelled();
@@ -142,7 +170,7 @@ QString BranchChooser(Context& c)
 
 QString BusChooser(Context& c)
 {
-    WinDlgCalBusChoose dlg(1, 0, c.db, QStringLiteral("N5"), true);
+    WinDlgCalBusChoose dlg(1, 0, c.db, PresetOf(c.db).to, true);
     c.beforeExec(&dlg);
     return dlg.exec() == QDialog::Accepted ? QStringLiteral("bus %1").arg(dlg.GetName())
                                            : Cancelled();
@@ -151,7 +179,7 @@ QString BusChooser(Context& c)
 QString TerminalChooser(Context& c)
 {
     WinDlgCalEleTerm1Choose dlg(c.db, QStringLiteral("L5_0"), QStringLiteral("ID_Name"),
-                                QStringLiteral("G2"));
+                                PresetOf(c.db).generator);
     c.beforeExec(&dlg);
     return dlg.exec() == QDialog::Accepted
                ? QStringLiteral("%1 at node %2").arg(dlg.GetName(), dlg.GetNodeName())
@@ -232,7 +260,7 @@ QString FindOverGrid(Context& c)
     WaitExposed(&grid);
     WinDlgFindText find(&grid);
     find.setTable(grid.table_CalData);
-    find.comboBox_Text->setEditText(QStringLiteral("N4"));
+    find.comboBox_Text->setEditText(PresetOf(c.db).to);
     find.move(grid.geometry().topRight() - QPoint(find.width() / 2, -60));
     c.beforeExec(&find);
     find.exec();
