@@ -4,6 +4,7 @@
 #include "ResultFiles.h"
 #include "SampleNetwork.h"
 #include "SolvedCase.h"
+#include "ServerConnection.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 #include "loadflow/realtime/LFCalDataToRTDB.h"
 #include "loadflow/results/LFResultDataTransfer.h"
@@ -16,18 +17,37 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QVariant>
+#include <ctime>
 
 namespace demo {
+
+namespace {
+
+double ProgramCpuMs()
+{
+    timespec ts{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &ts);
+    return ts.tv_sec * 1e3 + ts.tv_nsec / 1e6;
+}
+
+} // namespace
 
 bool Study::timed(const char* step, const std::function<bool()>& work)
 {
     if (m_progress) {
         m_progress->begin(QString::fromUtf8(step));
     }
+    const double server0 = m_serverClock ? m_serverClock->seconds() : -1;
+    const double cpu0 = ProgramCpuMs();
     QElapsedTimer t;
     t.start();
     const bool ok = work();
-    m_times.push_back(StepTime{step, t.nsecsElapsed() / 1e6});
+    StepTime time{step, t.nsecsElapsed() / 1e6, ProgramCpuMs() - cpu0, -1};
+    const double server1 = server0 >= 0 ? m_serverClock->seconds() : -1;
+    if (server1 >= 0) {
+        time.serverCpuMs = (server1 - server0) * 1e3;
+    }
+    m_times.push_back(time);
     if (m_progress) {
         m_progress->end();
     }
@@ -119,6 +139,7 @@ bool Study::StoreResults()
             } while (switches.next());
         }
         CLFResultDataTransfer results(kJob, m_db, m_rtdb, false, 0);
+        results.SetWriteMode(m_writeMode);
         const int rc = results.ImportRTDBDataToLFResultDB();
         m_rtdb->commit();
         if (rc != 0) {
@@ -170,6 +191,7 @@ bool Study::ChangeAndSaveBack(const QString& group, SaveStatementMode mode)
         }
         m_rtdb->commit();
         CLFCalDataToRTDB toJob(kJob, m_db);
+        toJob.SetWriteMode(m_writeMode);
         if (toJob.UpdateLDataFromRTDB() != 0) {
             m_error = "the job tables could not be updated from the records";
             return false;

@@ -6,6 +6,7 @@
 
 #include "RecordBuilder.h"
 #include "RecordSolver.h"
+#include "common/BulkLoad.h"
 #include "common/SaveBackPattern.h"
 
 #include <QString>
@@ -16,6 +17,10 @@
 class QSqlDatabase;
 class dbDatabase;
 
+namespace dbserver {
+class ServerCpuClock;
+}
+
 namespace samples {
 struct Network;
 }
@@ -24,10 +29,13 @@ namespace demo {
 
 class Progress;
 
+// A step's elapsed time, the program's CPU time and the server's (-1: not known).
 struct StepTime
 {
     QString step;
     double ms = 0;
+    double programCpuMs = 0;
+    double serverCpuMs = -1;
 };
 
 // What a data group holds in one working copy after a save-back: its rows, and the names
@@ -46,6 +54,11 @@ public:
 
     // Steps report to `progress` (none: silent) as they go.
     void setProgress(Progress* progress) { m_progress = progress; }
+    // With a clock, each step's time says how much CPU the server spent in it.
+    void setServerClock(const dbserver::ServerCpuClock* clock) { m_serverClock = clock; }
+    // How the results and the update back write: in bulk (the default here) or with the
+    // design's statement per record.
+    void setWriteMode(RecordWriteMode mode) { m_writeMode = mode; }
 
     // Each step returns false with error() set when it fails in a way the design does not
     // foresee; the time of each step is kept.
@@ -89,6 +102,8 @@ private:
     QSqlDatabase* m_db;
     dbDatabase* m_rtdb;
     Progress* m_progress = nullptr;
+    const dbserver::ServerCpuClock* m_serverClock = nullptr;
+    RecordWriteMode m_writeMode = RecordWriteMode::Batched;
     QString m_error;
     std::vector<StepTime> m_times;
     SolveSummary m_solution;

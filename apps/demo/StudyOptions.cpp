@@ -55,7 +55,14 @@ StudyCommandLine::StudyCommandLine()
       m_group("group",
               "Save the change back into the data group NAME (default: NEW): at most 20 bytes "
               "as the base tables count them, a Chinese character counting 2.",
-              "NAME")
+              "NAME"),
+      m_faithfulStatements(
+          "faithful-statements",
+          "Send the statements as the design writes them throughout: one per record in the "
+          "update back (UpdateLDataFromRTDB) and the results (ImportRTDBDataToLFResultDB, in "
+          "its batches of 100), and the save-back's as with --faithful-saveback. Default: the "
+          "batched write mode, in which each family's rows go to the server in one bulk load "
+          "and leave the same tables, and the mended save-back.")
 {
     m_parser.setApplicationDescription(
         "Runs a whole load-flow study with the calcdata library: the network into a fresh "
@@ -65,7 +72,8 @@ StudyCommandLine::StudyCommandLine()
         "Exit status: 0 done; 1 a step of the study failed; 2 a wrong option, a network file "
         "that cannot be read, or a server that cannot be used (nothing is left behind on it).");
     m_parser.addOptions({m_help, m_version, m_network, m_synthetic, m_server, m_user, m_password,
-                         m_database, m_keep, m_out, m_saveCase, m_report, m_quiet, m_faithful, m_group});
+                         m_database, m_keep, m_out, m_saveCase, m_report, m_quiet, m_faithful, m_group,
+                         m_faithfulStatements});
 }
 
 bool StudyCommandLine::invalid(const QString& why)
@@ -161,7 +169,8 @@ StudyCommandLine::Outcome StudyCommandLine::parse(const QStringList& arguments,
         }
         o.reportDir = m_parser.value(m_report);
         o.quiet = m_parser.isSet(m_quiet);
-        o.faithfulSaveBack = m_parser.isSet(m_faithful);
+        o.faithfulStatements = m_parser.isSet(m_faithfulStatements);
+        o.faithfulSaveBack = m_parser.isSet(m_faithful) || o.faithfulStatements;
         if (m_parser.isSet(m_group)) {
             o.group = m_parser.value(m_group);
             // Refused here, before anything is made: the library would refuse it only after

@@ -25,6 +25,9 @@ struct StudyOptions
     bool quiet = false;
     bool faithfulSaveBack = false; // the save-back's statements as the design writes them
     QString group = QStringLiteral("NEW"); // the data group the change is saved into
+    // The design's statements throughout: one per record in the update back and the
+    // results, and the save-back's as written (implies faithfulSaveBack).
+    bool faithfulStatements = false;
 };
 
 class StudyCommandLine
@@ -47,7 +50,8 @@ private:
 
     QCommandLineParser m_parser;
     QCommandLineOption m_help, m_version, m_network, m_synthetic, m_server, m_user, m_password,
-        m_database, m_keep, m_out, m_saveCase, m_report, m_quiet, m_faithful, m_group;
+        m_database, m_keep, m_out, m_saveCase, m_report, m_quiet, m_faithful, m_group,
+        m_faithfulStatements;
     StudyOptions m_options;
     QString m_error;
 };

@@ -1,5 +1,6 @@
 #include "loadflow/realtime/LFCalDataToRTDB.h"
 
+#include "common/BulkLoad.h"
 #include "common/Conversions.h"
 #include "common/Feedback.h"
 #include "common/GbkWidth.h"
@@ -403,6 +404,111 @@ int CLFCalDataToRTDB::ImportLKDataToRTDB()
 
 // ---- The way back ----
 
+namespace {
+
+// What the statements of one family's batched way back are (LFRealtimeStatements.h).
+struct BatchShape
+{
+    const char* create; // with the collation of the job table's ID_Name
+    const char* fields;
+    const char* row;    // the fields of one record: the name first
+    const char* update; // with the job table
+};
+
+// The batched way back of one family: the records' rows into the work table, then the one
+// update of the family's statement shape.
+class BatchedJobUpdate
+{
+public:
+    BatchedJobUpdate(QSqlDatabase* db, const QByteArray& table, const BatchShape& shape)
+        : m_db(db), m_table(table), m_shape(shape), m_load(db, BATCH_TABLE, shape.fields)
+    {}
+
+    template <class... Values> void add(const char* name, const Values&... values)
+    {
+        m_fits = m_fits && (std::strlen(name) <= std::size_t(BATCH_NAME_CHARS) ||
+                              QString::fromLocal8Bit(name).size() <= BATCH_NAME_CHARS);
+        m_load.AddRow(m_fields(m_shape.row, name, values...));
+    }
+
+    // True when the job table got every row; false leaves it as it stood.
+    bool run()
+    {
+        if (!m_fits || !m_fields.ok() || !m_load.ok()) {
+            return false;
+        }
+        if (m_load.RowCount() == 0) {
+            return true;
+        }
+        QSqlQuery q(*m_db);
+        QByteArray collation;
+        if (ExecStatement(q, FormatText(SQL_NAME_COLLATION, m_table.constData()))) {
+            while (collation.isEmpty() && q.next()) {
+                if (q.value(0).toString().compare(QLatin1String("ID_Name"), Qt::CaseInsensitive) ==
+                    0) {
+                    collation = q.value(2).toByteArray();
+                }
+            }
+        }
+        if (collation.isEmpty()) {
+            return false;
+        }
+        ExecStatement(q, SQL_BATCH_DROP);
+        if (!ExecStatement(q, FormatText(m_shape.create, SqlWord(collation).constData()))) {
+            return false;
+        }
+        const bool ok = m_load.Load(true) &&
+                        ExecStatement(q, FormatText(m_shape.update, m_table.constData()));
+        ExecStatement(q, SQL_BATCH_DROP);
+        return ok;
+    }
+
+private:
+    QSqlDatabase* m_db;
+    QByteArray m_table;
+    BatchShape m_shape;
+    BulkFields m_fields;
+    CBulkLoad m_load;
+    bool m_fits = true;
+};
+
+// The records of class T back into `table`, after its blanket statement. `values(record,
+// send)` passes a record over (true) or gives `send` the name and values of its statement,
+// in the order of the batch row, and returns what `send` returns. In the batched mode the
+// rows go in bulk; where they cannot, and in the per-record mode, `statement(name,
+// values...)` runs the family's statement for each record from the first. False when a
+// statement failed: the records after it are not handled.
+template <class T, class Values, class Statement>
+bool backFromRecords(QSqlDatabase* db, RecordWriteMode mode, const QByteArray& table,
+                     const BatchShape& shape, Values values, Statement statement)
+{
+    dbCursor<T> cursor(dbCursorViewOnly);
+    if (cursor.select() < 1) {
+        return true;
+    }
+    if (mode == RecordWriteMode::Batched) {
+        BatchedJobUpdate batch(db, table, shape);
+        do {
+            values(*cursor, [&](const char* name, auto... v) {
+                batch.add(name, v...);
+                return true;
+            });
+        } while (cursor.next());
+        if (batch.run()) {
+            return true;
+        }
+        cursor.select();
+    }
+    do {
+        if (!values(*cursor, statement)) {
+            return false;
+        }
+    } while (cursor.next());
+    return true;
+}
+
+} // namespace
+
 int CLFCalDataToRTDB::UpdateLDataFromRTDB()
 {
     int failed = 0;
@@ -428,47 +534,48 @@ int CLFCalDataToRTDB::UpdateL2DataFromRTDB()
         warn(MSG_LN_UPDATE);
         return CALC_FAIL;
     }
-    dbCursor<ln> lines(dbCursorViewOnly);
-    if (lines.select() > 0) {
-        do {
-            const ln& r = *lines;
-            if (r.q & LN_OUTSERVICE) {
-                continue;
-            }
-            RecordName name(r.id);
-            int ntype = 0;
-            if (name.endsWith("_ac")) {
-                ntype = 1;
-            } else if (name.endsWith("_sc")) {
-                ntype = 2;
-            }
-            if (ntype) {
-                name.chop(3);
-            }
-            const int iBreak = (r.q & LN_IOPEN) ? 0 : 1;
-            const int jBreak = (r.q & LN_JOPEN) ? 0 : 1;
-            if (!update.run(SQL_LN_UPDATE, table.constData(), 1, iBreak, jBreak,
-                            SqlText(m_pDB, name.text()).constData(), ntype)) {
-                warn(MSG_LN_UPDATE);
-                return CALC_FAIL;
-            }
-        } while (lines.next());
+    const BatchShape shape{SQL_BATCH_L2_CREATE, FLD_BATCH_L2, ROW_BATCH_L2, SQL_BATCH_L2_UPDATE};
+    auto lineValues = [](const ln& r, auto&& send) {
+        if (r.q & LN_OUTSERVICE) {
+            return true;
+        }
+        RecordName name(r.id);
+        int ntype = 0;
+        if (name.endsWith("_ac")) {
+            ntype = 1;
+        } else if (name.endsWith("_sc")) {
+            ntype = 2;
+        }
+        if (ntype) {
+            name.chop(3);
+        }
+        const int iBreak = (r.q & LN_IOPEN) ? 0 : 1;
+        const int jBreak = (r.q & LN_JOPEN) ? 0 : 1;
+        return send(name.text(), ntype, 1, iBreak, jBreak);
+    };
+    auto lineStatement = [&](const char* name, int ntype, int valid, int iBreak, int jBreak) {
+        return update.run(SQL_LN_UPDATE, table.constData(), valid, iBreak, jBreak,
+                          SqlText(m_pDB, name).constData(), ntype);
+    };
+    if (!backFromRecords<ln>(m_pDB, m_writeMode, table, shape, lineValues, lineStatement)) {
+        warn(MSG_LN_UPDATE);
+        return CALC_FAIL;
     }
-    dbCursor<cp> shunts(dbCursorViewOnly);
-    if (shunts.select() > 0) {
-        do {
-            const cp& r = *shunts;
-            if (r.q & CP_OUTSERVICE) {
-                continue;
-            }
-            // Both ends follow the one bit, clear here: always 1.
-            const int brk = (r.q & CP_OUTSERVICE) ? 0 : 1;
-            if (!update.run(SQL_CP_UPDATE, table.constData(), 1, brk, brk,
-                            SqlText(m_pDB, r.id).constData(), 3)) {
-                warn(MSG_CP_UPDATE);
-                return CALC_FAIL;
-            }
-        } while (shunts.next());
+    auto shuntValues = [](const cp& r, auto&& send) {
+        if (r.q & CP_OUTSERVICE) {
+            return true;
+        }
+        // Both ends follow the one bit, clear here: always 1.
+        const int brk = (r.q & CP_OUTSERVICE) ? 0 : 1;
+        return send(r.id, 3, 1, brk, brk);
+    };
+    auto shuntStatement = [&](const char* name, int ntype, int valid, int iBreak, int jBreak) {
+        return update.run(SQL_CP_UPDATE, table.constData(), valid, iBreak, jBreak,
+                          SqlText(m_pDB, name).constData(), ntype);
+    };
+    if (!backFromRecords<cp>(m_pDB, m_writeMode, table, shape, shuntValues, shuntStatement)) {
+        warn(MSG_CP_UPDATE);
+        return CALC_FAIL;
     }
     return CALC_OK;
 }
@@ -481,33 +588,36 @@ int CLFCalDataToRTDB::UpdateL3DataFromRTDB()
         warn(MSG_XF_UPDATE);
         return CALC_FAIL;
     }
-    static const struct
-    {
-        const char* suffix;
-        int ntype;
-    } suffixes[] = {{"_2w", 1}, {"_sf", 2}, {"_3w1", 31}, {"_3w2", 32}, {"_3w3", 33}};
-    dbCursor<xf> cursor(dbCursorViewOnly);
-    if (cursor.select() > 0) {
-        do {
-            const xf& r = *cursor;
-            if (r.q & XF_OUTSERVICE) {
-                continue;
+    auto values = [](const xf& r, auto&& send) {
+        static const struct
+        {
+            const char* suffix;
+            int ntype;
+        } suffixes[] = {{"_2w", 1}, {"_sf", 2}, {"_3w1", 31}, {"_3w2", 32}, {"_3w3", 33}};
+        if (r.q & XF_OUTSERVICE) {
+            return true;
+        }
+        RecordName name(r.id);
+        int ntype = 0;
+        for (const auto& s : suffixes) {
+            if (name.endsWith(s.suffix)) {
+                ntype = s.ntype;
+                name.chop(std::strlen(s.suffix));
+                break;
             }
-            RecordName name(r.id);
-            int ntype = 0;
-            for (const auto& s : suffixes) {
-                if (name.endsWith(s.suffix)) {
-                    ntype = s.ntype;
-                    name.chop(std::strlen(s.suffix));
-                    break;
-                }
-            }
-            if (!update.run(SQL_XF_UPDATE, table.constData(), 1,
-                            SqlText(m_pDB, name.text()).constData(), ntype)) {
-                warn(MSG_XF_UPDATE);
-                return CALC_FAIL;
-            }
-        } while (cursor.next());
+        }
+        return send(name.text(), ntype, 1);
+    };
+    auto statement = [&](const char* name, int ntype, int valid) {
+        return update.run(SQL_XF_UPDATE, table.constData(), valid,
+                          SqlText(m_pDB, name).constData(), ntype);
+    };
+    if (!backFromRecords<xf>(
+            m_pDB, m_writeMode, table,
+            {SQL_BATCH_L3_CREATE, FLD_BATCH_L3, ROW_BATCH_L3, SQL_BATCH_L3_UPDATE}, values,
+            statement)) {
+        warn(MSG_XF_UPDATE);
+        return CALC_FAIL;
     }
     return CALC_OK;
 }
@@ -520,18 +630,19 @@ int CLFCalDataToRTDB::UpdateL4DataFromRTDB()
         warn(MSG_DLN_UPDATE);
         return CALC_FAIL;
     }
-    dbCursor<dln> cursor(dbCursorViewOnly);
-    if (cursor.select() > 0) {
-        do {
-            if (cursor->q & DLN_OUTSERVICE) {
-                continue;
-            }
-            if (!update.run(SQL_DLN_UPDATE, table.constData(), 1,
-                            SqlText(m_pDB, cursor->id).constData())) {
-                warn(MSG_DLN_UPDATE);
-                return CALC_FAIL;
-            }
-        } while (cursor.next());
+    auto values = [](const dln& r, auto&& send) {
+        return (r.q & DLN_OUTSERVICE) ? true : send(r.id, 1);
+    };
+    auto statement = [&](const char* name, int valid) {
+        return update.run(SQL_DLN_UPDATE, table.constData(), valid,
+                          SqlText(m_pDB, name).constData());
+    };
+    if (!backFromRecords<dln>(
+            m_pDB, m_writeMode, table,
+            {SQL_BATCH_L4_CREATE, FLD_BATCH_L4, ROW_BATCH_L4, SQL_BATCH_L4_UPDATE}, values,
+            statement)) {
+        warn(MSG_DLN_UPDATE);
+        return CALC_FAIL;
     }
     return CALC_OK;
 }
@@ -544,19 +655,19 @@ int CLFCalDataToRTDB::UpdateL5DataFromRTDB()
         warn(MSG_UN_UPDATE);
         return CALC_FAIL;
     }
-    dbCursor<un> cursor(dbCursorViewOnly);
-    if (cursor.select() > 0) {
-        do {
-            const un& r = *cursor;
-            if (r.q & UN_OUTSERVICE) {
-                continue;
-            }
-            if (!update.run(SQL_UN_UPDATE, table.constData(), 1, r.Pg, r.Qg, r.V0, r.Angle,
-                            SqlText(m_pDB, r.id).constData())) {
-                warn(MSG_UN_UPDATE);
-                return CALC_FAIL;
-            }
-        } while (cursor.next());
+    auto values = [](const un& r, auto&& send) {
+        return (r.q & UN_OUTSERVICE) ? true : send(r.id, 1, r.Pg, r.Qg, r.V0, r.Angle);
+    };
+    auto statement = [&](const char* name, int valid, float pg, float qg, float v0, float angle) {
+        return update.run(SQL_UN_UPDATE, table.constData(), valid, pg, qg, v0, angle,
+                          SqlText(m_pDB, name).constData());
+    };
+    if (!backFromRecords<un>(
+            m_pDB, m_writeMode, table,
+            {SQL_BATCH_L56_CREATE, FLD_BATCH_L56, ROW_BATCH_L56, SQL_BATCH_L5_UPDATE}, values,
+            statement)) {
+        warn(MSG_UN_UPDATE);
+        return CALC_FAIL;
     }
     return CALC_OK;
 }
@@ -569,19 +680,19 @@ int CLFCalDataToRTDB::UpdateL6DataFromRTDB()
         warn(MSG_LD_UPDATE);
         return CALC_FAIL;
     }
-    dbCursor<ld> cursor(dbCursorViewOnly);
-    if (cursor.select() > 0) {
-        do {
-            const ld& r = *cursor;
-            if (r.q & LD_OUTSERVICE) {
-                continue;
-            }
-            if (!update.run(SQL_LD_UPDATE, table.constData(), 1, r.Pl, r.Ql, r.V0, r.Angle,
-                            SqlText(m_pDB, r.id).constData())) {
-                warn(MSG_LD_UPDATE);
-                return CALC_FAIL;
-            }
-        } while (cursor.next());
+    auto values = [](const ld& r, auto&& send) {
+        return (r.q & LD_OUTSERVICE) ? true : send(r.id, 1, r.Pl, r.Ql, r.V0, r.Angle);
+    };
+    auto statement = [&](const char* name, int valid, float pl, float ql, float v0, float angle) {
+        return update.run(SQL_LD_UPDATE, table.constData(), valid, pl, ql, v0, angle,
+                          SqlText(m_pDB, name).constData());
+    };
+    if (!backFromRecords<ld>(
+            m_pDB, m_writeMode, table,
+            {SQL_BATCH_L56_CREATE, FLD_BATCH_L56, ROW_BATCH_L56, SQL_BATCH_L6_UPDATE}, values,
+            statement)) {
+        warn(MSG_LD_UPDATE);
+        return CALC_FAIL;
     }
     return CALC_OK;
 }
@@ -594,28 +705,31 @@ int CLFCalDataToRTDB::UpdateLKDataFromRTDB()
         warn(MSG_CB_UPDATE);
         return CALC_FAIL;
     }
-    dbCursor<cb> cursor(dbCursorViewOnly);
-    if (cursor.select() > 0) {
-        do {
-            const cb& r = *cursor;
-            if (r.q & CB_OUTSERVICE) {
-                continue;
-            }
-            RecordName name(r.id);
-            int ntype = 2;
-            if (name.endsWith("_brk")) {
-                ntype = 1;
-                name.chop(4);
-            } else {
-                name.chop(3); // "_sw" or whatever else stands there
-            }
-            const int lbreak = (r.q & CB_OPEN) ? 0 : 1;
-            if (!update.run(SQL_CB_UPDATE, table.constData(), 1, lbreak,
-                            SqlText(m_pDB, name.text()).constData(), ntype)) {
-                warn(MSG_CB_UPDATE);
-                return CALC_FAIL;
-            }
-        } while (cursor.next());
+    auto values = [](const cb& r, auto&& send) {
+        if (r.q & CB_OUTSERVICE) {
+            return true;
+        }
+        RecordName name(r.id);
+        int ntype = 2;
+        if (name.endsWith("_brk")) {
+            ntype = 1;
+            name.chop(4);
+        } else {
+            name.chop(3); // "_sw" or whatever else stands there
+        }
+        const int lbreak = (r.q & CB_OPEN) ? 0 : 1;
+        return send(name.text(), ntype, 1, lbreak);
+    };
+    auto statement = [&](const char* name, int ntype, int valid, int lbreak) {
+        return update.run(SQL_CB_UPDATE, table.constData(), valid, lbreak,
+                          SqlText(m_pDB, name).constData(), ntype);
+    };
+    if (!backFromRecords<cb>(
+            m_pDB, m_writeMode, table,
+            {SQL_BATCH_LK_CREATE, FLD_BATCH_LK, ROW_BATCH_LK, SQL_BATCH_LK_UPDATE}, values,
+            statement)) {
+        warn(MSG_CB_UPDATE);
+        return CALC_FAIL;
     }
     return CALC_OK;
 }

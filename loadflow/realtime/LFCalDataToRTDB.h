@@ -6,6 +6,8 @@
 // Nothing here commits: the calling module commits or rolls back, on the thread that is
 // attached to the real-time database.
 
+#include "common/BulkLoad.h"
+
 class QSqlDatabase;
 
 class CLFCalDataToRTDB
@@ -24,6 +26,12 @@ public:
     int ImportL6DataToRTDB();
     int ImportLKDataToRTDB();
 
+    // The way back sends the design's statement per record unless the caller asks for the
+    // batched mode (common/BulkLoad.h), in which each family's records go in bulk and its
+    // job table ends the same.
+    void SetWriteMode(RecordWriteMode mode) { m_writeMode = mode; }
+    RecordWriteMode WriteMode() const { return m_writeMode; }
+
     int UpdateLDataFromRTDB();
     int UpdateL1DataFromRTDB();
     int UpdateL2DataFromRTDB();
@@ -40,4 +48,5 @@ public:
 private:
     QSqlDatabase* m_pDB;
     int m_nJobNumber;
+    RecordWriteMode m_writeMode = RecordWriteMode::PerRecord;
 };

@@ -85,6 +85,62 @@ constexpr const char* SQL_LD_UPDATE =
 constexpr const char* SQL_CB_UPDATE =
     "UPDATE %s SET Valid=%d,Lbreak=%d WHERE ID_Name='%s' AND Ntype=%d ";
 
+// ---- Back into the job tables in the batched write mode ----
+// A family's records go into the temporary table TJobUpdate, keyed as the statements above
+// match rows, the last record of a key replacing those before it (a load with REPLACE),
+// and from there into the job table by one update per statement shape. The name column
+// takes the job table's own collation, so that names compare as the statements compare
+// them; the values of "%f" stay text, which the server turns into the column's type as it
+// turns the statements' literals. Names longer than the work table's 255 characters
+// cannot go this way (no job row holds one).
+constexpr int BATCH_NAME_CHARS = 255;
+constexpr const char* SQL_NAME_COLLATION = "SHOW FULL COLUMNS FROM %s LIKE 'ID_Name'";
+constexpr const char* SQL_BATCH_DROP = "DROP TEMPORARY TABLE IF EXISTS TJobUpdate";
+constexpr const char* BATCH_TABLE = "TJobUpdate";
+// Lines and shunts (one shape: the two statements differ in blanks only).
+constexpr const char* SQL_BATCH_L2_CREATE =
+    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(255) COLLATE %s NOT NULL, NType INT NOT "
+    "NULL, Valid INT, I_Break INT, J_Break INT, PRIMARY KEY (ID_Name, NType))";
+constexpr const char* FLD_BATCH_L2 = "ID_Name,NType,Valid,I_Break,J_Break";
+constexpr const char* ROW_BATCH_L2 = "'%s',%d,%d,%d,%d";
+constexpr const char* SQL_BATCH_L2_UPDATE =
+    "UPDATE %s a JOIN TJobUpdate b ON a.ID_Name=b.ID_Name AND a.NType=b.NType SET "
+    "a.Valid=b.Valid,a.I_Break=b.I_Break,a.J_Break=b.J_Break";
+constexpr const char* SQL_BATCH_L3_CREATE =
+    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(255) COLLATE %s NOT NULL, NType INT NOT "
+    "NULL, Valid INT, PRIMARY KEY (ID_Name, NType))";
+constexpr const char* FLD_BATCH_L3 = "ID_Name,NType,Valid";
+constexpr const char* ROW_BATCH_L3 = "'%s',%d,%d";
+constexpr const char* SQL_BATCH_L3_UPDATE =
+    "UPDATE %s a JOIN TJobUpdate b ON a.ID_Name=b.ID_Name AND a.NType=b.NType SET a.Valid=b.Valid";
+constexpr const char* SQL_BATCH_L4_CREATE =
+    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(255) COLLATE %s NOT NULL, Valid INT, "
+    "PRIMARY KEY (ID_Name))";
+constexpr const char* FLD_BATCH_L4 = "ID_Name,Valid";
+constexpr const char* ROW_BATCH_L4 = "'%s',%d";
+constexpr const char* SQL_BATCH_L4_UPDATE =
+    "UPDATE %s a JOIN TJobUpdate b ON a.ID_Name=b.ID_Name SET a.Valid=b.Valid";
+// Generators and loads: the operating point as the text of "%f".
+constexpr const char* SQL_BATCH_L56_CREATE =
+    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(255) COLLATE %s NOT NULL, Valid INT, P "
+    "VARCHAR(64), Q VARCHAR(64), V0 VARCHAR(64), Angle VARCHAR(64), PRIMARY KEY (ID_Name))";
+constexpr const char* FLD_BATCH_L56 = "ID_Name,Valid,P,Q,V0,Angle";
+constexpr const char* ROW_BATCH_L56 = "'%s',%d,%f,%f,%f,%f";
+constexpr const char* SQL_BATCH_L5_UPDATE =
+    "UPDATE %s a JOIN TJobUpdate b ON a.ID_Name=b.ID_Name SET a.Valid=b.Valid,a.Pg=b.P,a.Qg=b.Q,"
+    "a.V0=b.V0,a.Angle=b.Angle";
+constexpr const char* SQL_BATCH_L6_UPDATE =
+    "UPDATE %s a JOIN TJobUpdate b ON a.ID_Name=b.ID_Name SET a.Valid=b.Valid,a.Pl=b.P,a.Ql=b.Q,"
+    "a.V0=b.V0,a.Angle=b.Angle";
+constexpr const char* SQL_BATCH_LK_CREATE =
+    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(255) COLLATE %s NOT NULL, Ntype INT NOT "
+    "NULL, Valid INT, Lbreak INT, PRIMARY KEY (ID_Name, Ntype))";
+constexpr const char* FLD_BATCH_LK = "ID_Name,Ntype,Valid,Lbreak";
+constexpr const char* ROW_BATCH_LK = "'%s',%d,%d,%d";
+constexpr const char* SQL_BATCH_LK_UPDATE =
+    "UPDATE %s a JOIN TJobUpdate b ON a.ID_Name=b.ID_Name AND a.Ntype=b.Ntype SET "
+    "a.Valid=b.Valid,a.Lbreak=b.Lbreak";
+
 // Warnings of the way back: a modal box captioned "warning".
 constexpr const char* BOX_CAPTION = "warning";
 constexpr const char* MSG_LN_UPDATE = "实时数据库数据更新线路计算数据表发生错误！";

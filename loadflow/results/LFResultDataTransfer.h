@@ -4,6 +4,7 @@
 // left them. The two drivers do not pass on their families' failures: a caller learns of
 // those from the messages.
 
+#include "common/BulkLoad.h"
 #include "common/GbkWidth.h"
 
 #include <QByteArray>
@@ -37,6 +38,11 @@ public:
     int ImportLFResultDataToRTDB();
     // The solution in the records into the result tables; 1 only when there is no kv.
     int ImportRTDBDataToLFResultDB();
+    // The results go in the design's batches of 100 and statements per record unless the
+    // caller asks for the batched mode (common/BulkLoad.h), in which each family's rows go
+    // in one bulk load and the tables end the same.
+    void SetWriteMode(RecordWriteMode mode) { m_writeMode = mode; }
+    RecordWriteMode WriteMode() const { return m_writeMode; }
 
 private:
     int ImportBus_RDataToRTDB();
@@ -83,4 +89,5 @@ private:
     int m_caseNo;
     QList<SKV>* m_pKVList;
     dbDatabase* m_pRTDB;
+    RecordWriteMode m_writeMode = RecordWriteMode::PerRecord;
 };

@@ -127,6 +127,9 @@ constexpr const char* MSG_X_T3W =
 constexpr const char* SQL_BREAKER_ROW =
     "INSERT INTO %s SET Case_No=%d,ID_Name='%s',I_Name='%s',J_Name='%s',P=%f,Q=%f,V=%f ";
 constexpr const char* BOX_CAPTION = "warning";
+// In the batched mode: the same values as rows of one load.
+constexpr const char* FLD_BREAKER_BULK = "Case_No,ID_Name,I_Name,J_Name,P,Q,V";
+constexpr const char* ROW_BREAKER_BULK = "%d,'%s','%s','%s',%f,%f,%f";
 constexpr const char* MSG_BREAKER_ROW = "导入开关结果数据失败";
 
 // DC lines: one statement per record, the fifty-two values named one by one.
@@ -134,5 +137,11 @@ constexpr const char* SQL_DCLINE_ROW_HEAD =
     "INSERT INTO %s SET Case_No=%d,ID_Name='%s',I_Name='%s',J_Name='%s',ID_No=%d,Owner=%d,"
     "OP_Mode=%d,";
 constexpr const char* SQL_DCLINE_ROW_LFR_TAIL = ",ibs=%d,zbs=%d,q=%d,topflags=%d";
+// In the batched mode: the same values as rows of one load, the fifty-two between head and
+// tail.
+constexpr const char* FLD_DCLINE_BULK_HEAD = "Case_No,ID_Name,I_Name,J_Name,ID_No,Owner,OP_Mode";
+constexpr const char* ROW_DCLINE_BULK_HEAD = "%d,'%s','%s','%s',%d,%d,%d,";
+constexpr const char* FLD_DCLINE_BULK_LFR_TAIL = ",ibs,zbs,q,topflags";
+constexpr const char* ROW_DCLINE_BULK_LFR_TAIL = "%d,%d,%d,%d";
 
 } // namespace lfr

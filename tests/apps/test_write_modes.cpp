@@ -1,0 +1,315 @@
+// The batched write mode against the design's statements: the same job and the same records
+// written both ways into two databases of one network must leave every table the same, with
+// the same messages, boxes and results, faults included.
+
+#include "DbTest.h"
+#include "RecordBuilder.h"
+#include "SampleNetwork.h"
+#include "TableSnapshots.h"
+#include "loadflow/jobdata/LFCalDataTransfer.h"
+#include "loadflow/realtime/LFCalDataToRTDB.h"
+#include "loadflow/results/LFResultDataTransfer.h"
+#include "records/NetworkRecords.h"
+#include "records/RecordFlags.h"
+
+#include <QSqlRecord>
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+
+using namespace dtsdb;
+using testsupport::Box;
+using testsupport::DbTest;
+
+namespace {
+
+// Every record of class T changed by `change(record, position)`.
+template <class T, class Change> void ChangeAll(Change change)
+{
+    dbCursor<T> c(dbCursorForUpdate);
+    int i = 0;
+    if (c.select() > 0) {
+        do {
+            change(*c, i++);
+            c.update();
+        } while (c.next());
+    }
+}
+
+// Values whose "%f" or "%12.9f" text lies on a tie or rounds a negative to zero, and
+// flags that put records out of service, open their ends and take them out of topology.
+float Tricky(int i)
+{
+    return float((i % 97) * 0.0078125 - 0.37 + (i % 5 == 0 ? -1e-9 : 0));
+}
+
+void Perturb()
+{
+    ChangeAll<bs>([](bs& r, int i) {
+        r.V = 1 + (i % 13) * 0.0009765625;
+        r.Angle = -(i % 29) * 0.0078125;
+    });
+    ChangeAll<ln>([](ln& r, int i) {
+        r.Pi = Tricky(i), r.Qi = Tricky(i + 1), r.Pj = -Tricky(i + 2), r.Qci = Tricky(i + 3);
+        r.q ^= (i % 7 == 0 ? LN_OUTSERVICE : 0) | (i % 5 == 1 ? LN_IOPEN : 0) |
+               (i % 6 == 2 ? LN_JOPEN : 0);
+        r.topflags |= i % 11 == 0 ? LN_TOP_INVALID : 0;
+    });
+    ChangeAll<xf>([](xf& r, int i) {
+        r.Pi = Tricky(i), r.Pj = Tricky(i + 4), r.Tk = 1 + Tricky(i) / 8;
+        r.q ^= i % 9 == 0 ? XF_OUTSERVICE : 0;
+        r.topflags |= i % 4 == 3 ? XF_TOP_INVALID : 0;
+    });
+    ChangeAll<un>([](un& r, int i) {
+        r.Pg = Tricky(i), r.Qg = Tricky(i + 7), r.V0 = 1 + Tricky(i) / 4, r.Angle = Tricky(i);
+        r.q ^= i % 3 == 2 ? UN_OUTSERVICE : 0;
+    });
+    ChangeAll<ld>([](ld& r, int i) {
+        r.Pl = Tricky(i + 1), r.Ql = -Tricky(i), r.Angle = Tricky(i + 3);
+        r.q ^= i % 4 == 1 ? LD_OUTSERVICE : 0;
+    });
+    ChangeAll<cb>([](cb& r, int i) {
+        r.q |= CB_TESTED | (i % 3 == 0 ? CB_OPEN : 0);
+        r.P = Tricky(i);
+    });
+    ChangeAll<dln>([](dln& r, int i) { r.Id10 = Tricky(i), r.q ^= i % 2 ? DLN_OUTSERVICE : 0; });
+}
+
+// The rows of `sql` on `db`, columns joined by '|'.
+std::vector<std::string> RowsOf(QSqlDatabase db, const QString& sql)
+{
+    QSqlQuery q(db);
+    EXPECT_TRUE(q.exec(sql)) << sql.toStdString();
+    std::vector<std::string> rows;
+    while (q.next()) {
+        QStringList v;
+        for (int c = 0; c < q.record().count(); ++c) {
+            v << q.value(c).toString();
+        }
+        rows.push_back(v.join('|').toStdString());
+    }
+    return rows;
+}
+
+// Records the statements must treat as the design does: two that name one job row (the
+// last wins, a trailing blank and an upper-case suffix included), a name of the longest
+// Chinese text its column holds, and one with a quote and a backslash. Gives the name of
+// the AC line that two records name.
+QByteArray AddNamingRecords()
+{
+    for (const char* id : {"G1", "G2 ", "名字名字名字名字名字", "O'K\\9"}) {
+        un g;
+        g.id = id;
+        g.Pg = id[0] == 'G' ? 7.25f : 0.5f;
+        EXPECT_TRUE(g.dbDescriptor.getDatabase()->insertRecord(&un::dbDescriptor, nullptr, &g));
+    }
+    dbCursor<ln> first;
+    dbQuery q;
+    q = "lntype=", 1;
+    EXPECT_GT(first.select(q), 0);
+    const QByteArray name = QByteArray(first->id).chopped(3);
+    const QByteArray id = name + "_AC";
+    ln l;
+    l.id = id.constData();
+    l.lntype = 1;
+    l.q = LN_JOPEN;
+    EXPECT_TRUE(l.dbDescriptor.getDatabase()->insertRecord(&ln::dbDescriptor, nullptr, &l));
+    return name;
+}
+
+// One network in two databases, extracted into job 0 in each; the records built from the
+// first. Job rows for the naming records stand in both.
+struct TwoCopies
+{
+    dbserver::ScratchDatabase perRecord{QStringLiteral("wmodes")};
+    dbserver::ScratchDatabase batched{QStringLiteral("wmodes")};
+    dbDatabase rtdb;
+    QByteArray lineOfTwo;
+
+    void Prepare(const samples::Network& net, bool otherFamilies)
+    {
+        ASSERT_TRUE(perRecord.ok() && batched.ok() && rtdb.open("wmodes"));
+        for (dbserver::ScratchDatabase* s : {&perRecord, &batched}) {
+            QString error;
+            char scheme[] = "S";
+            ASSERT_TRUE(samples::WriteNetworkToBaseDb(s->db(), net, "G", "S", error) &&
+                        (!otherFamilies || samples::AddOtherFamilies(s->db(), "G", error)))
+                << error.toStdString();
+            ASSERT_EQ(CLFCalDataTransfer(0, scheme, s->db(), nullptr).ImportLDataFromBaseDB(), 0);
+            ASSERT_TRUE(s->exec("INSERT INTO L5_0 (ID_Name, Valid) VALUES ('名字名字名字名字名字', "
+                                "1), ('O''K\\\\9', 1)"));
+        }
+        demo::RecordCounts counts;
+        QString error;
+        ASSERT_TRUE(demo::BuildNetworkRecords(perRecord.db(), 0, &rtdb, counts, error));
+        ASSERT_EQ(CLFCalDataToRTDB(0, perRecord.db()).ImportLDataToRTDB(), 0);
+        Perturb();
+        lineOfTwo = AddNamingRecords();
+        rtdb.commit();
+    }
+
+    // `write(db, mode)` on each copy in its mode; what each showed and returned must agree.
+    // Gives what the batched run showed: messages as "level text", boxes as "caption: text".
+    std::vector<std::string> WriteBoth(const std::function<int(QSqlDatabase*, RecordWriteMode)>& write)
+    {
+        std::vector<std::string> shown[2];
+        int rc[2];
+        for (int k = 0; k < 2; ++k) {
+            testsupport::FeedbackRecorder::instance().clear();
+            testsupport::BoxRecorder::instance().clear();
+            rc[k] = write(k ? batched.db() : perRecord.db(),
+                          k ? RecordWriteMode::Batched : RecordWriteMode::PerRecord);
+            shown[k] = testsupport::Texts(testsupport::FeedbackRecorder::instance().messages());
+            for (const Box& b : testsupport::BoxRecorder::instance().boxes()) {
+                shown[k].push_back((b.caption + ": " + b.text).toStdString());
+            }
+        }
+        EXPECT_EQ(rc[1], rc[0]);
+        EXPECT_EQ(shown[1], shown[0]);
+        return shown[1];
+    }
+
+    // Every table of the two databases by checksum; the rows of a table that differs.
+    void ExpectSameTables()
+    {
+        const QStringList tables = testsupport::TablesLike(*perRecord.db(), "%");
+        ASSERT_EQ(testsupport::TablesLike(*batched.db(), "%"), tables);
+        const auto a = testsupport::Checksums(*perRecord.db(), tables);
+        const auto b = testsupport::Checksums(*batched.db(), tables);
+        for (const QString& t : tables) {
+            const std::string name = t.toUpper().toStdString();
+            if (a.at(name) != b.at(name)) {
+                ADD_FAILURE() << t.toStdString() << " differs:\n" << RowDiff(t);
+            }
+        }
+    }
+
+    std::string RowDiff(const QString& table)
+    {
+        std::vector<std::string> rows[2];
+        for (int k = 0; k < 2; ++k) {
+            QSqlQuery q(*(k ? batched.db() : perRecord.db()));
+            q.exec("SELECT * FROM " + table);
+            while (q.next()) {
+                QStringList v;
+                for (int c = 0; c < q.record().count(); ++c) {
+                    v << q.value(c).toString();
+                }
+                rows[k].push_back(v.join('|').toStdString());
+            }
+            std::sort(rows[k].begin(), rows[k].end());
+        }
+        std::vector<std::string> only[2];
+        std::set_difference(rows[0].begin(), rows[0].end(), rows[1].begin(), rows[1].end(),
+                            std::back_inserter(only[0]));
+        std::set_difference(rows[1].begin(), rows[1].end(), rows[0].begin(), rows[0].end(),
+                            std::back_inserter(only[1]));
+        std::string out;
+        for (int k = 0; k < 2; ++k) {
+            for (std::size_t i = 0; i < std::min<std::size_t>(only[k].size(), 5); ++i) {
+                out += (k ? "  batched:    " : "  per record: ") + only[k][i] + "\n";
+            }
+        }
+        return out;
+    }
+};
+
+int UpdateBack(QSqlDatabase* db, RecordWriteMode mode)
+{
+    CLFCalDataToRTDB job(0, db);
+    job.SetWriteMode(mode);
+    return job.UpdateLDataFromRTDB();
+}
+
+int WriteResults(QSqlDatabase* db, RecordWriteMode mode, bool optimal)
+{
+    dbDatabase* rtdb = cb::dbDescriptor.getDatabase();
+    CLFResultDataTransfer results(optimal ? 2 : 1, db, rtdb, optimal, 0);
+    results.SetWriteMode(mode);
+    const int rc = results.ImportRTDBDataToLFResultDB();
+    rtdb->rollback(); // the switch flows it wrote, so that the next run starts alike
+    return rc;
+}
+
+samples::Network Read(const char* file)
+{
+    samples::Network net;
+    QString error;
+    EXPECT_TRUE(samples::ReadNetworkJson(QString(CALCDATA_SAMPLES_DIR "/") + file, net, error));
+    return net;
+}
+
+} // namespace
+
+class WriteModes : public DbTest, public ::testing::WithParamInterface<const char*>
+{};
+
+TEST_P(WriteModes, BatchedWritesLeaveEveryTableAsTheStatementsDo)
+{
+    const std::string name = GetParam();
+    const bool synthetic = name == "synthetic";
+    TwoCopies copies;
+    ASSERT_NO_FATAL_FAILURE(copies.Prepare(
+        synthetic ? samples::MakeSyntheticNetwork(10000) : Read(GetParam()), synthetic));
+    copies.WriteBoth(UpdateBack);
+    copies.WriteBoth([](QSqlDatabase* db, RecordWriteMode m) { return WriteResults(db, m, false); });
+    copies.WriteBoth([](QSqlDatabase* db, RecordWriteMode m) { return WriteResults(db, m, true); });
+    copies.ExpectSameTables();
+    // The last of two records of one row wins; the names arrive whole.
+    QSqlDatabase db = *copies.batched.db();
+    EXPECT_EQ(RowsOf(db, "SELECT ID_Name, Valid, Pg FROM L5_0 WHERE ID_Name IN ('G1', 'G2', "
+                         "'名字名字名字名字名字', 'O''K\\\\9') ORDER BY Pg, ID_Name"),
+              (std::vector<std::string>{"O'K\\9|1|0.5", "名字名字名字名字名字|1|0.5", "G1|1|7.25",
+                                        "G2|1|7.25"}));
+    EXPECT_EQ(RowsOf(db, "SELECT Valid, I_Break, J_Break FROM L2_0 WHERE NType=1 AND ID_Name='" +
+                             QString(copies.lineOfTwo) + "'"),
+              (std::vector<std::string>{"1|1|0"}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Networks, WriteModes,
+                         ::testing::Values("ieee14.json", "ieee30.json", "features.json",
+                                           "synthetic"),
+                         [](const auto& info) {
+                             return QString(info.param).section('.', 0, 0).toStdString();
+                         });
+
+// A family whose statement fails: a table that is not there, or a generator whose power is
+// not finite, which no statement can carry. Both modes leave, show and return the same, and
+// what the statements leave stands as derived by hand.
+TEST_F(WriteModes, FailingFamiliesEndAsTheirStatementsEnd)
+{
+    TwoCopies copies;
+    ASSERT_NO_FATAL_FAILURE(copies.Prepare(Read("ieee14.json"), false));
+    for (dbserver::ScratchDatabase* s : {&copies.perRecord, &copies.batched}) {
+        ASSERT_TRUE(s->exec("DROP TABLE L4_0") && s->exec("DROP TABLE LFR_PCR_R"));
+    }
+    ChangeAll<un>([](un& r, int) {
+        r.q &= ~UN_OUTSERVICE;
+        if (std::strcmp(r.id, "G3") == 0) {
+            r.Qg = std::numeric_limits<float>::infinity();
+        }
+    });
+    copies.rtdb.commit();
+    EXPECT_EQ(copies.WriteBoth(UpdateBack),
+              (std::vector<std::string>{"warning: 实时数据库数据更新发电机计算数据表发生错误！",
+                                        "warning: 实时数据库数据更新直流线计算数据表发生错误！"}));
+    const std::vector<std::string> shown = copies.WriteBoth(
+        [](QSqlDatabase* db, RecordWriteMode m) { return WriteResults(db, m, false); });
+    copies.ExpectSameTables();
+    // The shunts' and generators' one batch each refused, told by the family's message and
+    // a box; G3's infinite power also reaches its breaker's flow, whose row is refused.
+    ASSERT_EQ(shown.size(), 5u);
+    EXPECT_EQ(shown[0], "2 并联电容电抗器结果数据回存到结果库发生错误，可能存在正序阻抗为0的并联"
+                        "电容电抗器导致功率无穷大,\n请数据检查后再计算！");
+    EXPECT_EQ(shown[1], "2 发电机结果数据回存到结果库发生错误，\n请数据检查后再计算！");
+    EXPECT_EQ(shown[2].rfind("Fail: Fail to excute SQL:insert into LFR_PCR_R(", 0), 0u);
+    EXPECT_EQ(shown[3].rfind("Fail: Fail to excute SQL:insert into LFR_GEN_R(", 0), 0u);
+    EXPECT_EQ(shown[4], "warning: 导入开关结果数据失败");
+    QSqlDatabase db = *copies.batched.db();
+    // The generators before G3 (in record order) were set, G3 and the rest not.
+    EXPECT_EQ(RowsOf(db, "SELECT ID_Name, Valid FROM L5_0 WHERE ID_Name LIKE 'G_' ORDER BY "
+                         "ID_Name"),
+              (std::vector<std::string>{"G1|1", "G2|1", "G3|0", "G4|0", "G5|0"}));
+    EXPECT_EQ(RowsOf(db, "SELECT COUNT(*) FROM LFR_GEN_R"), (std::vector<std::string>{"0"}));
+}
