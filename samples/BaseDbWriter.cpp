@@ -1,13 +1,14 @@
 #include "SampleNetwork.h"
 
+#include "common/BulkLoad.h"
 #include "common/Feedback.h"
-#include "common/SQLMultiInsert.h"
 
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <complex>
 #include <map>
@@ -16,9 +17,13 @@
 namespace samples {
 namespace {
 
+// A number with the twelve significant digits of printf's "%.12g".
 QByteArray num(double v)
 {
-    return QByteArray::number(v, 'g', 12);
+    char buffer[32];
+    const std::to_chars_result r =
+        std::to_chars(buffer, buffer + sizeof buffer, v, std::chars_format::general, 12);
+    return QByteArray(buffer, r.ptr - buffer);
 }
 
 // A generator limit as the tables hold it: an unbounded one (infinite) as the stand-in.
@@ -40,20 +45,41 @@ QString nameOr(const QString& given, const char* prefix, int k)
     return given.isEmpty() ? QString("%1%2").arg(QLatin1String(prefix)).arg(k) : given;
 }
 
-// One table's rows through the library's batched insert.
+// One table's rows, in one bulk load of the library: the values as a statement would hold
+// them (names as literal() gives them, numbers bare), each one field of the load.
 class Rows
 {
 public:
-    Rows(QSqlDatabase* db, const char* table, const char* fields) : m_ins(db, 500)
+    Rows(QSqlDatabase* db, const char* table, const char* fields)
+        : m_load(db, table, fields), m_backslash(SqlText(db, "\\").size() == 2)
+    {}
+    void add(const QList<QByteArray>& values)
     {
-        m_ins.SetTableName(table);
-        m_ins.SetFldNamelst(fields);
+        QByteArray row;
+        for (const QByteArray& v : values) {
+            row += m_fields("%s", v.startsWith('\'') ? unquoted(v) : v);
+        }
+        m_load.AddRow(row);
     }
-    void add(const QList<QByteArray>& values) { m_ins.AddRecord(values.join(",")); }
-    bool flush() { return m_ins.exec(); }
+    bool flush() { return m_fields.ok() && m_load.Load(); }
 
 private:
-    SQLMultiInsert m_ins;
+    // A literal back as the name it holds: its doubled quotes, and its doubled backslashes
+    // where the session escapes them, single again.
+    QByteArray unquoted(const QByteArray& v) const
+    {
+        QByteArray out;
+        for (qsizetype i = 1; i + 1 < v.size(); ++i) {
+            if ((v[i] == '\'' || (v[i] == '\\' && m_backslash)) && v[i + 1] == v[i]) {
+                ++i;
+            }
+            out += v[i];
+        }
+        return out;
+    }
+    BulkFields m_fields;
+    CBulkLoad m_load;
+    bool m_backslash; // the session reads a backslash as an escape
 };
 
 } // namespace
