@@ -9,6 +9,12 @@
 #include <benchmark/benchmark.h>
 #include <functional>
 #include <memory>
+#include <string>
+#include <vector>
+
+namespace dbserver {
+class ServerCpuClock;
+}
 
 namespace serverbench {
 
@@ -47,5 +53,22 @@ struct ClientAndServer
         }
     }
 };
+
+// Ways of doing one thing, run in turn within each iteration, in an order that turns from
+// one call to the next (the machine is shared, so the ways meet the same load): each after
+// its `before` (untimed). Counters, for each way: "<name>_s" its elapsed seconds,
+// "<name>_cpu_s" this thread's CPU seconds, "<name>_server_cpu_s" the server's CPU seconds
+// (where the clock can read them), and for each way after the first "<name>_to_<first>",
+// its elapsed time over the first's. With repetitions, the
+// aggregates give each counter's median, least, greatest and spread. A way whose `run`
+// returns false ends the benchmark with an error.
+struct Way
+{
+    std::string name;
+    std::function<bool()> run;
+    std::function<void()> before = {};
+};
+void WaysInTurn(benchmark::State& state, const dbserver::ServerCpuClock& server,
+                const std::vector<Way>& ways);
 
 } // namespace serverbench

@@ -3,10 +3,12 @@
 // growth of each benchmark between its sizes, from the medians of its repetitions. The
 // table is printed plain (no colours, counters as name=value) so that logs keep it.
 
+#include "BenchStats.h"
 #include "ServerBench.h"
 #include "ServerConnection.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <map>
@@ -96,6 +98,52 @@ namespace serverbench {
 void ReleaseAtEnd(std::function<void()> release)
 {
     releases().push_back(std::move(release));
+}
+
+void WaysInTurn(benchmark::State& state, const dbserver::ServerCpuClock& server,
+                const std::vector<Way>& ways)
+{
+    static std::size_t turn = 0;
+    const std::size_t n = ways.size();
+    std::vector<double> wall(n), cpu(n), serverCpu(n);
+    bool ok = true;
+    for (auto _ : state) {
+        for (std::size_t k = 0; k < n; ++k) {
+            const std::size_t w = (k + turn) % n;
+            state.PauseTiming();
+            if (ways[w].before) {
+                ways[w].before();
+            }
+            const double server0 = server.seconds();
+            state.ResumeTiming();
+            QElapsedTimer timer;
+            timer.start();
+            const double cpu0 = benchstats::ThreadCpuSeconds();
+            ok = ways[w].run() && ok;
+            cpu[w] += benchstats::ThreadCpuSeconds() - cpu0;
+            wall[w] += timer.nsecsElapsed() / 1e9;
+            state.PauseTiming();
+            serverCpu[w] += server0 >= 0 ? server.seconds() - server0 : 0;
+            state.ResumeTiming();
+        }
+        ++turn;
+    }
+    if (!ok) {
+        state.SkipWithError("a run did not come to its end");
+        return;
+    }
+    const double iterations = static_cast<double>(state.iterations());
+    for (std::size_t w = 0; w < n; ++w) {
+        const std::string& name = ways[w].name;
+        state.counters[name + "_s"] = wall[w] / iterations;
+        state.counters[name + "_cpu_s"] = cpu[w] / iterations;
+        if (server.available()) {
+            state.counters[name + "_server_cpu_s"] = serverCpu[w] / iterations;
+        }
+        if (w > 0 && wall[0] > 0) {
+            state.counters[name + "_to_" + ways[0].name] = wall[w] / wall[0];
+        }
+    }
 }
 
 } // namespace serverbench

@@ -63,10 +63,12 @@ void initRecord(void* record, std::size_t size, const dbTableDescriptor& descrip
 // Relation of a voltage level and a node.
 #define DTSDB_R_KV_ND(X) X(const char*, kv_id, FIELD) X(const char*, nd_id, KEY)
 
-// AC line (lntype 1) or series capacitor or reactor (lntype 2).
+// AC line (lntype 1) or series capacitor or reactor (lntype 2). The kind is a key: the
+// label refresh and the results select each kind many times, and a series element should
+// not cost a walk over every line.
 #define DTSDB_LN(X) X(const char*, id, KEY) X(const char*, Zone, FIELD)                            \
     X(const char*, I_Name, FIELD) X(const char*, J_Name, FIELD) X(int, ID_No, FIELD)               \
-    X(int, ibs, FIELD) X(int, zbs, FIELD) X(int, lntype, FIELD) X(float, R1, FIELD)                \
+    X(int, ibs, FIELD) X(int, zbs, FIELD) X(int, lntype, KEY) X(float, R1, FIELD)                  \
     X(float, X1, FIELD) X(float, B1_Half, FIELD) X(float, R0, FIELD) X(float, X0, FIELD)           \
     X(float, B0_Half, FIELD) X(float, Qci, FIELD) X(float, Qcj, FIELD) X(float, Pi, FIELD)         \
     X(float, Qi, FIELD) X(float, Pj, FIELD) X(float, Qj, FIELD) X(float, Rate_Ka, FIELD)           \
@@ -84,8 +86,9 @@ void initRecord(void* record, std::size_t size, const dbTableDescriptor& descrip
     X(int, Line_Ctrl, FIELD) X(float, Value_Ctrl, FIELD)
 
 // Transformer branch: two-winding (type 1), phase shifter (2), a winding of a
-// three-winding transformer (3), whose I end is the star node.
-#define DTSDB_XF(X) X(const char*, id, KEY) X(int, type, FIELD) X(int, ID_No, FIELD)               \
+// three-winding transformer (3), whose I end is the star node. The type is a key, as the
+// kind of a line is.
+#define DTSDB_XF(X) X(const char*, id, KEY) X(int, type, KEY) X(int, ID_No, FIELD)                 \
     X(float, Ang_Shift, FIELD) X(const char*, ST, FIELD) X(const char*, I_Name, FIELD)             \
     X(const char*, J_Name, FIELD) X(int, ibs, FIELD) X(int, zbs, FIELD) X(float, Pi, FIELD)        \
     X(float, Qi, FIELD) X(float, Pj, FIELD) X(float, Qj, FIELD) X(float, Pm, FIELD)                \

@@ -52,6 +52,7 @@ public:
         }
         m_slots[free] = Slot{hash, row, key};
         m_next[row] = m_prev[row] = kNone;
+        ++m_keys;
     }
 
     // Takes the row out of its chain; `hash` is the hash of the key the row holds now.
@@ -75,6 +76,7 @@ public:
         for (std::size_t i = hash & mask; m_slots[i].head != kNone; i = (i + 1) & mask) {
             if (m_slots[i].head == row) {
                 m_slots[i].head = next == kNone ? kGone : next;
+                m_keys -= next == kNone ? 1 : 0;
                 if (next != kNone) {
                     m_prev[next] = kNone;
                     m_slots[i].key = keyOf(next);
@@ -116,7 +118,11 @@ public:
         std::vector<std::uint32_t>().swap(m_next);
         std::vector<std::uint32_t>().swap(m_prev);
         m_used = 0;
+        m_keys = 0;
     }
+    // How many distinct keys the rows hold: of two indexed conditions of a query, the one
+    // on the field of more keys has the shorter chains.
+    std::size_t keys() const { return m_keys; }
     std::size_t bytes() const
     {
         return m_slots.capacity() * sizeof(Slot) +
@@ -160,4 +166,5 @@ private:
     std::vector<Slot> m_slots;
     std::vector<std::uint32_t> m_next, m_prev; // chains, by row
     std::size_t m_used = 0;                    // slots not empty (keys and gone ones)
+    std::size_t m_keys = 0;                    // slots that head a chain
 };

@@ -786,12 +786,18 @@ bool dbDatabase::selectRows(const dbTableDescriptor& d, const dbQuery* query, db
     const dbQuery::Condition* keyCondition = nullptr;
     std::size_t keyAt = 0;
     std::uint32_t hash = 0;
-    for (std::size_t i = 0; i < q->conditions.size() && !index; ++i) {
+    // Of several, the index of the most distinct keys: "type=3 and id=..." goes by the id.
+    for (std::size_t i = 0; i < q->conditions.size(); ++i) {
         const dbQuery::Condition& c = q->conditions[i];
-        if (c.op == dbQuery::Eq && c.field->hashed && valueHash(*c.field, values[i], hash)) {
-            index = t->indexOf(c.field);
-            keyCondition = &c;
-            keyAt = i;
+        std::uint32_t h = 0;
+        if (c.op == dbQuery::Eq && c.field->hashed && valueHash(*c.field, values[i], h)) {
+            const HashIndex* candidate = t->indexOf(c.field);
+            if (candidate && (!index || candidate->keys() > index->keys())) {
+                index = candidate;
+                keyCondition = &c;
+                keyAt = i;
+                hash = h;
+            }
         }
     }
     if (index) {

@@ -1,6 +1,8 @@
 // Job rows into the real-time database (ImportLDataToRTDB) and back (UpdateLDataFromRTDB)
 // on the synthetic network, against the private MariaDB. The network records are built
-// beforehand by the demo's own step.
+// beforehand by the demo's own step. The way back both with the design's statements and
+// in the batched write mode, in turn on the same job:
+//   build/bench/realtime/bench_realtime --benchmark_filter=UpdateBackModes
 
 #include "BenchStats.h"
 #include "RecordBuilder.h"
@@ -244,6 +246,42 @@ void BM_UpdateJobTables(benchmark::State& state)
     }
 }
 BENCHMARK(BM_UpdateJobTables)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->UseRealTime()
+    ->Apply(benchstats::Repeated);
+
+// The way back in both write modes on the same job, in turn: the design's statement per
+// record against the batched mode (one load and one update per family), with each one's
+// program and server CPU; per_record_to_batched is how many times longer the statements
+// take. Each repetition runs both once.
+void BM_UpdateBackModes(benchmark::State& state)
+{
+    PreparedNetwork* p = Prepare(state);
+    if (!p) {
+        return;
+    }
+    QSqlDatabase* db = p->scratch.db();
+    CLFCalDataToRTDB job(0, db);
+    job.ImportLDataToRTDB();
+    p->rtdb.commit();
+    const dbserver::ServerCpuClock server(*db);
+    auto way = [&](RecordWriteMode mode) {
+        return [&, mode]() {
+            job.SetWriteMode(mode);
+            const bool ok = job.UpdateLDataFromRTDB() == 0;
+            p->rtdb.commit();
+            return ok;
+        };
+    };
+    serverbench::WaysInTurn(state, server,
+                            {{"batched", way(RecordWriteMode::Batched)},
+                             {"per_record", way(RecordWriteMode::PerRecord)}});
+    state.counters["job_rows"] = p->rows;
+}
+BENCHMARK(BM_UpdateBackModes)
     ->Arg(10000)
     ->Arg(100000)
     ->Unit(benchmark::kMillisecond)

@@ -1,19 +1,28 @@
 // Load-flow results of a network of N buses (N nodes, 1.5 N lines, 0.3 N generators,
 // 0.5 N loads in the records) written to the result tables and read back, against the
 // private MariaDB; and, for comparison, the same line rows by plain multi-row inserts.
+// The results of the synthetic network with every family written in both write modes and
+// loaded by the server from files of the same rows, in turn:
+//   build/bench/results/bench_results --benchmark_filter=ResultsWriteModes
 
 #include "BenchStats.h"
+#include "SampleNetwork.h"
 #include "ServerBench.h"
 #include "ServerConnection.h"
+#include "Study.h"
 #include "common/SQLMultiInsert.h"
 #include "loadflow/results/LFResultDataTransfer.h"
 #include "records/NetworkRecords.h"
+#include "records/RecordFlags.h"
 
+#include <QDir>
+#include <QFile>
 #include <QElapsedTimer>
 #include <QSqlQuery>
 #include <benchmark/benchmark.h>
 #include <memory>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 using namespace dtsdb;
@@ -255,5 +264,111 @@ BENCHMARK(BM_PlainMultiInsert)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(2)
     ->UseRealTime();
+
+// The synthetic network of N buses with every family, through the study's steps up to the
+// records, whose values are then spread so that every row carries numbers of many digits
+// (the study's load flow does not converge on every size).
+struct StudiedNetwork
+{
+    int nodes = 0;
+    dbserver::ScratchDatabase scratch{QStringLiteral("benchresmodes")};
+    dbDatabase rtdb;
+    bool ok = false;
+    QStringList tables; // the result tables written, each with its file of rows
+    QString dir;
+};
+
+StudiedNetwork* PrepareStudied(benchmark::State& state)
+{
+    const int nodes = static_cast<int>(state.range(0));
+    auto& s = serverbench::Kept<StudiedNetwork>();
+    if (!s || s->nodes != nodes) {
+        s.reset();
+        s = std::make_unique<StudiedNetwork>();
+        s->nodes = nodes;
+        s->rtdb.open("bench");
+        demo::Study study(s->scratch.db(), &s->rtdb);
+        QString error;
+        s->ok = s->scratch.ok() && study.LoadNetwork(samples::MakeSyntheticNetwork(nodes)) &&
+                samples::AddOtherFamilies(s->scratch.db(), demo::Study::kGroup, error) &&
+                study.Extract() && study.BuildAndImport();
+        int i = 0;
+        ChangeAll<bs>([&](bs& r) { r.V = 1 + (i++ % 97) * 0.000731, r.Angle = -0.0173 * (i % 400); });
+        ChangeAll<ln>([&](ln& r) { r.Pi = 0.0137f * (i++ % 301), r.Qi = -r.Pi / 3, r.Pj = -r.Pi * 0.98f; });
+        ChangeAll<xf>([&](xf& r) { r.Pi = 0.0211f * (i++ % 171), r.Pj = -r.Pi * 0.99f; });
+        ChangeAll<un>([&](un& r) { r.Pg = 0.0313f * (i++ % 113), r.Qg = r.Pg / 5; });
+        ChangeAll<ld>([&](ld& r) { r.Pl = 0.0097f * (i++ % 211), r.Ql = r.Pl / 4; });
+        ChangeAll<cb>([&](cb& r) { r.q |= dtsdb::CB_TESTED; });
+        s->rtdb.commit();
+        // The rows of one batched write into files, for the server's own load of them.
+        s->dir = QDir::tempPath() + QStringLiteral("/calcdata-bench-results-%1").arg(getpid());
+        QDir().mkpath(s->dir);
+        CLFResultDataTransfer out(1, s->scratch.db(), &s->rtdb, false, 0);
+        out.SetWriteMode(RecordWriteMode::Batched);
+        out.ImportRTDBDataToLFResultDB();
+        s->rtdb.rollback();
+        QSqlQuery q(*s->scratch.db());
+        q.exec("SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_SCHEMA=DATABASE() "
+               "AND TABLE_NAME LIKE 'lfr\\_%\\_r'");
+        while (q.next()) {
+            s->tables << q.value(0).toString();
+        }
+        for (const QString& t : s->tables) {
+            QFile::remove(s->dir + "/" + t);
+            s->ok = s->ok && s->scratch.exec(QStringLiteral("SELECT * FROM %1 WHERE Case_No=1 "
+                                                            "INTO OUTFILE '%2/%1'")
+                                                 .arg(t, s->dir));
+        }
+        serverbench::ReleaseAtEnd([dir = s->dir] { QDir(dir).removeRecursively(); });
+    }
+    if (!s->ok) {
+        state.SkipWithError("the network could not be prepared");
+        return nullptr;
+    }
+    return s.get();
+}
+
+// The results in both write modes and the server's own load of the same rows (its rows
+// deleted first, as the library deletes a case's rows), in turn; batched_to_load_data is
+// how many times longer the batched write takes than the server's load alone.
+void BM_ResultsWriteModes(benchmark::State& state)
+{
+    StudiedNetwork* s = PrepareStudied(state);
+    if (!s) {
+        return;
+    }
+    const dbserver::ServerCpuClock server(*s->scratch.db());
+    auto write = [&](RecordWriteMode mode) {
+        return [&, mode]() {
+            CLFResultDataTransfer out(1, s->scratch.db(), &s->rtdb, false, 0);
+            out.SetWriteMode(mode);
+            const bool ok = out.ImportRTDBDataToLFResultDB() == 0;
+            s->rtdb.rollback(); // the switch flows, written alike by every run
+            return ok;
+        };
+    };
+    auto load = [&]() {
+        bool ok = true;
+        for (const QString& t : s->tables) {
+            ok = s->scratch.exec(QStringLiteral("DELETE FROM %1 WHERE Case_No=1").arg(t)) &&
+                 s->scratch.exec(QStringLiteral("LOAD DATA INFILE '%2/%1' INTO TABLE %1")
+                                     .arg(t, s->dir)) &&
+                 ok;
+        }
+        return ok;
+    };
+    serverbench::WaysInTurn(state, server,
+                            {{"load_data", load},
+                             {"batched", write(RecordWriteMode::Batched)},
+                             {"per_record", write(RecordWriteMode::PerRecord)}});
+    state.counters["rows"] = RowCount(s->scratch.db());
+}
+BENCHMARK(BM_ResultsWriteModes)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->UseRealTime()
+    ->Apply(benchstats::Repeated);
 
 } // namespace

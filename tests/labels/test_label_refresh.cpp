@@ -480,3 +480,58 @@ TEST_F(Labels, EachBusFindsTheLevelOfItsOwnNameWhateverTheNameHolds)
             << name;
     }
 }
+
+// Ten thousand lines and transformers of every kind, each kind with a label of its own
+// slot: every record shows its own end's power in the slot of its kind and nothing in the
+// others, so a selection by kind finds exactly its records at this size.
+TEST_F(Labels, AtTenThousandRecordsEachKindLabelsExactlyItsOwn)
+{
+    constexpr int kRecords = 10000;
+    std::vector<std::string> ids;
+    for (int i = 0; i < kRecords; ++i) {
+        const int kind = i % 10 == 0 ? 2 : 1;
+        ids.push_back("L" + std::to_string(i) + (kind == 1 ? "_ac" : "_sc"));
+        ln l = Record<ln>(ids.back().c_str(), kind);
+        l.q = LN_INJOB;
+        l.Pi = float(i), l.Qi = float(-i), l.Pj = float(2 * i), l.Qj = float(3 * i);
+        Put(l);
+        const int type = 1 + i % 3;
+        ids.push_back("X" + std::to_string(i / 3) + (type == 3 ? "_3w2" : "_2w"));
+        xf x = Record<xf>(ids.back().c_str(), type);
+        x.q = XF_INJOB;
+        x.Pi = float(i), x.Qi = float(-i), x.Pj = float(2 * i), x.Qj = float(3 * i);
+        Put(x);
+    }
+    m_rtdb.commit();
+    // AC lines at the I end in slot 0, series elements at the J end in slot 1, two-winding
+    // transformers at the I end in slot 2, phase shifters at the J end in slot 0, the
+    // second windings at their J end (Label_Type 9) in slot 1.
+    Map({{6, 0, 8}, {8, 1, 9}, {10, 2, 8}, {11, 0, 9}, {12, 1, 9}});
+    ASSERT_TRUE(PrepareRTLabelLFRData(db(), &m_rtdb, 0, false, false));
+    int wrong = 0;
+    std::string first;
+    auto check = [&](const auto& r, int slot, bool iEnd) {
+        for (int s = 0; s < 3; ++s) {
+            const LabelSlot& l = r.Slot[s];
+            const bool ok = s == slot ? l.Changed == 1 && l.Kind == 8 &&
+                                            l.Value1 == (iEnd ? r.Pi : r.Pj) &&
+                                            l.Value2 == (iEnd ? r.Qi : r.Qj)
+                                      : l.Changed == 0;
+            if (!ok && wrong++ == 0) {
+                first = std::string(r.id) + " slot " + std::to_string(s);
+            }
+        }
+    };
+    dbCursor<ln> lines;
+    ASSERT_EQ(lines.select(), kRecords);
+    do {
+        check(*lines, lines->lntype == 1 ? 0 : 1, lines->lntype == 1);
+    } while (lines.next());
+    dbCursor<xf> transformers;
+    ASSERT_EQ(transformers.select(), kRecords);
+    do {
+        check(*transformers, transformers->type == 1 ? 2 : transformers->type == 2 ? 0 : 1,
+              transformers->type == 1);
+    } while (transformers.next());
+    EXPECT_EQ(wrong, 0) << "first: " << first;
+}
