@@ -409,14 +409,14 @@ namespace {
 // What the statements of one family's batched way back are (LFRealtimeStatements.h).
 struct BatchShape
 {
-    const char* create; // with the collation of the job table's ID_Name
+    const char* create; // with the collation of the job table's ID_Name, and the job table
     const char* fields;
     const char* row;    // the fields of one record: the name first
     const char* update; // with the job table
 };
 
 // The batched way back of one family: the records' rows into the work table, then the one
-// update of the family's statement shape.
+// update that leaves the job table as the blanket statement and the records' statements do.
 class BatchedJobUpdate
 {
 public:
@@ -424,11 +424,22 @@ public:
         : m_db(db), m_table(table), m_shape(shape), m_load(db, BATCH_TABLE, shape.fields)
     {}
 
-    template <class... Values> void add(const char* name, const Values&... values)
+    // The records of class T: `values(record, send)` passes a record over or gives `send`
+    // its name and values, in the order of the family's row.
+    template <class T, class Values> void addRecords(Values values)
     {
-        m_fits = m_fits && (std::strlen(name) <= std::size_t(BATCH_NAME_CHARS) ||
-                              QString::fromLocal8Bit(name).size() <= BATCH_NAME_CHARS);
-        m_load.AddRow(m_fields(m_shape.row, name, values...));
+        dbCursor<T> cursor(dbCursorViewOnly);
+        if (cursor.select() < 1) {
+            return;
+        }
+        do {
+            values(*cursor, [&](const char* name, auto... v) {
+                m_fits = m_fits && (std::strlen(name) <= std::size_t(BATCH_NAME_CHARS) ||
+                                    QString::fromLocal8Bit(name).size() <= BATCH_NAME_CHARS);
+                m_load.AddRow(m_fields(m_shape.row, name, v...));
+                return true;
+            });
+        } while (m_fits && m_fields.ok() && cursor.next());
     }
 
     // True when the job table got every row; false leaves it as it stood.
@@ -436,9 +447,6 @@ public:
     {
         if (!m_fits || !m_fields.ok() || !m_load.ok()) {
             return false;
-        }
-        if (m_load.RowCount() == 0) {
-            return true;
         }
         QSqlQuery q(*m_db);
         QByteArray collation;
@@ -453,11 +461,22 @@ public:
         if (collation.isEmpty()) {
             return false;
         }
+        // The size of a memory table is fixed when it is made: the session allows it for
+        // that statement and is given back its own limit right after.
+        const long long heap = ExecStatement(q, SQL_HEAP_SIZE) && q.next()
+                                   ? q.value(0).toLongLong()
+                                   : 0;
+        const long long needed = (m_load.RowCount() + 1024) * BATCH_ROW_BYTES;
         ExecStatement(q, SQL_BATCH_DROP);
-        if (!ExecStatement(q, FormatText(m_shape.create, SqlWord(collation).constData()))) {
-            return false;
+        if (heap > 0 && needed > heap) {
+            ExecStatement(q, FormatText(SQL_SET_HEAP_SIZE, needed));
         }
-        const bool ok = m_load.Load(true) &&
+        const bool made = ExecStatement(q, FormatText(m_shape.create, SqlWord(collation).constData(),
+                                                      m_table.constData()));
+        if (heap > 0 && needed > heap) {
+            ExecStatement(q, FormatText(SQL_SET_HEAP_SIZE, heap));
+        }
+        const bool ok = made && m_load.Load(true) &&
                         ExecStatement(q, FormatText(m_shape.update, m_table.constData()));
         ExecStatement(q, SQL_BATCH_DROP);
         return ok;
@@ -472,32 +491,16 @@ private:
     bool m_fits = true;
 };
 
-// The records of class T back into `table`, after its blanket statement. `values(record,
-// send)` passes a record over (true) or gives `send` the name and values of its statement,
-// in the order of the batch row, and returns what `send` returns. In the batched mode the
-// rows go in bulk; where they cannot, and in the per-record mode, `statement(name,
-// values...)` runs the family's statement for each record from the first. False when a
-// statement failed: the records after it are not handled.
+// The design's way back of the records of class T, after the family's blanket statement:
+// `values(record, statement)` passes a record over (true) or runs statement(name,
+// values...) for it. False at the first statement that fails: the records after it are
+// not handled.
 template <class T, class Values, class Statement>
-bool backFromRecords(QSqlDatabase* db, RecordWriteMode mode, const QByteArray& table,
-                     const BatchShape& shape, Values values, Statement statement)
+bool eachRecord(Values values, Statement statement)
 {
     dbCursor<T> cursor(dbCursorViewOnly);
     if (cursor.select() < 1) {
         return true;
-    }
-    if (mode == RecordWriteMode::Batched) {
-        BatchedJobUpdate batch(db, table, shape);
-        do {
-            values(*cursor, [&](const char* name, auto... v) {
-                batch.add(name, v...);
-                return true;
-            });
-        } while (cursor.next());
-        if (batch.run()) {
-            return true;
-        }
-        cursor.select();
     }
     do {
         if (!values(*cursor, statement)) {
@@ -526,15 +529,12 @@ int CLFCalDataToRTDB::UpdateL1DataFromRTDB()
     return CALC_OK; // nodes have nothing to give back
 }
 
+// Each family: in the batched mode its records in bulk; where they cannot go so, and in the
+// per-record mode, the blanket statement and a statement per record, from the first.
+
 int CLFCalDataToRTDB::UpdateL2DataFromRTDB()
 {
     const QByteArray table = FormatText(L2_TABLE, m_nJobNumber);
-    JobTableUpdate update(m_pDB);
-    if (!update.run(SQL_ALL_OUT, table.constData())) {
-        warn(MSG_LN_UPDATE);
-        return CALC_FAIL;
-    }
-    const BatchShape shape{SQL_BATCH_L2_CREATE, FLD_BATCH_L2, ROW_BATCH_L2, SQL_BATCH_L2_UPDATE};
     auto lineValues = [](const ln& r, auto&& send) {
         if (r.q & LN_OUTSERVICE) {
             return true;
@@ -553,14 +553,6 @@ int CLFCalDataToRTDB::UpdateL2DataFromRTDB()
         const int jBreak = (r.q & LN_JOPEN) ? 0 : 1;
         return send(name.text(), ntype, 1, iBreak, jBreak);
     };
-    auto lineStatement = [&](const char* name, int ntype, int valid, int iBreak, int jBreak) {
-        return update.run(SQL_LN_UPDATE, table.constData(), valid, iBreak, jBreak,
-                          SqlText(m_pDB, name).constData(), ntype);
-    };
-    if (!backFromRecords<ln>(m_pDB, m_writeMode, table, shape, lineValues, lineStatement)) {
-        warn(MSG_LN_UPDATE);
-        return CALC_FAIL;
-    }
     auto shuntValues = [](const cp& r, auto&& send) {
         if (r.q & CP_OUTSERVICE) {
             return true;
@@ -569,11 +561,34 @@ int CLFCalDataToRTDB::UpdateL2DataFromRTDB()
         const int brk = (r.q & CP_OUTSERVICE) ? 0 : 1;
         return send(r.id, 3, 1, brk, brk);
     };
-    auto shuntStatement = [&](const char* name, int ntype, int valid, int iBreak, int jBreak) {
-        return update.run(SQL_CP_UPDATE, table.constData(), valid, iBreak, jBreak,
-                          SqlText(m_pDB, name).constData(), ntype);
-    };
-    if (!backFromRecords<cp>(m_pDB, m_writeMode, table, shape, shuntValues, shuntStatement)) {
+    if (m_writeMode == RecordWriteMode::Batched) {
+        // The shunts' NType 3 is no line's: the two classes share the work table.
+        BatchedJobUpdate batch(
+            m_pDB, table, {SQL_BATCH_L2_CREATE, FLD_BATCH_L2, ROW_BATCH_L2, SQL_BATCH_L2_UPDATE});
+        batch.addRecords<ln>(lineValues);
+        batch.addRecords<cp>(shuntValues);
+        if (batch.run()) {
+            return CALC_OK;
+        }
+    }
+    JobTableUpdate update(m_pDB);
+    if (!update.run(SQL_ALL_OUT, table.constData())) {
+        warn(MSG_LN_UPDATE);
+        return CALC_FAIL;
+    }
+    if (!eachRecord<ln>(lineValues, [&](const char* name, int ntype, int valid, int iBreak,
+                                        int jBreak) {
+            return update.run(SQL_LN_UPDATE, table.constData(), valid, iBreak, jBreak,
+                              SqlText(m_pDB, name).constData(), ntype);
+        })) {
+        warn(MSG_LN_UPDATE);
+        return CALC_FAIL;
+    }
+    if (!eachRecord<cp>(shuntValues, [&](const char* name, int ntype, int valid, int iBreak,
+                                         int jBreak) {
+            return update.run(SQL_CP_UPDATE, table.constData(), valid, iBreak, jBreak,
+                              SqlText(m_pDB, name).constData(), ntype);
+        })) {
         warn(MSG_CP_UPDATE);
         return CALC_FAIL;
     }
@@ -583,11 +598,6 @@ int CLFCalDataToRTDB::UpdateL2DataFromRTDB()
 int CLFCalDataToRTDB::UpdateL3DataFromRTDB()
 {
     const QByteArray table = FormatText(L3_TABLE, m_nJobNumber);
-    JobTableUpdate update(m_pDB);
-    if (!update.run(SQL_ALL_OUT, table.constData())) {
-        warn(MSG_XF_UPDATE);
-        return CALC_FAIL;
-    }
     auto values = [](const xf& r, auto&& send) {
         static const struct
         {
@@ -608,14 +618,20 @@ int CLFCalDataToRTDB::UpdateL3DataFromRTDB()
         }
         return send(name.text(), ntype, 1);
     };
-    auto statement = [&](const char* name, int ntype, int valid) {
-        return update.run(SQL_XF_UPDATE, table.constData(), valid,
-                          SqlText(m_pDB, name).constData(), ntype);
-    };
-    if (!backFromRecords<xf>(
-            m_pDB, m_writeMode, table,
-            {SQL_BATCH_L3_CREATE, FLD_BATCH_L3, ROW_BATCH_L3, SQL_BATCH_L3_UPDATE}, values,
-            statement)) {
+    if (m_writeMode == RecordWriteMode::Batched) {
+        BatchedJobUpdate batch(
+            m_pDB, table, {SQL_BATCH_L3_CREATE, FLD_BATCH_L3, ROW_BATCH_L3, SQL_BATCH_L3_UPDATE});
+        batch.addRecords<xf>(values);
+        if (batch.run()) {
+            return CALC_OK;
+        }
+    }
+    JobTableUpdate update(m_pDB);
+    if (!update.run(SQL_ALL_OUT, table.constData()) ||
+        !eachRecord<xf>(values, [&](const char* name, int ntype, int valid) {
+            return update.run(SQL_XF_UPDATE, table.constData(), valid,
+                              SqlText(m_pDB, name).constData(), ntype);
+        })) {
         warn(MSG_XF_UPDATE);
         return CALC_FAIL;
     }
@@ -625,22 +641,23 @@ int CLFCalDataToRTDB::UpdateL3DataFromRTDB()
 int CLFCalDataToRTDB::UpdateL4DataFromRTDB()
 {
     const QByteArray table = FormatText(L4_TABLE, m_nJobNumber);
-    JobTableUpdate update(m_pDB);
-    if (!update.run(SQL_ALL_OUT, table.constData())) {
-        warn(MSG_DLN_UPDATE);
-        return CALC_FAIL;
-    }
     auto values = [](const dln& r, auto&& send) {
         return (r.q & DLN_OUTSERVICE) ? true : send(r.id, 1);
     };
-    auto statement = [&](const char* name, int valid) {
-        return update.run(SQL_DLN_UPDATE, table.constData(), valid,
-                          SqlText(m_pDB, name).constData());
-    };
-    if (!backFromRecords<dln>(
-            m_pDB, m_writeMode, table,
-            {SQL_BATCH_L4_CREATE, FLD_BATCH_L4, ROW_BATCH_L4, SQL_BATCH_L4_UPDATE}, values,
-            statement)) {
+    if (m_writeMode == RecordWriteMode::Batched) {
+        BatchedJobUpdate batch(
+            m_pDB, table, {SQL_BATCH_L4_CREATE, FLD_BATCH_L4, ROW_BATCH_L4, SQL_BATCH_L4_UPDATE});
+        batch.addRecords<dln>(values);
+        if (batch.run()) {
+            return CALC_OK;
+        }
+    }
+    JobTableUpdate update(m_pDB);
+    if (!update.run(SQL_ALL_OUT, table.constData()) ||
+        !eachRecord<dln>(values, [&](const char* name, int valid) {
+            return update.run(SQL_DLN_UPDATE, table.constData(), valid,
+                              SqlText(m_pDB, name).constData());
+        })) {
         warn(MSG_DLN_UPDATE);
         return CALC_FAIL;
     }
@@ -650,22 +667,24 @@ int CLFCalDataToRTDB::UpdateL4DataFromRTDB()
 int CLFCalDataToRTDB::UpdateL5DataFromRTDB()
 {
     const QByteArray table = FormatText(L5_TABLE, m_nJobNumber);
-    JobTableUpdate update(m_pDB);
-    if (!update.run(SQL_ALL_OUT, table.constData())) {
-        warn(MSG_UN_UPDATE);
-        return CALC_FAIL;
-    }
     auto values = [](const un& r, auto&& send) {
         return (r.q & UN_OUTSERVICE) ? true : send(r.id, 1, r.Pg, r.Qg, r.V0, r.Angle);
     };
-    auto statement = [&](const char* name, int valid, float pg, float qg, float v0, float angle) {
-        return update.run(SQL_UN_UPDATE, table.constData(), valid, pg, qg, v0, angle,
-                          SqlText(m_pDB, name).constData());
-    };
-    if (!backFromRecords<un>(
-            m_pDB, m_writeMode, table,
-            {SQL_BATCH_L56_CREATE, FLD_BATCH_L56, ROW_BATCH_L56, SQL_BATCH_L5_UPDATE}, values,
-            statement)) {
+    if (m_writeMode == RecordWriteMode::Batched) {
+        BatchedJobUpdate batch(
+            m_pDB, table, {SQL_BATCH_L5_CREATE, FLD_BATCH_L5, ROW_BATCH_L56, SQL_BATCH_L5_UPDATE});
+        batch.addRecords<un>(values);
+        if (batch.run()) {
+            return CALC_OK;
+        }
+    }
+    JobTableUpdate update(m_pDB);
+    if (!update.run(SQL_ALL_OUT, table.constData()) ||
+        !eachRecord<un>(values, [&](const char* name, int valid, float pg, float qg, float v0,
+                                    float angle) {
+            return update.run(SQL_UN_UPDATE, table.constData(), valid, pg, qg, v0, angle,
+                              SqlText(m_pDB, name).constData());
+        })) {
         warn(MSG_UN_UPDATE);
         return CALC_FAIL;
     }
@@ -675,22 +694,24 @@ int CLFCalDataToRTDB::UpdateL5DataFromRTDB()
 int CLFCalDataToRTDB::UpdateL6DataFromRTDB()
 {
     const QByteArray table = FormatText(L6_TABLE, m_nJobNumber);
-    JobTableUpdate update(m_pDB);
-    if (!update.run(SQL_ALL_OUT, table.constData())) {
-        warn(MSG_LD_UPDATE);
-        return CALC_FAIL;
-    }
     auto values = [](const ld& r, auto&& send) {
         return (r.q & LD_OUTSERVICE) ? true : send(r.id, 1, r.Pl, r.Ql, r.V0, r.Angle);
     };
-    auto statement = [&](const char* name, int valid, float pl, float ql, float v0, float angle) {
-        return update.run(SQL_LD_UPDATE, table.constData(), valid, pl, ql, v0, angle,
-                          SqlText(m_pDB, name).constData());
-    };
-    if (!backFromRecords<ld>(
-            m_pDB, m_writeMode, table,
-            {SQL_BATCH_L56_CREATE, FLD_BATCH_L56, ROW_BATCH_L56, SQL_BATCH_L6_UPDATE}, values,
-            statement)) {
+    if (m_writeMode == RecordWriteMode::Batched) {
+        BatchedJobUpdate batch(
+            m_pDB, table, {SQL_BATCH_L6_CREATE, FLD_BATCH_L6, ROW_BATCH_L56, SQL_BATCH_L6_UPDATE});
+        batch.addRecords<ld>(values);
+        if (batch.run()) {
+            return CALC_OK;
+        }
+    }
+    JobTableUpdate update(m_pDB);
+    if (!update.run(SQL_ALL_OUT, table.constData()) ||
+        !eachRecord<ld>(values, [&](const char* name, int valid, float pl, float ql, float v0,
+                                    float angle) {
+            return update.run(SQL_LD_UPDATE, table.constData(), valid, pl, ql, v0, angle,
+                              SqlText(m_pDB, name).constData());
+        })) {
         warn(MSG_LD_UPDATE);
         return CALC_FAIL;
     }
@@ -700,11 +721,6 @@ int CLFCalDataToRTDB::UpdateL6DataFromRTDB()
 int CLFCalDataToRTDB::UpdateLKDataFromRTDB()
 {
     const QByteArray table = FormatText(LK_TABLE, m_nJobNumber);
-    JobTableUpdate update(m_pDB);
-    if (!update.run(SQL_ALL_OUT, table.constData())) {
-        warn(MSG_CB_UPDATE);
-        return CALC_FAIL;
-    }
     auto values = [](const cb& r, auto&& send) {
         if (r.q & CB_OUTSERVICE) {
             return true;
@@ -720,14 +736,20 @@ int CLFCalDataToRTDB::UpdateLKDataFromRTDB()
         const int lbreak = (r.q & CB_OPEN) ? 0 : 1;
         return send(name.text(), ntype, 1, lbreak);
     };
-    auto statement = [&](const char* name, int ntype, int valid, int lbreak) {
-        return update.run(SQL_CB_UPDATE, table.constData(), valid, lbreak,
-                          SqlText(m_pDB, name).constData(), ntype);
-    };
-    if (!backFromRecords<cb>(
-            m_pDB, m_writeMode, table,
-            {SQL_BATCH_LK_CREATE, FLD_BATCH_LK, ROW_BATCH_LK, SQL_BATCH_LK_UPDATE}, values,
-            statement)) {
+    if (m_writeMode == RecordWriteMode::Batched) {
+        BatchedJobUpdate batch(
+            m_pDB, table, {SQL_BATCH_LK_CREATE, FLD_BATCH_LK, ROW_BATCH_LK, SQL_BATCH_LK_UPDATE});
+        batch.addRecords<cb>(values);
+        if (batch.run()) {
+            return CALC_OK;
+        }
+    }
+    JobTableUpdate update(m_pDB);
+    if (!update.run(SQL_ALL_OUT, table.constData()) ||
+        !eachRecord<cb>(values, [&](const char* name, int ntype, int valid, int lbreak) {
+            return update.run(SQL_CB_UPDATE, table.constData(), valid, lbreak,
+                              SqlText(m_pDB, name).constData(), ntype);
+        })) {
         warn(MSG_CB_UPDATE);
         return CALC_FAIL;
     }

@@ -87,59 +87,76 @@ constexpr const char* SQL_CB_UPDATE =
 
 // ---- Back into the job tables in the batched write mode ----
 // A family's records go into the temporary table TJobUpdate, keyed as the statements above
-// match rows, the last record of a key replacing those before it (a load with REPLACE),
-// and from there into the job table by one update per statement shape. The name column
-// takes the job table's own collation, so that names compare as the statements compare
-// them; the values of "%f" stay text, which the server turns into the column's type as it
-// turns the statements' literals. Names longer than the work table's 255 characters
+// match rows, the last record of a key replacing those before it (a load with REPLACE);
+// then one update of the job table does what the blanket statement and the records'
+// statements do: a row that a record names takes its values, every other row Valid 0. The
+// work table lives in memory (its size allowed for the time of its creation), its name
+// column takes the job table's own collation, so that names compare as the statements
+// compare them, and its value columns the job table's own types, so that each value is
+// converted once, as the statements' literals are. A name longer than its 64 characters
 // cannot go this way (no job row holds one).
-constexpr int BATCH_NAME_CHARS = 255;
+constexpr int BATCH_NAME_CHARS = 64;
+constexpr long long BATCH_ROW_BYTES = 512; // a row of the work table in memory, with its key, at most
 constexpr const char* SQL_NAME_COLLATION = "SHOW FULL COLUMNS FROM %s LIKE 'ID_Name'";
+constexpr const char* SQL_HEAP_SIZE = "SELECT @@SESSION.max_heap_table_size";
+constexpr const char* SQL_SET_HEAP_SIZE = "SET SESSION max_heap_table_size=%lld";
 constexpr const char* SQL_BATCH_DROP = "DROP TEMPORARY TABLE IF EXISTS TJobUpdate";
 constexpr const char* BATCH_TABLE = "TJobUpdate";
 // Lines and shunts (one shape: the two statements differ in blanks only).
 constexpr const char* SQL_BATCH_L2_CREATE =
-    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(255) COLLATE %s NOT NULL, NType INT NOT "
-    "NULL, Valid INT, I_Break INT, J_Break INT, PRIMARY KEY (ID_Name, NType))";
+    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(64) COLLATE %s NOT NULL, NType INT NOT "
+    "NULL, PRIMARY KEY (ID_Name, NType)) ENGINE=MEMORY SELECT Valid, I_Break, J_Break FROM %s "
+    "LIMIT 0";
 constexpr const char* FLD_BATCH_L2 = "ID_Name,NType,Valid,I_Break,J_Break";
 constexpr const char* ROW_BATCH_L2 = "'%s',%d,%d,%d,%d";
 constexpr const char* SQL_BATCH_L2_UPDATE =
-    "UPDATE %s a JOIN TJobUpdate b ON a.ID_Name=b.ID_Name AND a.NType=b.NType SET "
-    "a.Valid=b.Valid,a.I_Break=b.I_Break,a.J_Break=b.J_Break";
+    "UPDATE %s a LEFT JOIN TJobUpdate b ON a.ID_Name=b.ID_Name AND a.NType=b.NType SET "
+    "a.Valid=IF(b.NType IS NULL,0,b.Valid),a.I_Break=IF(b.NType IS NULL,a.I_Break,b.I_Break),"
+    "a.J_Break=IF(b.NType IS NULL,a.J_Break,b.J_Break)";
 constexpr const char* SQL_BATCH_L3_CREATE =
-    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(255) COLLATE %s NOT NULL, NType INT NOT "
-    "NULL, Valid INT, PRIMARY KEY (ID_Name, NType))";
+    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(64) COLLATE %s NOT NULL, NType INT NOT "
+    "NULL, PRIMARY KEY (ID_Name, NType)) ENGINE=MEMORY SELECT Valid FROM %s LIMIT 0";
 constexpr const char* FLD_BATCH_L3 = "ID_Name,NType,Valid";
 constexpr const char* ROW_BATCH_L3 = "'%s',%d,%d";
 constexpr const char* SQL_BATCH_L3_UPDATE =
-    "UPDATE %s a JOIN TJobUpdate b ON a.ID_Name=b.ID_Name AND a.NType=b.NType SET a.Valid=b.Valid";
+    "UPDATE %s a LEFT JOIN TJobUpdate b ON a.ID_Name=b.ID_Name AND a.NType=b.NType SET "
+    "a.Valid=IF(b.NType IS NULL,0,b.Valid)";
 constexpr const char* SQL_BATCH_L4_CREATE =
-    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(255) COLLATE %s NOT NULL, Valid INT, "
-    "PRIMARY KEY (ID_Name))";
+    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(64) COLLATE %s NOT NULL, PRIMARY KEY "
+    "(ID_Name)) ENGINE=MEMORY SELECT Valid FROM %s LIMIT 0";
 constexpr const char* FLD_BATCH_L4 = "ID_Name,Valid";
 constexpr const char* ROW_BATCH_L4 = "'%s',%d";
 constexpr const char* SQL_BATCH_L4_UPDATE =
-    "UPDATE %s a JOIN TJobUpdate b ON a.ID_Name=b.ID_Name SET a.Valid=b.Valid";
-// Generators and loads: the operating point as the text of "%f".
-constexpr const char* SQL_BATCH_L56_CREATE =
-    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(255) COLLATE %s NOT NULL, Valid INT, P "
-    "VARCHAR(64), Q VARCHAR(64), V0 VARCHAR(64), Angle VARCHAR(64), PRIMARY KEY (ID_Name))";
-constexpr const char* FLD_BATCH_L56 = "ID_Name,Valid,P,Q,V0,Angle";
+    "UPDATE %s a LEFT JOIN TJobUpdate b ON a.ID_Name=b.ID_Name SET "
+    "a.Valid=IF(b.ID_Name IS NULL,0,b.Valid)";
+// Generators and loads: the operating point as "%f" gives it.
+constexpr const char* SQL_BATCH_L5_CREATE =
+    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(64) COLLATE %s NOT NULL, PRIMARY KEY "
+    "(ID_Name)) ENGINE=MEMORY SELECT Valid, Pg, Qg, V0, Angle FROM %s LIMIT 0";
+constexpr const char* FLD_BATCH_L5 = "ID_Name,Valid,Pg,Qg,V0,Angle";
 constexpr const char* ROW_BATCH_L56 = "'%s',%d,%f,%f,%f,%f";
 constexpr const char* SQL_BATCH_L5_UPDATE =
-    "UPDATE %s a JOIN TJobUpdate b ON a.ID_Name=b.ID_Name SET a.Valid=b.Valid,a.Pg=b.P,a.Qg=b.Q,"
-    "a.V0=b.V0,a.Angle=b.Angle";
+    "UPDATE %s a LEFT JOIN TJobUpdate b ON a.ID_Name=b.ID_Name SET "
+    "a.Valid=IF(b.ID_Name IS NULL,0,b.Valid),a.Pg=IF(b.ID_Name IS NULL,a.Pg,b.Pg),"
+    "a.Qg=IF(b.ID_Name IS NULL,a.Qg,b.Qg),a.V0=IF(b.ID_Name IS NULL,a.V0,b.V0),"
+    "a.Angle=IF(b.ID_Name IS NULL,a.Angle,b.Angle)";
+constexpr const char* SQL_BATCH_L6_CREATE =
+    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(64) COLLATE %s NOT NULL, PRIMARY KEY "
+    "(ID_Name)) ENGINE=MEMORY SELECT Valid, Pl, Ql, V0, Angle FROM %s LIMIT 0";
+constexpr const char* FLD_BATCH_L6 = "ID_Name,Valid,Pl,Ql,V0,Angle";
 constexpr const char* SQL_BATCH_L6_UPDATE =
-    "UPDATE %s a JOIN TJobUpdate b ON a.ID_Name=b.ID_Name SET a.Valid=b.Valid,a.Pl=b.P,a.Ql=b.Q,"
-    "a.V0=b.V0,a.Angle=b.Angle";
+    "UPDATE %s a LEFT JOIN TJobUpdate b ON a.ID_Name=b.ID_Name SET "
+    "a.Valid=IF(b.ID_Name IS NULL,0,b.Valid),a.Pl=IF(b.ID_Name IS NULL,a.Pl,b.Pl),"
+    "a.Ql=IF(b.ID_Name IS NULL,a.Ql,b.Ql),a.V0=IF(b.ID_Name IS NULL,a.V0,b.V0),"
+    "a.Angle=IF(b.ID_Name IS NULL,a.Angle,b.Angle)";
 constexpr const char* SQL_BATCH_LK_CREATE =
-    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(255) COLLATE %s NOT NULL, Ntype INT NOT "
-    "NULL, Valid INT, Lbreak INT, PRIMARY KEY (ID_Name, Ntype))";
+    "CREATE TEMPORARY TABLE TJobUpdate (ID_Name VARCHAR(64) COLLATE %s NOT NULL, Ntype INT NOT "
+    "NULL, PRIMARY KEY (ID_Name, Ntype)) ENGINE=MEMORY SELECT Valid, Lbreak FROM %s LIMIT 0";
 constexpr const char* FLD_BATCH_LK = "ID_Name,Ntype,Valid,Lbreak";
 constexpr const char* ROW_BATCH_LK = "'%s',%d,%d,%d";
 constexpr const char* SQL_BATCH_LK_UPDATE =
-    "UPDATE %s a JOIN TJobUpdate b ON a.ID_Name=b.ID_Name AND a.Ntype=b.Ntype SET "
-    "a.Valid=b.Valid,a.Lbreak=b.Lbreak";
+    "UPDATE %s a LEFT JOIN TJobUpdate b ON a.ID_Name=b.ID_Name AND a.Ntype=b.Ntype SET "
+    "a.Valid=IF(b.Ntype IS NULL,0,b.Valid),a.Lbreak=IF(b.Ntype IS NULL,a.Lbreak,b.Lbreak)";
 
 // Warnings of the way back: a modal box captioned "warning".
 constexpr const char* BOX_CAPTION = "warning";

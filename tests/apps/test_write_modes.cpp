@@ -17,6 +17,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <map>
 
 using namespace dtsdb;
 using testsupport::Box;
@@ -149,17 +150,40 @@ struct TwoCopies
         rtdb.commit();
     }
 
+    // How many statements of each kind the batched copy's connection has run:
+    // "load update multi insert", from the session's counters.
+    std::string Statements()
+    {
+        QSqlQuery q(*batched.db());
+        q.exec("SHOW SESSION STATUS WHERE Variable_name IN ('Com_load', 'Com_update', "
+               "'Com_update_multi', 'Com_insert')");
+        std::map<QString, long long> n;
+        while (q.next()) {
+            n[q.value(0).toString()] = q.value(1).toLongLong();
+        }
+        return std::to_string(n["Com_load"]) + " " + std::to_string(n["Com_update"]) + " " +
+               std::to_string(n["Com_update_multi"]) + " " + std::to_string(n["Com_insert"]);
+    }
+
     // `write(db, mode)` on each copy in its mode; what each showed and returned must agree.
-    // Gives what the batched run showed: messages as "level text", boxes as "caption: text".
-    std::vector<std::string> WriteBoth(const std::function<int(QSqlDatabase*, RecordWriteMode)>& write)
+    // Gives what the batched run showed: messages as "level text", boxes as "caption: text";
+    // `sent` gets the statements it ran, as Statements() counts them.
+    std::vector<std::string> WriteBoth(const std::function<int(QSqlDatabase*, RecordWriteMode)>& write,
+                                       std::string* sent = nullptr)
     {
         std::vector<std::string> shown[2];
         int rc[2];
         for (int k = 0; k < 2; ++k) {
             testsupport::FeedbackRecorder::instance().clear();
             testsupport::BoxRecorder::instance().clear();
+            if (k && sent) {
+                EXPECT_TRUE(batched.exec("FLUSH STATUS")); // the session's counters from 0
+            }
             rc[k] = write(k ? batched.db() : perRecord.db(),
                           k ? RecordWriteMode::Batched : RecordWriteMode::PerRecord);
+            if (k && sent) {
+                *sent = Statements();
+            }
             shown[k] = testsupport::Texts(testsupport::FeedbackRecorder::instance().messages());
             for (const Box& b : testsupport::BoxRecorder::instance().boxes()) {
                 shown[k].push_back((b.caption + ": " + b.text).toStdString());
@@ -252,8 +276,15 @@ TEST_P(WriteModes, BatchedWritesLeaveEveryTableAsTheStatementsDo)
     TwoCopies copies;
     ASSERT_NO_FATAL_FAILURE(copies.Prepare(
         synthetic ? samples::MakeSyntheticNetwork(10000) : Read(GetParam()), synthetic));
-    copies.WriteBoth(UpdateBack);
-    copies.WriteBoth([](QSqlDatabase* db, RecordWriteMode m) { return WriteResults(db, m, false); });
+    // The batched runs went in bulk: one update per family of the way back (no statement of
+    // a single table, so no family fell back on its statements) and the results' loads
+    // without an insert statement.
+    std::string sent;
+    copies.WriteBoth(UpdateBack, &sent);
+    EXPECT_EQ(sent.substr(sent.find(' ')), " 0 6 0");
+    copies.WriteBoth([](QSqlDatabase* db, RecordWriteMode m) { return WriteResults(db, m, false); },
+                     &sent);
+    EXPECT_EQ(sent.substr(sent.find(' ')), " 0 0 0");
     copies.WriteBoth([](QSqlDatabase* db, RecordWriteMode m) { return WriteResults(db, m, true); });
     copies.ExpectSameTables();
     // The last of two records of one row wins; the names arrive whole.
