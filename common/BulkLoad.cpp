@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <string>
 #include <vector>
 #include <errmsg.h>
 #include <mysql.h>
@@ -71,24 +72,30 @@ bool Separator(char c)
 }
 
 // A field's text with the load's escapes: backslash, tab, line feed and NUL.
-void AppendEscaped(QByteArray& out, const char* p, std::size_t n)
+void AppendEscaped(std::string& out, const char* p, std::size_t n)
 {
-    for (std::size_t i = 0; i < n; ++i) {
+    std::size_t plain = 0;
+    while (plain < n && p[plain] != '\\' && p[plain] != '\t' && p[plain] != '\n' &&
+           p[plain] != '\0') {
+        ++plain;
+    }
+    out.append(p, plain); // the common case: all of it
+    for (std::size_t i = plain; i < n; ++i) {
         switch (p[i]) {
         case '\\':
-            out.append("\\\\", 2);
+            out += "\\\\";
             break;
         case '\t':
-            out.append("\\t", 2);
+            out += "\\t";
             break;
         case '\n':
-            out.append("\\n", 2);
+            out += "\\n";
             break;
         case '\0':
-            out.append("\\0", 2);
+            out += "\\0";
             break;
         default:
-            out.append(p[i]);
+            out += p[i];
         }
     }
 }
@@ -129,7 +136,7 @@ int LocalError(void*, char* message, unsigned int length)
 
 // ---- BulkFields ----
 
-void BulkFields::AppendFixed(QByteArray& out, double v, int precision)
+void BulkFields::AppendFixed(std::string& out, double v, int precision)
 {
     char buffer[400];
     const std::to_chars_result r =
@@ -137,14 +144,14 @@ void BulkFields::AppendFixed(QByteArray& out, double v, int precision)
     if (r.ec == std::errc()) {
         out.append(buffer, r.ptr - buffer);
     } else {
-        out += FormatText("%.*f", precision, v);
+        out += FormatText("%.*f", precision, v).toStdString();
     }
 }
 
 QByteArray BulkFields::compose(const char* format, const Value* values, std::size_t count)
 {
-    QByteArray out;
-    out.reserve(256);
+    thread_local std::string out;
+    out.clear();
     std::size_t next = 0;
     for (const char* p = format; *p; ++p) {
         if (*p != '%') {
@@ -189,7 +196,7 @@ QByteArray BulkFields::compose(const char* format, const Value* values, std::siz
                                 : isUnsigned ? static_cast<long long>(static_cast<unsigned>(v.integer))
                                              : static_cast<long long>(static_cast<int>(v.integer));
             const std::to_chars_result r = std::to_chars(digits, digits + sizeof digits, n);
-            out.append(digits, r.ptr - digits);
+            out.append(digits, std::size_t(r.ptr - digits));
             break;
         }
         case 'f':
@@ -210,10 +217,10 @@ QByteArray BulkFields::compose(const char* format, const Value* values, std::siz
         default:
             m_ok = false;
         }
-        out.append('\t');
+        out += '\t';
     }
     m_ok = m_ok && next == count;
-    return out;
+    return QByteArray(out.data(), qsizetype(out.size()));
 }
 
 // ---- CBulkLoad ----

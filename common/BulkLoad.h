@@ -22,6 +22,7 @@
 #include <QByteArray>
 #include <array>
 #include <cstddef>
+#include <string>
 #include <type_traits>
 
 class QSqlDatabase;
@@ -87,7 +88,7 @@ public:
     };
 
     // printf's "%.*f" of `v` (finite), appended to `out`: the same digits, without a width.
-    static void AppendFixed(QByteArray& out, double v, int precision);
+    static void AppendFixed(std::string& out, double v, int precision);
 
 private:
     QByteArray compose(const char* format, const Value* values, std::size_t count);
