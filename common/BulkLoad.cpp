@@ -28,8 +28,8 @@ constexpr const char* SQL_LOAD_LOCAL =
     "BY X'09' ESCAPED BY X'5C' LINES TERMINATED BY X'0A' (%s)";
 constexpr const char* SQL_INSERT_ROWS = "%s INTO %s(%s) VALUES ";
 
-// Set on a connection's driver once the server has refused a local load: later loads on
-// it go as inserts at once.
+// Set on a connection's driver when its loads must go as inserts: by AllowLocalLoad, or
+// once the server has refused a local load.
 constexpr const char* kNoLocalLoad = "calcdata_no_local_load";
 
 // Server errors that say that this connection may not load a local file at all.
@@ -238,6 +238,11 @@ void CBulkLoad::AddRow(const QByteArray& fields)
     m_data.append(fields.constData(), fields.size() - 1);
     m_data.append('\n');
     ++m_rows;
+}
+
+void CBulkLoad::AllowLocalLoad(QSqlDatabase* db, bool allow)
+{
+    db->driver()->setProperty(kNoLocalLoad, !allow);
 }
 
 bool CBulkLoad::Load(bool replace)

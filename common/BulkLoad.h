@@ -127,6 +127,11 @@ public:
     bool ok() const { return m_ok; }
     int RowCount() const { return m_rows; }
 
+    // Whether loads on the connection of `db` may go as LOAD DATA LOCAL (the default where
+    // client and server allow it); a host whose server must not read local files turns it
+    // off, and a server's refusal turns it off by itself. Off, rows go as inserts.
+    static void AllowLocalLoad(QSqlDatabase* db, bool allow);
+
     // Sends the rows taken, in their order; true also when there are none. With `replace`,
     // a row whose unique key stands already, or came earlier in the load, replaces that
     // row: the last row of a key wins. False when the server refused the load, which then
