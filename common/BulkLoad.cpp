@@ -13,10 +13,10 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <string>
-#include <vector>
 #include <errmsg.h>
 #include <mysql.h>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -35,8 +35,8 @@ constexpr const char* kNoLocalLoad = "calcdata_no_local_load";
 // Server errors that say that this connection may not load a local file at all.
 bool LocalLoadRefused(const QString& code)
 {
-    return code == QLatin1String("1148")    // the command is not allowed (local_infile off)
-           || code == QLatin1String("4166") // local infile disabled for this connection
+    return code == QLatin1String("1148")     // the command is not allowed (local_infile off)
+           || code == QLatin1String("4166")  // local infile disabled for this connection
            || code == QLatin1String("2068"); // the client library refuses local files
 }
 
@@ -193,8 +193,9 @@ QByteArray BulkFields::compose(const char* format, const Value* values, std::siz
             // As printf reads the argument: an int, or a long with 'l'.
             const bool isUnsigned = *p == 'u';
             const long long n = longs ? v.integer
-                                : isUnsigned ? static_cast<long long>(static_cast<unsigned>(v.integer))
-                                             : static_cast<long long>(static_cast<int>(v.integer));
+                                : isUnsigned
+                                    ? static_cast<long long>(static_cast<unsigned>(v.integer))
+                                    : static_cast<long long>(static_cast<int>(v.integer));
             const std::to_chars_result r = std::to_chars(digits, digits + sizeof digits, n);
             out.append(digits, std::size_t(r.ptr - digits));
             break;
@@ -276,9 +277,9 @@ bool CBulkLoad::LoadLocal(bool replace, bool& refused)
         refused = true;
         return false;
     }
-    const QByteArray sql = FormatText(SQL_LOAD_LOCAL, replace ? "REPLACE " : "",
-                                      m_table.constData(), mysql_character_set_name(mysql),
-                                      m_fields.constData());
+    const QByteArray sql =
+        FormatText(SQL_LOAD_LOCAL, replace ? "REPLACE " : "", m_table.constData(),
+                   mysql_character_set_name(mysql), m_fields.constData());
     LocalRows rows{m_data.constData(), std::size_t(m_data.size()), 0};
     mysql_set_local_infile_handler(mysql, LocalInit, LocalRead, LocalEnd, LocalError, &rows);
     QSqlQuery query(*m_db);

@@ -60,8 +60,14 @@ public:
         const char* text = nullptr;
         std::size_t length = 0;
 
-        static Value of(const QByteArray& v) { return textValue(v.constData(), std::size_t(v.size())); }
-        static Value of(const char* v) { return textValue(v ? v : "", v ? std::char_traits<char>::length(v) : 0); }
+        static Value of(const QByteArray& v)
+        {
+            return textValue(v.constData(), std::size_t(v.size()));
+        }
+        static Value of(const char* v)
+        {
+            return textValue(v ? v : "", v ? std::char_traits<char>::length(v) : 0);
+        }
         static Value of(char* v) { return of(static_cast<const char*>(v)); }
         template <class T, std::enable_if_t<std::is_arithmetic_v<T>, int> = 0> static Value of(T v)
         {

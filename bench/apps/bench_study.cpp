@@ -20,7 +20,7 @@
 namespace {
 
 // The steps as Study keeps their times, in order.
-const char* const kSteps[] = {"network",   "extraction", "records",    "import",
+const char* const kSteps[] = {"network",   "extraction", "records",     "import",
                               "load_flow", "results",    "update_back", "save_back"};
 
 void RunStudy(benchmark::State& state, RecordWriteMode mode)

@@ -166,8 +166,9 @@ struct TwoCopies
     // `write(db, mode)` on each copy in its mode; what each showed and returned must agree.
     // Gives what the batched run showed: messages as "level text", boxes as "caption: text";
     // `sent` gets the statements it ran, as Statements() counts them.
-    std::vector<std::string> WriteBoth(const std::function<int(QSqlDatabase*, RecordWriteMode)>& write,
-                                       std::vector<long long>* sent = nullptr)
+    std::vector<std::string>
+    WriteBoth(const std::function<int(QSqlDatabase*, RecordWriteMode)>& write,
+              std::vector<long long>* sent = nullptr)
     {
         std::vector<std::string> shown[2];
         int rc[2];

@@ -4,6 +4,9 @@
 #include "common/Feedback.h"
 #include "common/RunTimeLog.h"
 #include "common/SQLMultiInsert.h"
+#include "common/BulkLoad.h"
+
+#include <limits>
 
 using testsupport::DbTest;
 using testsupport::FeedbackRecorder;
@@ -74,4 +77,32 @@ TEST_F(MultiInsert, SendsFullBatchesAndTheRestOnExecAndDropsWhatWaitsOnAChangeOr
     EXPECT_FALSE(shown[0].warning);
     EXPECT_EQ(shown[0].caption, "Fail");
     EXPECT_EQ(shown[0].text, "Fail to excute SQL:insert into no_such_table(a) values\n (1)");
+}
+
+// A bulk row holds each value as the statement's template writes it: printf's digits for
+// every precision, exact ties rounded to even, a negative value rounding to zero keeping
+// its sign; the row's texts as they stand, escaped for the load; what a statement could
+// not carry refused.
+TEST(BulkRows, ValuesHavePrintfsDigitsAndTextsTheirBytes)
+{
+    std::vector<double> values = {0.0078125, -0.0078125, 0.0009765625, 2.5, -1e-9, 1e300,
+                                  123456.9999995, 0.1 + 0.2};
+    for (int i = 0; i < 2000; ++i) {
+        values.push_back((i * 7919 % 1000003) / 1024.0 - 400.0 + i * 1e-7);
+    }
+    for (const double v : values) {
+        for (const char* format : {"%f", "%12.9f", "%15.9f", "%12.6f"}) {
+            BulkFields text;
+            const QByteArray field = text(format, v);
+            EXPECT_EQ(field, FormatText(format, v).trimmed() + "\t") << format << " " << v;
+        }
+    }
+    BulkFields text;
+    EXPECT_EQ(text("%d,'%s',%d ", -5, "名字\t'a\\b'", 4294967295u), "-5\t名字\\t'a\\\\b'\t-1\t");
+    EXPECT_TRUE(text.ok());
+    text("%f", std::numeric_limits<double>::infinity());
+    EXPECT_FALSE(text.ok());
+    BulkFields invalid;
+    invalid("'%s'", "\xe5\x90");
+    EXPECT_FALSE(invalid.ok()) << "a text cut inside a character";
 }
