@@ -1,6 +1,7 @@
 #include "common/BulkLoad.h"
 
 #include "common/Feedback.h"
+#include "common/Session.h"
 
 #include <QSqlDatabase>
 #include <QSqlDriver>
@@ -336,11 +337,8 @@ bool CBulkLoad::Insert(bool replace)
     if (statements.size() == 1) {
         return ExecStatement(query, statements.front());
     }
-    MYSQL* mysql = ConnectionOf(m_db);
-    unsigned int status = 0;
-    const bool inTransaction =
-        mysql && !mariadb_get_infov(mysql, MARIADB_CONNECTION_SERVER_STATUS, &status) &&
-        (status & SERVER_STATUS_IN_TRANS);
+    bool known = false;
+    const bool inTransaction = InTransaction(m_db, &known);
     query.exec(inTransaction ? QStringLiteral("SAVEPOINT calcdata_bulk")
                              : QStringLiteral("START TRANSACTION"));
     for (const QByteArray& s : statements) {
