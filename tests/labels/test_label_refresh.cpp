@@ -487,20 +487,14 @@ TEST_F(Labels, EachBusFindsTheLevelOfItsOwnNameWhateverTheNameHolds)
 TEST_F(Labels, AtTenThousandRecordsEachKindLabelsExactlyItsOwn)
 {
     constexpr int kRecords = 10000;
-    std::vector<std::string> ids;
     for (int i = 0; i < kRecords; ++i) {
+        const float f = float(i);
         const int kind = i % 10 == 0 ? 2 : 1;
-        ids.push_back("L" + std::to_string(i) + (kind == 1 ? "_ac" : "_sc"));
-        ln l = Record<ln>(ids.back().c_str(), kind);
-        l.q = LN_INJOB;
-        l.Pi = float(i), l.Qi = float(-i), l.Pj = float(2 * i), l.Qj = float(3 * i);
-        Put(l);
+        const std::string line = "L" + std::to_string(i) + (kind == 1 ? "_ac" : "_sc");
+        Branch<ln>(line.c_str(), f, -f, 2 * f, 3 * f, LN_INJOB, 0, kind);
         const int type = 1 + i % 3;
-        ids.push_back("X" + std::to_string(i / 3) + (type == 3 ? "_3w2" : "_2w"));
-        xf x = Record<xf>(ids.back().c_str(), type);
-        x.q = XF_INJOB;
-        x.Pi = float(i), x.Qi = float(-i), x.Pj = float(2 * i), x.Qj = float(3 * i);
-        Put(x);
+        const std::string xfmr = "X" + std::to_string(i / 3) + (type == 3 ? "_3w2" : "_2w");
+        Branch<xf>(xfmr.c_str(), f, -f, 2 * f, 3 * f, XF_INJOB, 0, type);
     }
     m_rtdb.commit();
     // AC lines at the I end in slot 0, series elements at the J end in slot 1, two-winding
