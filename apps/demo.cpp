@@ -7,6 +7,12 @@
 // done; 1 a step of the study failed in a way the design does not foresee; 2 a wrong
 // option, a network file that cannot be read, or a server that cannot be used, told in one
 // line on standard error, with nothing left behind on the server.
+// 3: another run on the same database held the study's job, its data group or the shared
+// table tmp beyond --wait seconds, or the new data group exists already; nothing was written.
+//
+// With --database NAME --existing the study runs on a base database that stands, as one of
+// several engineers' studies side by side (--job, --scheme, --group): the guard of
+// common/RunGuard.h holds the job and the group from the start to the end of the study.
 //
 // The update back and the results go in the batched write mode, each family's rows in
 // one bulk load; the save-back runs in the mended statement mode, so that it goes to its
@@ -24,6 +30,7 @@
 #include "common/GbkWidth.h"
 #include "StudyReport.h"
 #include "common/ModalBox.h"
+#include "common/RunGuard.h"
 #include "common/Session.h"
 #include "platform/WinDockFeedback.h"
 #include "rtdb/rtdb.h"
@@ -46,12 +53,51 @@ namespace {
 const char* const kProgram = "calcdata_demo";
 
 // One line on standard error: line breaks inside a server's or client's text are folded.
-int refuse(const QString& why)
+int refuse(const QString& why, int status = 2)
 {
     QString line = why.trimmed();
     line.replace(QLatin1Char('\n'), QLatin1String("; "));
     std::fprintf(stderr, "%s: %s\n", kProgram, qPrintable(line));
-    return 2;
+    return status;
+}
+
+// Why the database cannot serve an existing-database study of `job`, in one line; empty when
+// it holds the base tables the study reads and writes and the job's tables.
+QString MissingTables(QSqlDatabase* db, int job)
+{
+    QStringList wanted = {"CDB_SBBAK", "CDB_NODEBAK", "CDB_BUSBAK", "CDB_ACLINEBAK",
+                          "CDB_TRANS_2WBAK", "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_BREAKERBAK",
+                          "CDB_ISOSWITCHBAK", "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK",
+                          "CDB_DATAGROUPBAK", "LF_CASE", "LFR_BS_R"};
+    const int base = wanted.size();
+    for (const char* prefix : {"L1", "L2", "L3", "L4", "L5", "L6", "LK"}) {
+        wanted << QStringLiteral("%1_%2").arg(prefix).arg(job);
+    }
+    QSqlQuery q(*db);
+    q.exec("SELECT UPPER(TABLE_NAME) FROM information_schema.TABLES WHERE "
+           "TABLE_SCHEMA=DATABASE()");
+    QStringList present;
+    while (q.next()) {
+        present << q.value(0).toString();
+    }
+    QStringList missing;
+    for (const QString& t : wanted) {
+        if (!present.contains(t.toUpper())) {
+            missing << t;
+        }
+    }
+    if (missing.isEmpty()) {
+        return QString();
+    }
+    if (wanted.indexOf(missing.first()) < base) {
+        return QStringLiteral("the database %1 is no base database: it lacks %2")
+            .arg(db->databaseName(), missing.join(", "));
+    }
+    return QStringLiteral("the database %1 has no tables of job %2 (%3); the schema's "
+                          "CALL create_lf_job_tables(%2) makes them")
+        .arg(db->databaseName())
+        .arg(job)
+        .arg(missing.join(", "));
 }
 
 int fail(const char* step, const QString& why)
@@ -107,13 +153,14 @@ int widest(QSqlQuery& q, int column, int least)
 
 // The buses as the result table holds them: all of a small network, the extremes of a
 // large one (every bus goes into buses.csv with --out).
-void printBuses(QSqlDatabase* db, const Output& out)
+void printBuses(QSqlDatabase* db, int job, const Output& out)
 {
     QSqlQuery q(*db);
-    q.exec("SELECT COUNT(*) FROM LFR_BS_R WHERE Case_No=0");
+    q.exec(QString("SELECT COUNT(*) FROM LFR_BS_R WHERE Case_No=%1").arg(job));
     const int buses = q.next() ? q.value(0).toInt() : 0;
     if (buses <= 30) {
-        q.exec("SELECT Bus_Name, V, Angle FROM LFR_BS_R WHERE Case_No=0 ORDER BY ibs");
+        q.exec(QString("SELECT Bus_Name, V, Angle FROM LFR_BS_R WHERE Case_No=%1 ORDER BY ibs")
+                   .arg(job));
         const int w = widest(q, 0, 10);
         out.line("  %s %10s %12s\n", padded("bus", w).constData(), "V (pu)", "angle (deg)");
         while (q.next()) {
@@ -130,8 +177,9 @@ void printBuses(QSqlDatabase* db, const Output& out)
         {"largest angle behind", "Angle ASC"},
         {"largest angle ahead", "Angle DESC"}};
     for (const auto& [label, order] : extremes) {
-        q.exec(QString("SELECT Bus_Name, V, Angle FROM LFR_BS_R WHERE Case_No=0 AND V>0 ORDER "
-                       "BY %1 LIMIT 1")
+        q.exec(QString("SELECT Bus_Name, V, Angle FROM LFR_BS_R WHERE Case_No=%1 AND V>0 ORDER "
+                       "BY %2 LIMIT 1")
+                   .arg(job)
                    .arg(order));
         if (q.next()) {
             out.line("  %-22s %s %10.4f %12.3f\n", label, padded(q.value(0), 10).constData(),
@@ -140,11 +188,12 @@ void printBuses(QSqlDatabase* db, const Output& out)
     }
 }
 
-void printLineFlows(QSqlDatabase* db, double sb, const Output& out)
+void printLineFlows(QSqlDatabase* db, int job, double sb, const Output& out)
 {
     QSqlQuery q(*db);
-    q.exec("SELECT ID_Name, I_Name, J_Name, Pi, Qi FROM LFR_ACLINE_R WHERE Case_No=0 ORDER BY "
-           "ABS(Pi) DESC LIMIT 5");
+    q.exec(QString("SELECT ID_Name, I_Name, J_Name, Pi, Qi FROM LFR_ACLINE_R WHERE Case_No=%1 "
+                   "ORDER BY ABS(Pi) DESC LIMIT 5")
+               .arg(job));
     const int line = widest(q, 0, 8), from = widest(q, 1, 8), to = widest(q, 2, 8);
     out.line("  largest line flows:\n  %s %s %s %10s %10s\n", padded("line", line).constData(),
              padded("from", from).constData(), padded("to", to).constData(), "P (MW)",
@@ -201,7 +250,9 @@ int main(int argc, char** argv)
     samples::Network net;
     QString error;
     QStringList notHeld;
-    if (options.syntheticBuses > 0) {
+    if (options.existing) {
+        // The base database as it stands: no network is read.
+    } else if (options.syntheticBuses > 0) {
         net = samples::MakeSyntheticNetwork(options.syntheticBuses);
     } else if (options.networkFile.endsWith(QLatin1String(".m"), Qt::CaseInsensitive)
                    ? !samples::ReadMatpowerCase(options.networkFile, net, notHeld, error)
@@ -231,8 +282,10 @@ int main(int argc, char** argv)
                               .arg(QFileInfo(folder).absoluteFilePath()));
         }
     }
-    out.line("network %s: %zu buses, %zu branches, %zu generators\n", qPrintable(net.name),
-             net.buses.size(), net.branches.size(), net.gens.size());
+    if (!options.existing) {
+        out.line("network %s: %zu buses, %zu branches, %zu generators\n", qPrintable(net.name),
+                 net.buses.size(), net.branches.size(), net.gens.size());
+    }
 
     // The server: reachable, and the study's sessions set up as the library's statements
     // need (dbserver::OpenConnection calls SetUpSession on each). A server that compares
@@ -291,27 +344,56 @@ int main(int argc, char** argv)
 
     QElapsedTimer setup;
     setup.start();
-    progress.begin(QStringLiteral("a database on the server, with the schema"));
-    dbserver::ScratchDatabase scratch(
-        server, options.database.isEmpty()
-                    ? dbserver::ScratchDatabase::UniqueName(QStringLiteral("calcdata_study"))
-                    : options.database);
-    progress.end();
-    if (!scratch.ok()) {
-        return refuse(scratch.error());
+    std::unique_ptr<dbserver::ScratchDatabase> scratch;
+    QSqlDatabase existing;
+    QSqlDatabase* db = nullptr;
+    if (options.existing) {
+        QString error;
+        existing = dbserver::OpenConnection(server, "study", options.database, &error);
+        if (!existing.isOpen()) {
+            return refuse(QStringLiteral("cannot open the database %1 on %2: %3")
+                              .arg(options.database, server.describe(), error));
+        }
+        db = &existing;
+        const QString missing = MissingTables(db, options.job);
+        if (!missing.isEmpty()) {
+            return refuse(missing);
+        }
+    } else {
+        progress.begin(QStringLiteral("a database on the server, with the schema"));
+        scratch = std::make_unique<dbserver::ScratchDatabase>(
+            server, options.database.isEmpty()
+                        ? dbserver::ScratchDatabase::UniqueName(QStringLiteral("calcdata_study"))
+                        : options.database);
+        progress.end();
+        if (!scratch->ok()) {
+            return refuse(scratch->error());
+        }
+        db = scratch->db();
+        if (options.keep) {
+            scratch->keep();
+        }
     }
+    const QString databaseName = options.existing ? options.database : scratch->name();
     const double setupMs = setup.nsecsElapsed() / 1e6;
-    if (options.keep) {
-        scratch.keep();
+
+    // The job and the data group are this study's from here to its end, against other runs
+    // on the same database (the extraction takes the shared table tmp for its own time).
+    CRunGuard guard(db, options.waitSeconds);
+    if (!guard.Take({runguard::JobTables("L", options.job), runguard::DataGroup(options.group)})) {
+        return refuse(guard.Refusal(), 3);
+    }
+    if (guard.GroupExists(options.group)) {
+        return refuse(runguard::GroupExistsMessage(options.group), 3);
     }
     // The kept database is told also when a step fails (and in quiet mode: it is what the
     // user asked for); without --keep the scratch database goes with the program.
     auto tellKept = [&]() {
         if (options.keep) {
             std::printf("%sthe study's database %s stays on %s; reach it with:\n  %s\n",
-                        out.quiet() ? "" : "\n", qPrintable(scratch.name()),
+                        out.quiet() ? "" : "\n", qPrintable(databaseName),
                         qPrintable(server.describe()),
-                        qPrintable(server.clientCommand(scratch.name())));
+                        qPrintable(server.clientCommand(databaseName)));
         }
     };
     auto failed = [&](const char* step, const QString& why) {
@@ -322,20 +404,30 @@ int main(int argc, char** argv)
     };
     dbDatabase rtdb;
     rtdb.open("study");
-    demo::Study study(scratch.db(), &rtdb);
+    demo::Study study(db, &rtdb);
     study.setProgress(&progress);
     study.setWriteMode(options.faithfulStatements ? RecordWriteMode::PerRecord
                                                   : RecordWriteMode::Batched);
-    const dbserver::ServerCpuClock serverClock(*scratch.db());
+    const dbserver::ServerCpuClock serverClock(*db);
     if (serverClock.available()) {
         study.setServerClock(&serverClock);
     }
+    study.setJob(options.job, options.scheme);
+    study.setGuard(options.waitSeconds);
 
-    out.heading("1. the network into the base database, extraction by scheme into job 0");
-    if (!study.LoadNetwork(net)) {
+    out.heading(QStringLiteral("1. %1extraction by scheme %2 into job %3")
+                    .arg(options.existing ? QString() : "the network into the base database, ",
+                         options.scheme)
+                    .arg(options.job)
+                    .toUtf8()
+                    .constData());
+    if (!options.existing && !study.LoadNetwork(net)) {
         return failed("load the network", study.error());
     }
     if (!study.Extract()) {
+        if (!study.guardRefusal().isEmpty()) {
+            return refuse(study.guardRefusal(), 3);
+        }
         return failed("ImportLDataFromBaseDB", study.error());
     }
     out.heading("2. network records from the job tables, ImportLDataToRTDB, commit");
@@ -357,8 +449,8 @@ int main(int argc, char** argv)
     if (!study.StoreResults()) {
         return failed("ImportRTDBDataToLFResultDB", study.error());
     }
-    printBuses(scratch.db(), out);
-    printLineFlows(scratch.db(), study.basePower(), out);
+    printBuses(db, options.job, out);
+    printLineFlows(db, options.job, study.basePower(), out);
     if (!options.outDir.isEmpty()) {
         if (!study.WriteResultFiles(options.outDir)) {
             return failed("results into CSV files", study.error());
@@ -383,13 +475,17 @@ int main(int argc, char** argv)
                     .arg(group, faithful ? "faithful" : "mended")
                     .toUtf8()
                     .constData());
-    if (!study.ChangeAndSaveBack(group, faithful ? SaveStatementMode::Faithful
-                                                 : SaveStatementMode::Mended)) {
+    if (!study.ChangeAndSaveBack(group,
+                                 faithful ? SaveStatementMode::Faithful : SaveStatementMode::Mended,
+                                 options.allOrNothing)) {
+        if (!study.guardRefusal().isEmpty()) {
+            return refuse(study.guardRefusal(), 3);
+        }
         return failed("UpdateLDataFromRTDB", study.error());
     }
     out.line("  changed: generator %s gives 10 %% more, line %s is taken out of service\n",
              qPrintable(study.changedGenerator()), qPrintable(study.lineTakenOut()));
-    QSqlQuery q(*scratch.db());
+    QSqlQuery q(*db);
     q.prepare("SELECT COUNT(*) FROM CDB_ACLINEBAK WHERE GrpName=?");
     q.addBindValue(group);
     q.exec();
@@ -430,7 +526,7 @@ int main(int argc, char** argv)
         QElapsedTimer t;
         t.start();
         const report::ReportInput input{
-            &net, &study, scratch.db(), group,
+            &net, &study, db, group,
             {{QStringLiteral("a database on the server, with the schema"), setupMs}}};
         const bool written = report::WriteStudyReport(options.reportDir, input, error);
         reportMs = t.nsecsElapsed() / 1e6;

@@ -140,7 +140,7 @@ int main(int argc, char** argv)
             "INSERT INTO LF_CASE(Case_No, Case_Name, SCHEME, Note) VALUES "
             "(1, '夏季大方式', 'DEMO', ''), (2, '夏季小方式', 'DEMO', ''), "
             "(3, '冬季大方式', 'DEMO', ''), (4, 'N-1 检修方式', 'DEMO', '')")) ||
-        !report::ReadVoltageProfile(scratch.db(), net, profile, unsolved, error)) {
+        !report::ReadVoltageProfile(scratch.db(), demo::Study::kJob, net, profile, unsolved, error)) {
         return refuse(QStringLiteral("cannot make the sample base database: %1")
                           .arg(!study.error().isEmpty() ? study.error() : error));
     }

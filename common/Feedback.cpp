@@ -195,6 +195,15 @@ bool ServerStatus(QSqlDatabase* db, unsigned int* status)
     return mysql && mariadb_get_infov(mysql, MARIADB_CONNECTION_SERVER_STATUS, status) == 0;
 }
 
+bool ConnectionId(QSqlDatabase* db, unsigned long* id)
+{
+    MYSQL* mysql = db && db->isOpen() ? mysqlOf(db->driver()) : nullptr;
+    if (mysql) {
+        *id = mysql_thread_id(mysql);
+    }
+    return mysql != nullptr;
+}
+
 bool ExecStatement(QSqlQuery& query, const QByteArray& sql)
 {
     // A connection whose client character set can hide a backslash in a character's second

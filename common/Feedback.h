@@ -67,6 +67,9 @@ QByteArray SqlWord(const QByteArray& text);
 // protocol's SERVER_STATUS_* bits, which MariaDB and MySQL alike send): false when the
 // connection is not a MySQL-family one of Qt's driver, or not open.
 bool ServerStatus(QSqlDatabase* db, unsigned int* status);
+// The server's id of the session on `db`'s connection (its CONNECTION_ID()), from the client
+// library, with no statement sent; false as ServerStatus.
+bool ConnectionId(QSqlDatabase* db, unsigned long* id);
 
 // Runs a statement formatted in the local 8-bit encoding on `query`; every statement that
 // holds a name reaches the server here. A text that is not valid in that encoding (a name

@@ -67,7 +67,7 @@ std::function<void(long long, long long)> Study::counter(const char* unit) const
 bool Study::LoadNetwork(const samples::Network& net)
 {
     return timed("load the network into the base database", [&] {
-        return samples::WriteNetworkToBaseDb(m_db, net, kGroup, kScheme, m_error,
+        return samples::WriteNetworkToBaseDb(m_db, net, kGroup, m_scheme.constData(), m_error,
                                              counter("elements"));
     });
 }
@@ -75,11 +75,14 @@ bool Study::LoadNetwork(const samples::Network& net)
 bool Study::Extract()
 {
     return timed("ImportLDataFromBaseDB", [&] {
-        QByteArray scheme(kScheme);
-        CLFCalDataTransfer transfer(kJob, scheme.data(), m_db, nullptr);
+        QByteArray scheme = m_scheme;
+        CLFCalDataTransfer transfer(m_job, scheme.data(), m_db, nullptr);
+        transfer.SetRunGuard(m_guardWait);
         m_baseMva = transfer.BasePower();
         if (transfer.ImportLDataFromBaseDB() != 0) {
-            m_error = "the extraction failed (see its messages)";
+            m_guardRefusal = transfer.RunGuardRefusal();
+            m_error = m_guardRefusal.isEmpty() ? "the extraction failed (see its messages)"
+                                               : m_guardRefusal;
             return false;
         }
         return true;
@@ -90,13 +93,13 @@ bool Study::BuildAndImport()
 {
     if (!timed("network records from the job tables",
                [&] {
-                   return BuildNetworkRecords(m_db, kJob, m_rtdb, m_counts, m_error,
+                   return BuildNetworkRecords(m_db, m_job, m_rtdb, m_counts, m_error,
                                               counter("job rows"));
                })) {
         return false;
     }
     return timed("ImportLDataToRTDB and commit", [&] {
-        CLFCalDataToRTDB toRtdb(kJob, m_db);
+        CLFCalDataToRTDB toRtdb(m_job, m_db);
         const int rc = toRtdb.ImportLDataToRTDB();
         m_rtdb->commit();
         if (rc != 0) {
@@ -138,7 +141,7 @@ bool Study::StoreResults()
                 switches.update();
             } while (switches.next());
         }
-        CLFResultDataTransfer results(kJob, m_db, m_rtdb, false, 0);
+        CLFResultDataTransfer results(m_job, m_db, m_rtdb, false, 0);
         results.SetWriteMode(m_writeMode);
         const int rc = results.ImportRTDBDataToLFResultDB();
         m_rtdb->commit();
@@ -153,7 +156,7 @@ bool Study::StoreResults()
 bool Study::WriteResultFiles(const QString& dir)
 {
     return timed("results into CSV files", [&] {
-        return WriteResultCsv(m_db, kJob, m_baseMva, dir, m_error, counter("rows"));
+        return WriteResultCsv(m_db, m_job, m_baseMva, dir, m_error, counter("rows"));
     });
 }
 
@@ -161,12 +164,12 @@ bool Study::WriteSolvedCase(const samples::Network& net, const QString& path)
 {
     return timed("the solved network into a MATPOWER case", [&] {
         samples::Network solved = net;
-        return PutSolution(m_db, kJob, solved, m_error) &&
+        return PutSolution(m_db, m_job, solved, m_error) &&
                samples::WriteMatpowerCase(path, solved, m_error);
     });
 }
 
-bool Study::ChangeAndSaveBack(const QString& group, SaveStatementMode mode)
+bool Study::ChangeAndSaveBack(const QString& group, SaveStatementMode mode, bool allOrNothing)
 {
     bool ok = timed("a change in the records, UpdateLDataFromRTDB", [&] {
         // The second generator gives 10 % more; the last AC line in service goes out.
@@ -190,7 +193,7 @@ bool Study::ChangeAndSaveBack(const QString& group, SaveStatementMode mode)
             }
         }
         m_rtdb->commit();
-        CLFCalDataToRTDB toJob(kJob, m_db);
+        CLFCalDataToRTDB toJob(m_job, m_db);
         toJob.SetWriteMode(m_writeMode);
         if (toJob.UpdateLDataFromRTDB() != 0) {
             m_error = "the job tables could not be updated from the records";
@@ -203,11 +206,16 @@ bool Study::ChangeAndSaveBack(const QString& group, SaveStatementMode mode)
     }
     return timed("SaveLDataToBaseDB", [&] {
         CDatabase base;
-        QByteArray scheme(kScheme);
-        CLFCalDataTransfer transfer(kJob, scheme.data(), m_db, &base);
+        QByteArray scheme = m_scheme;
+        CLFCalDataTransfer transfer(m_job, scheme.data(), m_db, &base);
         transfer.SetStatementMode(mode);
+        transfer.SetAllOrNothing(allOrNothing);
+        transfer.SetRunGuard(m_guardWait);
         m_saveBack = transfer.SaveLDataToBaseDB(group, true);
-        return true; // a faithful stop at the transformers is the design's, not a failure
+        m_guardRefusal = transfer.RunGuardRefusal();
+        m_error = m_guardRefusal;
+        // A faithful stop at the transformers is the design's, not a failure.
+        return m_guardRefusal.isEmpty();
     });
 }
 

@@ -59,6 +59,17 @@ public:
     // How the results and the update back write: in bulk (the default here) or with the
     // design's statement per record.
     void setWriteMode(RecordWriteMode mode) { m_writeMode = mode; }
+    // The job number and the calculation scheme of the study (default kJob and kScheme).
+    void setJob(int job, const QString& scheme)
+    {
+        m_job = job;
+        m_scheme = scheme.toUtf8();
+    }
+    int job() const { return m_job; }
+    // The transfers' guard of a shared database (common/RunGuard.h), waiting up to
+    // `seconds`; off by default. A step that it refused leaves guardRefusal() set.
+    void setGuard(int seconds) { m_guardWait = seconds; }
+    const QString& guardRefusal() const { return m_guardRefusal; }
 
     // Each step returns false with error() set when it fails in a way the design does not
     // foresee; the time of each step is kept.
@@ -77,7 +88,8 @@ public:
     // in the mended statement mode it runs to its end; in the faithful mode this server
     // stops it at the two-winding transformers, as designed.
     bool ChangeAndSaveBack(const QString& group,
-                           SaveStatementMode mode = SaveStatementMode::Mended);
+                           SaveStatementMode mode = SaveStatementMode::Mended,
+                           bool allOrNothing = false);
     int saveBackResult() const { return m_saveBack; }
     const QString& changedGenerator() const { return m_changedGen; }
     const QString& lineTakenOut() const { return m_lineOut; }
@@ -109,6 +121,10 @@ private:
     SolveSummary m_solution;
     RecordCounts m_counts;
     double m_baseMva = 1.0;
+    int m_job = kJob;
+    QByteArray m_scheme = kScheme;
+    int m_guardWait = -1;
+    QString m_guardRefusal;
     int m_saveBack = -1;
     QString m_changedGen, m_lineOut;
 };

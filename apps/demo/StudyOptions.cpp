@@ -3,8 +3,13 @@
 #include "common/GbkWidth.h"
 
 #include <QRegularExpression>
+#include <tuple>
 
 namespace demo {
+
+namespace {
+constexpr int kSchemeBytes = 32; // the scheme's name as the load-flow transfer holds it
+}
 
 StudyCommandLine::StudyCommandLine()
     : m_help({"h", "help"}, "Show this help and exit."),
@@ -62,7 +67,24 @@ StudyCommandLine::StudyCommandLine()
           "update back (UpdateLDataFromRTDB) and the results (ImportRTDBDataToLFResultDB, in "
           "its batches of 100), and the save-back's as with --faithful-saveback. Default: the "
           "batched write mode, in which each family's rows go to the server in one bulk load "
-          "and leave the same tables, and the mended save-back.")
+          "and leave the same tables, and the mended save-back."),
+      m_existing("existing",
+                 "Study the base database that --database NAME names, as it stands: no network "
+                 "is loaded, and it must hold the base tables and the job's tables. Several "
+                 "engineers' studies run side by side on one database this way, each with its "
+                 "own --job and --group (README: Several users on one database)."),
+      m_job("job", "Extract into job N, and store its results and records under it (default: 0).",
+            "N"),
+      m_scheme("scheme",
+               "Extract by the calculation scheme NAME (default: DEMO, the scheme that a loaded "
+               "network gets): at most 32 bytes, a Chinese character counting 2.",
+               "NAME"),
+      m_wait("wait",
+             "Wait up to SECONDS for the job, the data group or the table tmp while another "
+             "run holds them (default: 300), then end with status 3 having written nothing.",
+             "SECONDS"),
+      m_allOrNothing("all-or-nothing",
+                     "Save back in one transaction, undone whole when any part fails.")
 {
     m_parser.setApplicationDescription(
         "Runs a whole load-flow study with the calcdata library: the network into a fresh "
@@ -70,10 +92,13 @@ StudyCommandLine::StudyCommandLine()
         "load flow, the results into the result tables, and a change saved back into a new "
         "data group.\n"
         "Exit status: 0 done; 1 a step of the study failed; 2 a wrong option, a network file "
-        "that cannot be read, or a server that cannot be used (nothing is left behind on it).");
+        "that cannot be read, or a server that cannot be used (nothing is left behind on it); "
+        "3 another run held the job, the data group or the table tmp beyond --wait, or the "
+        "new data group exists already (nothing was written).");
     m_parser.addOptions({m_help, m_version, m_network, m_synthetic, m_server, m_user, m_password,
                          m_database, m_keep, m_out, m_saveCase, m_report, m_quiet, m_faithful, m_group,
-                         m_faithfulStatements});
+                         m_faithfulStatements, m_existing, m_job, m_scheme, m_wait,
+                         m_allOrNothing});
 }
 
 bool StudyCommandLine::invalid(const QString& why)
@@ -183,6 +208,41 @@ StudyCommandLine::Outcome StudyCommandLine::parse(const QStringList& arguments,
                                    .arg(kNameBytes)
                                    .arg(o.group)
                                    .arg(GbkWidth(o.group)));
+            }
+        }
+        o.existing = m_parser.isSet(m_existing);
+        if (o.existing && (!m_parser.isSet(m_database) || o.syntheticBuses > 0 ||
+                           !o.networkFile.isEmpty() || !o.saveCase.isEmpty() || o.keep ||
+                           !o.reportDir.isEmpty())) {
+            return invalid(QStringLiteral("--existing needs --database NAME and studies the "
+                                          "database as it stands: no --network, --synthetic, "
+                                          "--save-case, --report (it draws the network file) "
+                                          "or --keep"));
+        }
+        o.allOrNothing = m_parser.isSet(m_allOrNothing);
+        // Whole numbers within their range, each checked alike.
+        for (auto [option, target, least] : {std::make_tuple(&m_job, &o.job, 0),
+                                             std::make_tuple(&m_wait, &o.waitSeconds, 0)}) {
+            if (!m_parser.isSet(*option)) {
+                continue;
+            }
+            bool ok = false;
+            *target = m_parser.value(*option).toInt(&ok);
+            if (!ok || *target < least) {
+                return invalid(QStringLiteral("--%1 needs a whole number of at least %2, not '%3'")
+                                   .arg(option->names().first())
+                                   .arg(least)
+                                   .arg(m_parser.value(*option)));
+            }
+        }
+        if (m_parser.isSet(m_scheme)) {
+            o.scheme = m_parser.value(m_scheme);
+            if (o.scheme.isEmpty() || GbkWidth(o.scheme) > kSchemeBytes) {
+                return invalid(QStringLiteral("--scheme needs a scheme's name of 1 to %1 bytes as "
+                                              "the base tables count them, not '%2' (%3 bytes)")
+                                   .arg(kSchemeBytes)
+                                   .arg(o.scheme)
+                                   .arg(GbkWidth(o.scheme)));
             }
         }
         return true;

@@ -28,6 +28,11 @@ struct StudyOptions
     // The design's statements throughout: one per record in the update back and the
     // results, and the save-back's as written (implies faithfulSaveBack).
     bool faithfulStatements = false;
+    bool existing = false; // --database names a base database that stands: no network loaded
+    int job = 0;
+    QString scheme = QStringLiteral("DEMO");
+    int waitSeconds = 300; // for the job, the group and tmp while other runs hold them
+    bool allOrNothing = false;
 };
 
 class StudyCommandLine
@@ -51,7 +56,7 @@ private:
     QCommandLineParser m_parser;
     QCommandLineOption m_help, m_version, m_network, m_synthetic, m_server, m_user, m_password,
         m_database, m_keep, m_out, m_saveCase, m_report, m_quiet, m_faithful, m_group,
-        m_faithfulStatements;
+        m_faithfulStatements, m_existing, m_job, m_scheme, m_wait, m_allOrNothing;
     StudyOptions m_options;
     QString m_error;
 };

@@ -173,13 +173,13 @@ bool SaveImage(const QImage& image, const QString& path, QString& error)
 
 } // namespace
 
-bool ReadVoltageProfile(QSqlDatabase* db, const samples::Network& net,
+bool ReadVoltageProfile(QSqlDatabase* db, int job, const samples::Network& net,
                         std::vector<ProfileBus>& buses, int& unsolved, QString& error)
 {
     QSqlQuery q(*db);
     if (!Query(q,
                QStringLiteral("SELECT Bus_Name, V FROM LFR_BS_R WHERE Case_No=%1")
-                   .arg(demo::Study::kJob),
+                   .arg(job),
                error)) {
         return false;
     }
@@ -208,7 +208,7 @@ bool WriteStudyReport(const QString& dir, const ReportInput& in, QString& error)
     timer.start();
     const samples::Network& net = *in.net;
     const demo::Study& study = *in.study;
-    const int job = demo::Study::kJob;
+    const int job = study.job();
     const double sb = study.basePower();
     if (!QDir().mkpath(dir)) {
         error = QStringLiteral("cannot make the folder %1").arg(dir);
@@ -263,7 +263,7 @@ bool WriteStudyReport(const QString& dir, const ReportInput& in, QString& error)
     // ---- voltages against the limits ----
     std::vector<ProfileBus> profile;
     int unsolved = 0;
-    if (!ReadVoltageProfile(in.db, net, profile, unsolved, error)) {
+    if (!ReadVoltageProfile(in.db, job, net, profile, unsolved, error)) {
         return false;
     }
     page.heading(QStringLiteral("Bus voltages against their limits"), QStringLiteral("profile"));

@@ -42,7 +42,7 @@ struct ReportInput
 // The buses of `net` in its order with their voltage from the result tables of the study's
 // job and their limits from the network file; `unsolved` counts those left out (no result
 // row, or no voltage: not energised). False with `error` set when the table cannot be read.
-bool ReadVoltageProfile(QSqlDatabase* db, const samples::Network& net,
+bool ReadVoltageProfile(QSqlDatabase* db, int job, const samples::Network& net,
                         std::vector<ProfileBus>& buses, int& unsolved, QString& error);
 
 // Writes `dir`/report.html and its pictures; `dir` is created when missing. False with

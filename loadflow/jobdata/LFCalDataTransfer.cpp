@@ -74,6 +74,12 @@ int CLFCalDataTransfer::DeleteLData()
 int CLFCalDataTransfer::ImportLDataFromBaseDB()
 {
     CRunTimeLog frame("ImportLDataFromBaseDB");
+    return m_guard.Run(m_pDB, {runguard::WorkTable("tmp"), runguard::JobTables("L", m_nJobNumber)},
+                       QString(), [this] { return RunImport(); });
+}
+
+int CLFCalDataTransfer::RunImport()
+{
     // The cut name would pick another scheme or none: nothing is emptied or filled.
     if (!m_overlongScheme.isEmpty()) {
         ShowMessagef(MSG_ERROR, MSG_SCHEME_TOO_LONG, m_overlongScheme.constData(), kSchemeBytes);

@@ -6,6 +6,7 @@
 // copies, in place or into a data group, and orphans are saved into the group.
 
 #include "common/GbkWidth.h"
+#include "common/RunGuard.h"
 #include "common/SaveBackPattern.h"
 
 #include <QMap>
@@ -42,6 +43,14 @@ public:
     // its own detection statements and without writing a base table; the transfer's counts
     // and new-node map stay as they were.
     SaveBackPreview PreviewLDataToBaseDB(QString groupName, bool newGroup);
+    // The guard of a database that other runs share (off by default; common/RunGuard.h):
+    // given a wait of 0 seconds or more, extraction holds the table tmp and the job's tables
+    // for its time, save-back and its preview the job's tables and the data group, and a
+    // save-back into a new group runs only where no group of that name exists yet. A run the
+    // guard refuses returns 1 having written nothing, and RunGuardRefusal() says why.
+    void SetRunGuard(int waitSeconds) { m_guard.SetWait(waitSeconds); }
+    const QString& RunGuardRefusal() const { return m_guard.Refusal(); }
+    double RunGuardWaited() const { return m_guard.Waited(); } // seconds, in all
 
     // Counters: after extraction the LF_CASE counts, after save-back the changed elements.
     int Nbus = 0, Ngenerat = 0, Nload = 0, Nacline = 0, Ndcline = 0, Ntrans = 0, Nswitch = 0;
@@ -59,6 +68,7 @@ private:
     // Fills tmp by the scheme from `source` (a composed working-copy name).
     bool SelectByScheme(const QByteArray& source);
 
+    int RunImport(); // the extraction's driver
     int ImportL1DataFromBaseDB();
     int ImportL2DataFromBaseDB();
     int ImportL2DataFromAC();
@@ -106,4 +116,5 @@ private:
     int m_nNewElements = 0;
     QMap<QString, int> m_NewNodes;
     CSaveBackPattern m_saveBack; // runs the families' statements, in the statement mode
+    CTransferGuard m_guard;
 };

@@ -60,16 +60,27 @@ int CLFCalDataTransfer::RunSaveFamily(const SaveBackFamily& family, int& counter
 int CLFCalDataTransfer::SaveLDataToBaseDB(QString groupName, bool newGroup)
 {
     CRunTimeLog frame("SaveLDataToBaseDB");
-    return m_saveBack.Save([&] { return RunSaveBack(groupName, newGroup); });
+    return m_guard.Run(
+        m_pDB, {runguard::JobTables("L", m_nJobNumber), runguard::DataGroup(groupName)},
+        newGroup ? groupName : QString(),
+        [&] { return m_saveBack.Save([&] { return RunSaveBack(groupName, newGroup); }); });
 }
 
 SaveBackPreview CLFCalDataTransfer::PreviewLDataToBaseDB(QString groupName, bool newGroup)
 {
     CRunTimeLog frame("PreviewLDataToBaseDB");
-    return m_saveBack.Preview(
-        groupName, newGroup, [&] { return RunSaveBack(groupName, newGroup); }, Nbus, Ngenerat,
-        Nload, Nacline, Ndcline, Ntrans, Nswitch, m_strGroupName, m_bNewGroup, m_nNewElements,
-        m_NewNodes);
+    SaveBackPreview preview;
+    if (m_guard.Run(m_pDB, {runguard::JobTables("L", m_nJobNumber)}, QString(), [&] {
+            preview = m_saveBack.Preview(
+                groupName, newGroup, [&] { return RunSaveBack(groupName, newGroup); }, Nbus,
+                Ngenerat, Nload, Nacline, Ndcline, Ntrans, Nswitch, m_strGroupName, m_bNewGroup,
+                m_nNewElements, m_NewNodes);
+            return CALC_OK;
+        }) != CALC_OK) {
+        preview.result = CALC_FAIL;
+        preview.refused = m_guard.Refusal();
+    }
+    return preview;
 }
 
 int CLFCalDataTransfer::RunSaveBack(const QString& groupName, bool newGroup)

@@ -114,6 +114,12 @@ int CSTCalDataTransfer::DeleteSData()
 
 int CSTCalDataTransfer::ImportSDataFromBaseDB()
 {
+    return m_guard.Run(m_pDB, {runguard::WorkTable("tmp"), runguard::JobTables("S", m_nJobNumber)},
+                       QString(), [this] { return RunImport(); });
+}
+
+int CSTCalDataTransfer::RunImport()
+{
     // The cut name would pick another scheme or none: nothing is emptied or filled.
     if (!m_overlongScheme.isEmpty()) {
         ShowMessagef(MSG_ERROR, MSG_SCHEME_TOO_LONG, m_overlongScheme.constData(), kSchemeBytes);

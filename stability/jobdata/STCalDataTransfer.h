@@ -6,6 +6,7 @@
 // values, DC control data, dynamic model references and static var compensators.
 
 #include "common/GbkWidth.h"
+#include "common/RunGuard.h"
 #include "common/SaveBackPattern.h"
 
 #include <QByteArray>
@@ -46,6 +47,14 @@ public:
     // its own detection statements and without writing a base table; the transfer's counts
     // and group stay as they were.
     SaveBackPreview PreviewSDataToBaseDB(QString groupName, bool newGroup);
+    // The guard of a database that other runs share (off by default; common/RunGuard.h):
+    // given a wait of 0 seconds or more, extraction holds the table tmp and the job's tables
+    // for its time, save-back and its preview the table TLoad, the job's tables and the data group, and a
+    // save-back into a new group runs only where no group of that name exists yet. A run the
+    // guard refuses returns 1 having written nothing, and RunGuardRefusal() says why.
+    void SetRunGuard(int waitSeconds) { m_guard.SetWait(waitSeconds); }
+    const QString& RunGuardRefusal() const { return m_guard.Refusal(); }
+    double RunGuardWaited() const { return m_guard.Waited(); } // seconds, in all
 
     // After extraction the ST_CASE counts (Nbus always 1), after save-back the saved rows.
     int Nbus = 0, Ngenerat = 0, Nload = 0, Nacline = 0, Ndcline = 0, Ntrans = 0, Nsvc = 0;
@@ -71,6 +80,7 @@ private:
     bool Exec(const QByteArray& sql);
     bool Exec(const QByteArray& sql, int& rows);
 
+    int RunImport(); // the extraction's driver
     int ImportS2DataFromBaseDB();
     int ImportS2DataFromAC();
     int ImportS2DataFromSCR();
@@ -121,4 +131,5 @@ private:
     QString m_strGroupName;
     int m_nReserved = 0;         // cleared by each save-back; nothing reads it
     CSaveBackPattern m_saveBack; // runs the save-back families, in the statement mode
+    CTransferGuard m_guard;
 };

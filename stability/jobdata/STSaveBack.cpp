@@ -29,14 +29,29 @@ QByteArray winding(const char* text, char digit)
 
 int CSTCalDataTransfer::SaveSDataToBaseDB(QString groupName, bool newGroup)
 {
-    return m_saveBack.Save([&] { return RunSaveBack(groupName, newGroup); });
+    return m_guard.Run(m_pDB,
+                       {runguard::WorkTable("TLoad"), runguard::JobTables("S", m_nJobNumber),
+                        runguard::DataGroup(groupName)},
+                       newGroup ? groupName : QString(),
+                       [&] { return m_saveBack.Save([&] { return RunSaveBack(groupName, newGroup); }); });
 }
 
 SaveBackPreview CSTCalDataTransfer::PreviewSDataToBaseDB(QString groupName, bool newGroup)
 {
-    return m_saveBack.Preview(
-        groupName, newGroup, [&] { return RunSaveBack(groupName, newGroup); }, Nbus, Nacline,
-        Ntrans, Ndcline, Ngenerat, Nload, Nsvc, m_strGroupName, m_bNewGroup, m_nReserved);
+    SaveBackPreview preview;
+    // The preview makes TLoad too, by the design's statement.
+    if (m_guard.Run(m_pDB, {runguard::WorkTable("TLoad"), runguard::JobTables("S", m_nJobNumber)},
+                    QString(), [&] {
+                        preview = m_saveBack.Preview(
+                            groupName, newGroup, [&] { return RunSaveBack(groupName, newGroup); },
+                            Nbus, Nacline, Ntrans, Ndcline, Ngenerat, Nload, Nsvc, m_strGroupName,
+                            m_bNewGroup, m_nReserved);
+                        return CALC_OK;
+                    }) != CALC_OK) {
+        preview.result = CALC_FAIL;
+        preview.refused = m_guard.Refusal();
+    }
+    return preview;
 }
 
 int CSTCalDataTransfer::RunSaveBack(const QString& groupName, bool newGroup)

@@ -1,0 +1,254 @@
+// Several engineers' studies on one base database at once, as processes of the study
+// program: four at once end as the same four in turn; two on one job or into one new data
+// group meet the guard (one waits, the other completes or is refused), also through two
+// nodes of a cluster; a study killed in its save-back leaves no lease that stops the next.
+
+#include "DbTest.h"
+#include "Faults.h"
+#include "TableSnapshots.h"
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSqlError>
+#include <QSysInfo>
+#include <algorithm>
+#include <thread>
+
+using namespace testsupport;
+
+namespace {
+
+struct Ended
+{
+    int status = -1;
+    QString out, err;
+};
+
+// Runs the study program once per argument list, all at once, and waits for them all.
+std::vector<Ended> AtOnce(const QList<QStringList>& runs)
+{
+    std::vector<std::unique_ptr<QProcess>> ps;
+    for (const QStringList& args : runs) {
+        ps.push_back(std::make_unique<QProcess>());
+        ps.back()->start(QStringLiteral(CALCDATA_DEMO_PROGRAM), args);
+    }
+    std::vector<Ended> ended;
+    for (auto& p : ps) {
+        Ended e;
+        if (p->waitForFinished(600000) && p->exitStatus() == QProcess::NormalExit) {
+            e.status = p->exitCode();
+        }
+        e.out = QString::fromUtf8(p->readAllStandardOutput());
+        e.err = QString::fromUtf8(p->readAllStandardError());
+        ended.push_back(e);
+    }
+    return ended;
+}
+
+QStringList Study(const QString& db, int job, const QString& group)
+{
+    return {"--database", db, "--existing", "--job", QString::number(job), "--group", group};
+}
+
+// Per table of `db`: the row count and the sum of each row's CRC32 over every column but the
+// server's numbering (id, RowKey): equal for equal contents, whatever order the rows came in.
+// With `group`, the rows of that data group in the tables that have groups, GrpName left out.
+std::map<QString, QString> Sums(QSqlDatabase db, const QString& database, const QString& like,
+                                const QString& group = QString())
+{
+    std::map<QString, QString> sums;
+    QSqlQuery tables(db);
+    tables.exec(QString("SELECT TABLE_NAME, GROUP_CONCAT(IF(COLUMN_NAME IN ('id', 'RowKey', '%1'), "
+                        "NULL, CONCAT('`', COLUMN_NAME, '`')) ORDER BY ORDINAL_POSITION), "
+                        "SUM(COLUMN_NAME='GrpName') FROM information_schema.COLUMNS WHERE "
+                        "TABLE_SCHEMA='%2' AND TABLE_NAME LIKE '%3' GROUP BY TABLE_NAME")
+                    .arg(group.isEmpty() ? "" : "GrpName", database, like));
+    while (tables.next()) {
+        if (!group.isEmpty() && tables.value(2).toInt() == 0) {
+            continue;
+        }
+        QSqlQuery q(db);
+        const QString table = tables.value(0).toString();
+        EXPECT_TRUE(q.exec(QString("SELECT COUNT(*), COALESCE(SUM(CRC32(CONCAT_WS('|', %1))), 0) "
+                                   "FROM `%2`.`%3` WHERE %4")
+                               .arg(tables.value(1).toString().isEmpty() ? "''" // GrpName alone
+                                                                        : tables.value(1).toString(),
+                                    database, table,
+                                    group.isEmpty() ? "1" : "GrpName='" + group + "'")) &&
+                    q.next())
+            << q.lastError().text().toStdString();
+        sums[table] = q.value(0).toString() + ":" + q.value(1).toString();
+    }
+    EXPECT_FALSE(sums.empty()) << like.toStdString();
+    return sums;
+}
+
+std::map<QString, QString> Group(QSqlDatabase db, const QString& database, const QString& group)
+{
+    return Sums(db, database, "cdb\\_%", group);
+}
+
+const QString kWaits = "正由主机";
+
+} // namespace
+
+class Concurrent : public DbTest
+{
+protected:
+    // A base database made by the study program (the IEEE 14-bus case, job 0 studied), kept.
+    QString Base(const QString& name)
+    {
+        const QString db = name + QString::number(QCoreApplication::applicationPid());
+        m_made << db;
+        const std::vector<Ended> made = AtOnce({{"--database", db, "--keep", "--quiet"}});
+        EXPECT_EQ(made[0].status, 0) << made[0].err.toStdString();
+        return db;
+    }
+    void TearDown() override
+    {
+        for (const QString& db : m_made) {
+            Exec("DROP DATABASE IF EXISTS " + db);
+        }
+    }
+    QStringList m_made;
+};
+
+TEST_F(Concurrent, FourStudiesAtOnceEqualTheFourInTurnAndTwoOnOneJobOrGroupNeverMix)
+{
+    const QString together = Base("t_together_"), inTurn = Base("t_in_turn_");
+    QList<QStringList> four, fourInTurn;
+    for (int job : {1, 2, 5, 7}) {
+        four << Study(together, job, QString("G%1").arg(job));
+        fourInTurn << Study(inTurn, job, QString("G%1").arg(job));
+    }
+    for (const Ended& e : AtOnce(four)) {
+        EXPECT_EQ(e.status, 0) << e.err.toStdString();
+    }
+    for (const QStringList& run : fourInTurn) {
+        EXPECT_EQ(AtOnce({run})[0].status, 0);
+    }
+    // Every job, result, case and base table (the groups' copies with them) as in turn.
+    for (const char* like : {"l%", "cdb\\_%"}) {
+        EXPECT_EQ(Sums(checker(), together, like), Sums(checker(), inTurn, like)) << like;
+    }
+
+    // One job at once: one of the two waits for it and then completes; the job's tables and
+    // both groups' copies are one whole run's.
+    const std::vector<Ended> sameJob =
+        AtOnce({Study(together, 1, "H1"), Study(together, 1, "H2")});
+    EXPECT_EQ(sameJob[0].status, 0) << sameJob[0].err.toStdString();
+    EXPECT_EQ(sameJob[1].status, 0) << sameJob[1].err.toStdString();
+    EXPECT_EQ(sameJob[0].out.count(kWaits) + sameJob[1].out.count(kWaits), 1);
+    EXPECT_TRUE((sameJob[0].out + sameJob[1].out)
+                    .contains("作业 1 的潮流作业表 正由主机 " + QSysInfo::machineHostName()));
+    EXPECT_EQ(Sums(checker(), together, "l%\\_1"), Sums(checker(), inTurn, "l%\\_1"));
+    EXPECT_EQ(Group(checker(), together, "H1"), Group(checker(), inTurn, "G1"));
+    EXPECT_EQ(Group(checker(), together, "H2"), Group(checker(), inTurn, "G1"));
+
+    // One new group (of the longest Chinese name) at once, on two jobs: one writer's copies
+    // and one group row; the other run waits for the group and is refused, status 3.
+    const QString cn = "华北电网运行方式调整";
+    std::vector<Ended> sameGroup = AtOnce({Study(together, 2, cn), Study(together, 5, cn)});
+    std::sort(sameGroup.begin(), sameGroup.end(),
+              [](const Ended& a, const Ended& b) { return a.status < b.status; });
+    EXPECT_EQ(sameGroup[0].status, 0) << sameGroup[0].err.toStdString();
+    EXPECT_EQ(sameGroup[1].status, 3) << sameGroup[1].err.toStdString();
+    EXPECT_EQ(sameGroup[1].err, "calcdata_demo: 数据组 " + cn +
+                                    " 已存在（已由其他运行新建），本次新建数据组的回存未写入任何数据。\n");
+    EXPECT_EQ(Scalar(QString("SELECT COUNT(*) FROM %1.CDB_DATAGROUPBAK WHERE GrpName='%2'")
+                         .arg(together, cn)),
+              "1");
+    EXPECT_EQ(Group(checker(), together, cn), Group(checker(), inTurn, "G2"));
+}
+
+// Killed with SIGKILL while its save-back waits at the generators' copy (another session
+// holds their rows shared): the lease rows stay, and the next run on the same job and group
+// takes them over at once (no waiting: --wait 0). All-or-nothing leaves the base as before.
+TEST_F(Concurrent, AStudyKilledInItsSaveBackLeavesNoLeaseThatStopsTheNext)
+{
+    const QString base = Base("t_killed_");
+    const QString node = Scalar("SELECT CONCAT(@@hostname, ':', @@port)");
+    for (const bool whole : {false, true}) {
+        SCOPED_TRACE(whole ? "all-or-nothing" : "ordinary");
+        const QString group = whole ? "K_WHOLE" : "K_ORDINARY";
+        Exec("USE " + base); // on the helpers' connection, whose checksums follow
+        const auto before = BaseChecksums(checker());
+        QSqlDatabase blocker = scratch().openSecondConnection(whole ? "b1" : "b0");
+        QSqlQuery hold(blocker);
+        ASSERT_TRUE(hold.exec("USE " + base) && hold.exec("START TRANSACTION") &&
+                    hold.exec("SELECT * FROM CDB_GENERATBAK LOCK IN SHARE MODE"));
+
+        QProcess study;
+        study.start(QStringLiteral(CALCDATA_DEMO_PROGRAM),
+                    Study(base, 1, group) + (whole ? QStringList{"--all-or-nothing"} : QStringList{}));
+        QString waiting;
+        for (int i = 0; i < 600 && waiting.isEmpty(); ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            waiting = Scalar(QString("SELECT ID FROM information_schema.PROCESSLIST WHERE DB='%1' "
+                                     "AND INFO LIKE 'insert into CDB_GENERATBAK(%'")
+                                 .arg(base));
+        }
+        ASSERT_FALSE(waiting.isEmpty()) << "the save-back never reached the generators";
+        const qint64 pid = study.processId();
+        study.kill(); // SIGKILL
+        study.waitForFinished();
+        hold.exec("ROLLBACK"); // the dead run's statement ends, and its connection with it
+        for (int i = 0; i < 600 && Scalar("SELECT COUNT(*) FROM information_schema.PROCESSLIST "
+                                          "WHERE ID=" + waiting) != "0";
+             ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        }
+        EXPECT_EQ(Scalar("SELECT GROUP_CONCAT(Resource ORDER BY Resource) FROM CALC_LEASE WHERE "
+                         "Conn_Id=" + waiting),
+                  "group " + group + ",job L 1")
+            << "the dead run's leases stand";
+        if (whole) {
+            EXPECT_EQ(BaseChecksums(checker()), before);
+        }
+        const Ended next = AtOnce({Study(base, 1, group) << "--wait" << "0"})[0];
+        EXPECT_EQ(next.status, 0) << next.err.toStdString();
+        EXPECT_TRUE(next.out.contains(
+            QString("  [ 1] 作业 1 的潮流作业表 的持有者（主机 %1 上进程 %2 的连接 %3，节点 %4）"
+                    "已不在，由本次运行接手。\n")
+                .arg(QSysInfo::machineHostName())
+                .arg(pid)
+                .arg(waiting, node)))
+            << next.out.toStdString();
+        EXPECT_EQ(Scalar("SELECT COUNT(*) FROM CALC_LEASE"), "0");
+        Exec("USE " + scratch().name());
+    }
+}
+
+// Through two nodes of a Galera cluster (the suite's server being node 1): one job at once,
+// then one new group at once.
+TEST_F(Concurrent, TwoAtOnceThroughTwoNodesOfACluster)
+{
+    if (qEnvironmentVariable("CALCDATA_CLUSTER_SOCKETS").split(',', Qt::SkipEmptyParts).size() < 3) {
+        GTEST_SKIP() << "no cluster given (scripts/test.sh's cluster run gives one)";
+    }
+    QProcess env;
+    env.start("bash", {dbserver::SourceDir() + "/scripts/cluster.sh", "env", "2"});
+    ASSERT_TRUE(env.waitForFinished(60000));
+    const QString port2 = QString::fromUtf8(env.readAllStandardOutput())
+                              .section("CALCDATA_DB_PORT=", 1)
+                              .section(QRegularExpression("\\s"), 0, 0);
+    ASSERT_FALSE(port2.isEmpty());
+    const QString base = Base("t_nodes_");
+    Exec("SET SESSION wsrep_sync_wait=1"); // the helpers read what node 2 committed
+    const QStringList node2 = {"--server", "127.0.0.1:" + port2, "--user", "root"};
+    const std::vector<Ended> sameJob = AtOnce({Study(base, 1, "N1"), Study(base, 1, "N2") + node2});
+    EXPECT_EQ(sameJob[0].status, 0) << sameJob[0].err.toStdString();
+    EXPECT_EQ(sameJob[1].status, 0) << sameJob[1].err.toStdString();
+    EXPECT_EQ(sameJob[0].out.count(kWaits) + sameJob[1].out.count(kWaits), 1);
+    EXPECT_EQ(Group(checker(), base, "N1"), Group(checker(), base, "NEW"));
+    EXPECT_EQ(Group(checker(), base, "N2"), Group(checker(), base, "NEW"));
+
+    std::vector<Ended> sameGroup = AtOnce({Study(base, 2, "N3"), Study(base, 5, "N3") + node2});
+    EXPECT_EQ(sameGroup[0].status + sameGroup[1].status, 3)
+        << sameGroup[0].err.toStdString() << sameGroup[1].err.toStdString();
+    EXPECT_EQ(Scalar(QString("SELECT COUNT(*) FROM %1.CDB_DATAGROUPBAK WHERE GrpName='N3'")
+                         .arg(base)),
+              "1");
+    EXPECT_EQ(Group(checker(), base, "N3"), Group(checker(), base, "NEW"));
+}
