@@ -54,10 +54,10 @@ QStringList Study(const QString& db, int job, const QString& group)
 // Per table of `db`: the row count and the sum of each row's CRC32 over every column but the
 // server's numbering (id, RowKey): equal for equal contents, whatever order the rows came in.
 // With `group`, the rows of that data group in the tables that have groups, GrpName left out.
-std::map<QString, QString> Sums(QSqlDatabase db, const QString& database, const QString& like,
+std::map<std::string, std::string> Sums(QSqlDatabase db, const QString& database, const QString& like,
                                 const QString& group = QString())
 {
-    std::map<QString, QString> sums;
+    std::map<std::string, std::string> sums;
     QSqlQuery tables(db);
     tables.exec(QString("SELECT TABLE_NAME, GROUP_CONCAT(IF(COLUMN_NAME IN ('id', 'RowKey', '%1'), "
                         "NULL, CONCAT('`', COLUMN_NAME, '`')) ORDER BY ORDINAL_POSITION), "
@@ -78,13 +78,13 @@ std::map<QString, QString> Sums(QSqlDatabase db, const QString& database, const 
                                     group.isEmpty() ? "1" : "GrpName='" + group + "'")) &&
                     q.next())
             << q.lastError().text().toStdString();
-        sums[table] = q.value(0).toString() + ":" + q.value(1).toString();
+        sums[table.toStdString()] = (q.value(0).toString() + ":" + q.value(1).toString()).toStdString();
     }
     EXPECT_FALSE(sums.empty()) << like.toStdString();
     return sums;
 }
 
-std::map<QString, QString> Group(QSqlDatabase db, const QString& database, const QString& group)
+std::map<std::string, std::string> Group(QSqlDatabase db, const QString& database, const QString& group)
 {
     return Sums(db, database, "cdb\\_%", group);
 }

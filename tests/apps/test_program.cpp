@@ -96,7 +96,10 @@ TEST(StudyOptions, AcceptsWhatTheHelpOffersAndRefusesTheRestInOneLine)
         {"--server", "host:99999"},      {"--server", "host:port"},
         {"--user", "eng"},               {"--database", "x;DROP DATABASE y"},
         {"--out", ""},                   {"--keep=yes"},
-        {"--save-case", "solved.json"},  {"ieee14.json"}};
+        {"--save-case", "solved.json"},  {"ieee14.json"},
+        {"--existing"},                  {"--database", "b", "--existing", "--synthetic", "9"},
+        {"--job", "-1"},                 {"--wait", "soon"},
+        {"--scheme", "华北电网运行方式调整计算方案甲乙丙"}};
     for (const QStringList& args : refused) {
         EXPECT_EQ(Parse(cl, args), StudyCommandLine::Invalid) << args.join(' ').toStdString();
         EXPECT_FALSE(cl.error().isEmpty() || cl.error().contains('\n')) << cl.error().toStdString();
@@ -143,6 +146,9 @@ TEST_F(Program, RefusesInOneLineWithStatusTwoAndLeavesNothingBehind)
     refused({"--server", "127.0.0.1:1", "--database", never}, "");
     refused({"--group", "华北电网运行方式调整甲", "--database", never}, "--group needs");
     refused({"--database", scratch().name()}, "");
+    refused({"--database", never, "--existing"}, "cannot open the database " + never);
+    // The suite's database has no tables of job 3.
+    refused({"--database", scratch().name(), "--existing", "--job", "3"}, "");
     EXPECT_TRUE(DatabaseExists(scratch().name()));
     EXPECT_EQ(Count("LF_CASE"), 0) << "the suite's own database still answers";
     QProcessEnvironment noClient = QProcessEnvironment::systemEnvironment();
