@@ -3,11 +3,15 @@
 #include "Faults.h"
 #include "StabilityNetwork.h"
 #include "TableSnapshots.h"
+#include "common/Feedback.h"
+#include "common/RunGuard.h"
 #include "common/SaveBackStatements.h"
 #include "platform/CDatabase.h"
 #include "stability/jobdata/STCalDataTransfer.h"
 
+#include <QCoreApplication>
 #include <QSqlError>
+#include <QSysInfo>
 #include <QSqlQuery>
 
 using namespace sttest;
@@ -390,6 +394,62 @@ TEST_F(SaveBack, AFailureInTheLoadsLeavesTLoadAndTheNextRunsFailUntilItIsDropped
     EXPECT_EQ(Scalar("SELECT Load_Model FROM CDB_LOADBAK"), "4");
     EXPECT_EQ(feedback().texts(1),
               (std::vector<std::string>{"回存负荷数目：1", "回存元件总数：1"}));
+}
+
+// With the guard of a shared database: TLoad held by another run makes the save-back say once
+// for whom it waits and give up having written nothing; let go, the run saves; held by a
+// connection that is gone, it is taken over at once; a new group whose name exists is refused.
+TEST_F(SaveBack, WithTheGuardATLoadHeldByAnotherRunIsWaitedForAndADeadHoldersIsTakenOver)
+{
+    Exec("UPDATE S6_7 SET Load_Model=4");
+    QSqlDatabase other = scratch().openSecondConnection("tload_holder");
+    unsigned long holderId = 0;
+    ASSERT_TRUE(ConnectionId(&other, &holderId));
+    auto holder = std::make_unique<CRunGuard>(&other, 0);
+    ASSERT_TRUE(holder->Take({runguard::WorkTable("TLoad")}));
+
+    const QString holderText = QString("主机 %1 上进程 %2 的连接 %3")
+                                   .arg(QSysInfo::machineHostName())
+                                   .arg(QCoreApplication::applicationPid())
+                                   .arg(holderId);
+    const QString node = Scalar("SELECT CONCAT(@@hostname, ':', @@port)");
+    const QString who = holderText + "（节点 " + node + "）";
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), nullptr);
+    job.SetRunGuard(1);
+    EXPECT_EQ(job.SaveSDataToBaseDB("NEW", false), 1);
+    EXPECT_EQ(feedback().texts(1), (std::vector<std::string>{
+                                       ("工作表 TLoad 正由" + who + "使用，等待其完成，至多 1 秒……")
+                                           .toStdString()}));
+    const std::string refusal =
+        ("等待 1 秒后工作表 TLoad仍由" + who + "使用，本次运行未写入任何数据。").toStdString();
+    EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{refusal}));
+    EXPECT_EQ(job.RunGuardRefusal().toStdString(), refusal);
+    EXPECT_EQ(Scalar("SELECT Load_Model FROM CDB_LOADBAK"), "3");
+    EXPECT_EQ(Scalar("SHOW TABLES LIKE 'TLoad'"), "");
+
+    holder->Release();
+    feedback().clear();
+    EXPECT_EQ(job.SaveSDataToBaseDB("NEW", false), 0);
+    EXPECT_EQ(Scalar("SELECT Load_Model FROM CDB_LOADBAK"), "4");
+    EXPECT_EQ(Scalar("SELECT COUNT(*) FROM CALC_LEASE"), "0");
+
+    // The holder's connection drops with its lease held (its guard's own connections stay).
+    ASSERT_TRUE(holder->Take({runguard::WorkTable("TLoad")}));
+    other.close();
+    Exec("UPDATE S6_7 SET Load_Model=5");
+    feedback().clear();
+    job.SetRunGuard(0);
+    EXPECT_EQ(job.SaveSDataToBaseDB("NEW", false), 0);
+    EXPECT_EQ(feedback().texts(1)[0],
+              ("工作表 TLoad 的持有者（" + holderText + "，节点 " + node + "）已不在，由本次运行接手。")
+                  .toStdString());
+    EXPECT_EQ(Scalar("SELECT Load_Model FROM CDB_LOADBAK"), "5");
+
+    feedback().clear();
+    EXPECT_EQ(job.SaveSDataToBaseDB("G", true), 1);
+    EXPECT_EQ(feedback().texts(2),
+              (std::vector<std::string>{"数据组 G 已存在（已由其他运行新建），本次新建数据组的回存未写入任何数据。"}));
+    holder.reset();
 }
 
 // ---- The save-back's preview and its all-or-nothing option ----
