@@ -65,10 +65,11 @@ int refuse(const QString& why, int status = 2)
 // it holds the base tables the study reads and writes and the job's tables.
 QString MissingTables(QSqlDatabase* db, int job)
 {
-    QStringList wanted = {"CDB_SBBAK", "CDB_NODEBAK", "CDB_BUSBAK", "CDB_ACLINEBAK",
-                          "CDB_TRANS_2WBAK", "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_BREAKERBAK",
-                          "CDB_ISOSWITCHBAK", "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK",
-                          "CDB_DATAGROUPBAK", "LF_CASE", "LFR_BS_R"};
+    QStringList wanted = {"CDB_SBBAK",        "CDB_NODEBAK",       "CDB_BUSBAK",
+                          "CDB_ACLINEBAK",    "CDB_TRANS_2WBAK",   "CDB_GENERATBAK",
+                          "CDB_LOADBAK",      "CDB_BREAKERBAK",    "CDB_ISOSWITCHBAK",
+                          "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "CDB_DATAGROUPBAK",
+                          "LF_CASE",          "LFR_BS_R"};
     const int base = wanted.size();
     for (const char* prefix : {"L1", "L2", "L3", "L4", "L5", "L6", "LK"}) {
         wanted << QStringLiteral("%1_%2").arg(prefix).arg(job);

@@ -104,11 +104,26 @@ QString Describe(const QString& resource)
 
 QString GroupExistsMessage(const QString& group)
 {
-    return QStringLiteral("数据组 %1 已存在（已由其他运行新建），本次新建数据组的回存未写入任何数据。")
+    return QStringLiteral(
+               "数据组 %1 已存在（已由其他运行新建），本次新建数据组的回存未写入任何数据。")
         .arg(group);
 }
 
 } // namespace runguard
+
+SaveBackPreview CTransferGuard::Preview(QSqlDatabase* db, const QStringList& resources,
+                                        const std::function<SaveBackPreview()>& preview)
+{
+    SaveBackPreview p;
+    if (Run(db, resources, QString(), [&] {
+            p = preview();
+            return CALC_OK;
+        }) != CALC_OK) {
+        p.result = CALC_FAIL;
+        p.refused = m_refusal;
+    }
+    return p;
+}
 
 int CTransferGuard::Run(QSqlDatabase* db, const QStringList& resources, const QString& newGroup,
                         const std::function<int()>& work)
@@ -132,9 +147,7 @@ int CTransferGuard::Run(QSqlDatabase* db, const QStringList& resources, const QS
     return work();
 }
 
-CRunGuard::CRunGuard(QSqlDatabase* db, int waitSeconds) : m_db(db), m_waitSeconds(waitSeconds)
-{
-}
+CRunGuard::CRunGuard(QSqlDatabase* db, int waitSeconds) : m_db(db), m_waitSeconds(waitSeconds) {}
 
 CRunGuard::~CRunGuard()
 {
@@ -157,8 +170,8 @@ bool CRunGuard::Open()
     }
     QSqlDatabase guard = QSqlDatabase::database(m_connection, false);
     if (!guard.open()) {
-        m_refusal = QStringLiteral("the guard cannot open its connection: ") +
-                    guard.lastError().text();
+        m_refusal =
+            QStringLiteral("the guard cannot open its connection: ") + guard.lastError().text();
         return false;
     }
     QSqlQuery q(guard);
@@ -167,8 +180,8 @@ bool CRunGuard::Open()
     q.exec("SET SESSION wsrep_sync_wait=1");
     q.exec("SET SESSION innodb_lock_wait_timeout=5");
     if (!q.exec(kCreateLease)) {
-        m_refusal = QStringLiteral("the guard cannot make its table CALC_LEASE: ") +
-                    q.lastError().text();
+        m_refusal =
+            QStringLiteral("the guard cannot make its table CALC_LEASE: ") + q.lastError().text();
         return false;
     }
     // The guard's connection reaches the node that `db` reaches (the same address).
@@ -195,8 +208,8 @@ bool CRunGuard::GroupExists(const QString& group)
         return false;
     }
     QSqlQuery q(QSqlDatabase::database(m_connection, false));
-    return Run(q, "SELECT COUNT(*) FROM CDB_DATAGROUPBAK WHERE GrpName=?", {group}) &&
-           q.next() && q.value(0).toLongLong() > 0;
+    return Run(q, "SELECT COUNT(*) FROM CDB_DATAGROUPBAK WHERE GrpName=?", {group}) && q.next() &&
+           q.value(0).toLongLong() > 0;
 }
 
 CRunGuard::Holder CRunGuard::ReadHolder(const QString& resource)
@@ -221,8 +234,7 @@ bool CRunGuard::HolderGone(const QString& resource, const Holder& h)
 {
     if (h.node == m_node && (m_seeAll || h.login == m_login)) {
         QSqlQuery q(QSqlDatabase::database(m_connection, false));
-        return Run(q, "SELECT COUNT(*) FROM information_schema.PROCESSLIST WHERE ID=?",
-                   {h.conn}) &&
+        return Run(q, "SELECT COUNT(*) FROM information_schema.PROCESSLIST WHERE ID=?", {h.conn}) &&
                q.next() && q.value(0).toLongLong() == 0;
     }
     const QString key = QStringLiteral("%1|%2|%3").arg(resource).arg(h.conn).arg(h.node);
@@ -241,8 +253,9 @@ CRunGuard::TakeResult CRunGuard::TryTake(const QString& resource, Holder& holder
     const QVariantList mine = {m_workConn, m_node, m_login, m_client,
                                QCoreApplication::applicationPid()};
     for (int attempt = 0; attempt < 2; ++attempt) {
-        if (Run(q, "INSERT INTO CALC_LEASE (Resource, Conn_Id, Node, Login, Client, Pid, Beat, "
-                   "Since) VALUES (?, ?, ?, ?, ?, ?, 0, NOW())",
+        if (Run(q,
+                "INSERT INTO CALC_LEASE (Resource, Conn_Id, Node, Login, Client, Pid, Beat, "
+                "Since) VALUES (?, ?, ?, ?, ?, ?, 0, NOW())",
                 QVariantList{resource} + mine)) {
             return Taken;
         }
@@ -260,8 +273,9 @@ CRunGuard::TakeResult CRunGuard::TryTake(const QString& resource, Holder& holder
     if (!HolderGone(resource, holder)) {
         return Busy;
     }
-    if (Run(q, "UPDATE CALC_LEASE SET Conn_Id=?, Node=?, Login=?, Client=?, Pid=?, Beat=0, "
-               "Since=NOW() WHERE Resource=? AND Conn_Id=? AND Node=? AND Beat=?",
+    if (Run(q,
+            "UPDATE CALC_LEASE SET Conn_Id=?, Node=?, Login=?, Client=?, Pid=?, Beat=0, "
+            "Since=NOW() WHERE Resource=? AND Conn_Id=? AND Node=? AND Beat=?",
             mine + QVariantList{resource, holder.conn, holder.node, holder.beat}) &&
         q.numRowsAffected() == 1) {
         ShowMessage(FormatText("%s 的持有者（主机 %s 上进程 %lld 的连接 %lld，节点 %s）已不在，"
@@ -323,8 +337,8 @@ bool CRunGuard::Take(const QStringList& wanted)
         if (!told) {
             ShowMessage(FormatText("%s 正由主机 %s 上进程 %lld 的连接 %lld（节点 %s）使用，"
                                    "等待其完成，至多 %d 秒……",
-                                   what.constData(), client.constData(), holder.pid,
-                                   holder.conn, node.constData(), m_waitSeconds),
+                                   what.constData(), client.constData(), holder.pid, holder.conn,
+                                   node.constData(), m_waitSeconds),
                         MSG_PROGRESS);
             told = true;
         }

@@ -14,6 +14,8 @@
 // only. It dies with its holder: see the .cpp for how a lease whose run is gone is taken
 // over.
 
+#include "SaveBackPreview.h"
+
 #include <QSqlDatabase>
 #include <QString>
 #include <QStringList>
@@ -25,10 +27,10 @@
 namespace runguard {
 
 // The resources, by name. The names are the rows' keys; Describe says them to a user.
-QString WorkTable(const char* table);            // "table tmp", "table TLoad"
-QString JobTables(const char* family, int job);  // "job L 3": L1_3 ... LK_3 and LF_CASE's row
-QString DataGroup(const QString& group);         // "group NAME": a data group being written
-QString Describe(const QString& resource);       // the words of the messages
+QString WorkTable(const char* table);           // "table tmp", "table TLoad"
+QString JobTables(const char* family, int job); // "job L 3": L1_3 ... LK_3 and LF_CASE's row
+QString DataGroup(const QString& group);        // "group NAME": a data group being written
+QString Describe(const QString& resource);      // the words of the messages
 
 // The message of a run refused since its new data group `group` exists already.
 QString GroupExistsMessage(const QString& group);
@@ -56,6 +58,9 @@ public:
     // taken beyond the wait or the group exists.
     int Run(QSqlDatabase* db, const QStringList& resources, const QString& newGroup,
             const std::function<int()>& work);
+    // A preview run as Run runs its work; refused, a preview that says why and would stop.
+    SaveBackPreview Preview(QSqlDatabase* db, const QStringList& resources,
+                            const std::function<SaveBackPreview()>& preview);
     // Why the last Run did not run its work; empty when it did.
     const QString& Refusal() const { return m_refusal; }
     // Seconds its runs waited for other runs, in all.

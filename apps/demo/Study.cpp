@@ -91,11 +91,9 @@ bool Study::Extract()
 
 bool Study::BuildAndImport()
 {
-    if (!timed("network records from the job tables",
-               [&] {
-                   return BuildNetworkRecords(m_db, m_job, m_rtdb, m_counts, m_error,
-                                              counter("job rows"));
-               })) {
+    if (!timed("network records from the job tables", [&] {
+            return BuildNetworkRecords(m_db, m_job, m_rtdb, m_counts, m_error, counter("job rows"));
+        })) {
         return false;
     }
     return timed("ImportLDataToRTDB and commit", [&] {

@@ -87,8 +87,7 @@ public:
     // job tables and saved into the data group `group`. The save-back's outcome is kept:
     // in the mended statement mode it runs to its end; in the faithful mode this server
     // stops it at the two-winding transformers, as designed.
-    bool ChangeAndSaveBack(const QString& group,
-                           SaveStatementMode mode = SaveStatementMode::Mended,
+    bool ChangeAndSaveBack(const QString& group, SaveStatementMode mode = SaveStatementMode::Mended,
                            bool allOrNothing = false);
     int saveBackResult() const { return m_saveBack; }
     const QString& changedGenerator() const { return m_changedGen; }

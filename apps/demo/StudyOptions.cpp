@@ -221,8 +221,8 @@ StudyCommandLine::Outcome StudyCommandLine::parse(const QStringList& arguments,
         }
         o.allOrNothing = m_parser.isSet(m_allOrNothing);
         // Whole numbers within their range, each checked alike.
-        for (auto [option, target, least] : {std::make_tuple(&m_job, &o.job, 0),
-                                             std::make_tuple(&m_wait, &o.waitSeconds, 0)}) {
+        for (auto [option, target, least] :
+             {std::make_tuple(&m_job, &o.job, 0), std::make_tuple(&m_wait, &o.waitSeconds, 0)}) {
             if (!m_parser.isSet(*option)) {
                 continue;
             }

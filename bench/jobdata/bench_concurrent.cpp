@@ -44,8 +44,8 @@ StudyTime OneStudy(const QString& database, int job, const QString& group)
         t.ok = extract.ImportLDataFromBaseDB() == 0;
         t.extractWait = extract.RunGuardWaited();
         QSqlQuery q(db);
-        t.ok = t.ok && q.exec(QStringLiteral("UPDATE L5_%1 SET Pg=Pg+0.01 WHERE MOD(EleID,10)=0")
-                                  .arg(job));
+        t.ok = t.ok &&
+               q.exec(QStringLiteral("UPDATE L5_%1 SET Pg=Pg+0.01 WHERE MOD(EleID,10)=0").arg(job));
         CLFCalDataTransfer save(job, scheme, &db, nullptr);
         save.SetStatementMode(SaveStatementMode::Mended);
         save.SetRunGuard(600);
@@ -84,7 +84,8 @@ void BM_FourStudies(benchmark::State& state)
         QElapsedTimer timer;
         timer.start();
         for (int job : kJobs) {
-            ok = ok && OneStudy(scratch.name(), job, QStringLiteral("S_%1_%2").arg(job).arg(round)).ok;
+            ok = ok &&
+                 OneStudy(scratch.name(), job, QStringLiteral("S_%1_%2").arg(job).arg(round)).ok;
         }
         inTurn += timer.nsecsElapsed() / 1e9;
         state.PauseTiming();

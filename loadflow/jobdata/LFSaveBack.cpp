@@ -69,18 +69,12 @@ int CLFCalDataTransfer::SaveLDataToBaseDB(QString groupName, bool newGroup)
 SaveBackPreview CLFCalDataTransfer::PreviewLDataToBaseDB(QString groupName, bool newGroup)
 {
     CRunTimeLog frame("PreviewLDataToBaseDB");
-    SaveBackPreview preview;
-    if (m_guard.Run(m_pDB, {runguard::JobTables("L", m_nJobNumber)}, QString(), [&] {
-            preview = m_saveBack.Preview(
-                groupName, newGroup, [&] { return RunSaveBack(groupName, newGroup); }, Nbus,
-                Ngenerat, Nload, Nacline, Ndcline, Ntrans, Nswitch, m_strGroupName, m_bNewGroup,
-                m_nNewElements, m_NewNodes);
-            return CALC_OK;
-        }) != CALC_OK) {
-        preview.result = CALC_FAIL;
-        preview.refused = m_guard.Refusal();
-    }
-    return preview;
+    return m_guard.Preview(m_pDB, {runguard::JobTables("L", m_nJobNumber)}, [&] {
+        return m_saveBack.Preview(
+            groupName, newGroup, [&] { return RunSaveBack(groupName, newGroup); }, Nbus, Ngenerat,
+            Nload, Nacline, Ndcline, Ntrans, Nswitch, m_strGroupName, m_bNewGroup, m_nNewElements,
+            m_NewNodes);
+    });
 }
 
 int CLFCalDataTransfer::RunSaveBack(const QString& groupName, bool newGroup)

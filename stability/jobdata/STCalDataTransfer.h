@@ -49,9 +49,10 @@ public:
     SaveBackPreview PreviewSDataToBaseDB(QString groupName, bool newGroup);
     // The guard of a database that other runs share (off by default; common/RunGuard.h):
     // given a wait of 0 seconds or more, extraction holds the table tmp and the job's tables
-    // for its time, save-back and its preview the table TLoad, the job's tables and the data group, and a
-    // save-back into a new group runs only where no group of that name exists yet. A run the
-    // guard refuses returns 1 having written nothing, and RunGuardRefusal() says why.
+    // for its time, save-back and its preview the table TLoad, the job's tables and the data
+    // group, and a save-back into a new group runs only where no group of that name exists
+    // yet. A run the guard refuses returns 1 having written nothing, and RunGuardRefusal()
+    // says why.
     void SetRunGuard(int waitSeconds) { m_guard.SetWait(waitSeconds); }
     const QString& RunGuardRefusal() const { return m_guard.Refusal(); }
     double RunGuardWaited() const { return m_guard.Waited(); } // seconds, in all

@@ -32,26 +32,21 @@ int CSTCalDataTransfer::SaveSDataToBaseDB(QString groupName, bool newGroup)
     return m_guard.Run(m_pDB,
                        {runguard::WorkTable("TLoad"), runguard::JobTables("S", m_nJobNumber),
                         runguard::DataGroup(groupName)},
-                       newGroup ? groupName : QString(),
-                       [&] { return m_saveBack.Save([&] { return RunSaveBack(groupName, newGroup); }); });
+                       newGroup ? groupName : QString(), [&] {
+                           return m_saveBack.Save([&] { return RunSaveBack(groupName, newGroup); });
+                       });
 }
 
 SaveBackPreview CSTCalDataTransfer::PreviewSDataToBaseDB(QString groupName, bool newGroup)
 {
-    SaveBackPreview preview;
     // The preview makes TLoad too, by the design's statement.
-    if (m_guard.Run(m_pDB, {runguard::WorkTable("TLoad"), runguard::JobTables("S", m_nJobNumber)},
-                    QString(), [&] {
-                        preview = m_saveBack.Preview(
-                            groupName, newGroup, [&] { return RunSaveBack(groupName, newGroup); },
-                            Nbus, Nacline, Ntrans, Ndcline, Ngenerat, Nload, Nsvc, m_strGroupName,
-                            m_bNewGroup, m_nReserved);
-                        return CALC_OK;
-                    }) != CALC_OK) {
-        preview.result = CALC_FAIL;
-        preview.refused = m_guard.Refusal();
-    }
-    return preview;
+    return m_guard.Preview(
+        m_pDB, {runguard::WorkTable("TLoad"), runguard::JobTables("S", m_nJobNumber)}, [&] {
+            return m_saveBack.Preview(
+                groupName, newGroup, [&] { return RunSaveBack(groupName, newGroup); }, Nbus,
+                Nacline, Ntrans, Ndcline, Ngenerat, Nload, Nsvc, m_strGroupName, m_bNewGroup,
+                m_nReserved);
+        });
 }
 
 int CSTCalDataTransfer::RunSaveBack(const QString& groupName, bool newGroup)

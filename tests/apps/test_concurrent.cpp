@@ -54,8 +54,8 @@ QStringList Study(const QString& db, int job, const QString& group)
 // Per table of `db`: the row count and the sum of each row's CRC32 over every column but the
 // server's numbering (id, RowKey): equal for equal contents, whatever order the rows came in.
 // With `group`, the rows of that data group in the tables that have groups, GrpName left out.
-std::map<std::string, std::string> Sums(QSqlDatabase db, const QString& database, const QString& like,
-                                const QString& group = QString())
+std::map<std::string, std::string> Sums(QSqlDatabase db, const QString& database,
+                                        const QString& like, const QString& group = QString())
 {
     std::map<std::string, std::string> sums;
     QSqlQuery tables(db);
@@ -70,21 +70,23 @@ std::map<std::string, std::string> Sums(QSqlDatabase db, const QString& database
         }
         QSqlQuery q(db);
         const QString table = tables.value(0).toString();
-        EXPECT_TRUE(q.exec(QString("SELECT COUNT(*), COALESCE(SUM(CRC32(CONCAT_WS('|', %1))), 0) "
-                                   "FROM `%2`.`%3` WHERE %4")
-                               .arg(tables.value(1).toString().isEmpty() ? "''" // GrpName alone
-                                                                        : tables.value(1).toString(),
-                                    database, table,
-                                    group.isEmpty() ? "1" : "GrpName='" + group + "'")) &&
-                    q.next())
+        EXPECT_TRUE(
+            q.exec(QString("SELECT COUNT(*), COALESCE(SUM(CRC32(CONCAT_WS('|', %1))), 0) "
+                           "FROM `%2`.`%3` WHERE %4")
+                       .arg(tables.value(1).toString().isEmpty() ? "''" // GrpName alone
+                                                                 : tables.value(1).toString(),
+                            database, table, group.isEmpty() ? "1" : "GrpName='" + group + "'")) &&
+            q.next())
             << q.lastError().text().toStdString();
-        sums[table.toStdString()] = (q.value(0).toString() + ":" + q.value(1).toString()).toStdString();
+        sums[table.toStdString()] =
+            (q.value(0).toString() + ":" + q.value(1).toString()).toStdString();
     }
     EXPECT_FALSE(sums.empty()) << like.toStdString();
     return sums;
 }
 
-std::map<std::string, std::string> Group(QSqlDatabase db, const QString& database, const QString& group)
+std::map<std::string, std::string> Group(QSqlDatabase db, const QString& database,
+                                         const QString& group)
 {
     return Sums(db, database, "cdb\\_%", group);
 }
@@ -135,8 +137,7 @@ TEST_F(Concurrent, FourStudiesAtOnceEqualTheFourInTurnAndTwoOnOneJobOrGroupNever
 
     // One job at once: one of the two waits for it and then completes; the job's tables and
     // both groups' copies are one whole run's.
-    const std::vector<Ended> sameJob =
-        AtOnce({Study(together, 1, "H1"), Study(together, 1, "H2")});
+    const std::vector<Ended> sameJob = AtOnce({Study(together, 1, "H1"), Study(together, 1, "H2")});
     EXPECT_EQ(sameJob[0].status, 0) << sameJob[0].err.toStdString();
     EXPECT_EQ(sameJob[1].status, 0) << sameJob[1].err.toStdString();
     EXPECT_EQ(sameJob[0].out.count(kWaits) + sameJob[1].out.count(kWaits), 1);
@@ -154,8 +155,9 @@ TEST_F(Concurrent, FourStudiesAtOnceEqualTheFourInTurnAndTwoOnOneJobOrGroupNever
               [](const Ended& a, const Ended& b) { return a.status < b.status; });
     EXPECT_EQ(sameGroup[0].status, 0) << sameGroup[0].err.toStdString();
     EXPECT_EQ(sameGroup[1].status, 3) << sameGroup[1].err.toStdString();
-    EXPECT_EQ(sameGroup[1].err, "calcdata_demo: 数据组 " + cn +
-                                    " 已存在（已由其他运行新建），本次新建数据组的回存未写入任何数据。\n");
+    EXPECT_EQ(sameGroup[1].err,
+              "calcdata_demo: 数据组 " + cn +
+                  " 已存在（已由其他运行新建），本次新建数据组的回存未写入任何数据。\n");
     EXPECT_EQ(Scalar(QString("SELECT COUNT(*) FROM %1.CDB_DATAGROUPBAK WHERE GrpName='%2'")
                          .arg(together, cn)),
               "1");
@@ -181,7 +183,8 @@ TEST_F(Concurrent, AStudyKilledInItsSaveBackLeavesNoLeaseThatStopsTheNext)
 
         QProcess study;
         study.start(QStringLiteral(CALCDATA_DEMO_PROGRAM),
-                    Study(base, 1, group) + (whole ? QStringList{"--all-or-nothing"} : QStringList{}));
+                    Study(base, 1, group) +
+                        (whole ? QStringList{"--all-or-nothing"} : QStringList{}));
         QString waiting;
         for (int i = 0; i < 600 && waiting.isEmpty(); ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
@@ -195,18 +198,21 @@ TEST_F(Concurrent, AStudyKilledInItsSaveBackLeavesNoLeaseThatStopsTheNext)
         study.waitForFinished();
         hold.exec("ROLLBACK"); // the dead run's statement ends, and its connection with it
         for (int i = 0; i < 600 && Scalar("SELECT COUNT(*) FROM information_schema.PROCESSLIST "
-                                          "WHERE ID=" + waiting) != "0";
+                                          "WHERE ID=" +
+                                          waiting) != "0";
              ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
         }
         EXPECT_EQ(Scalar("SELECT GROUP_CONCAT(Resource ORDER BY Resource) FROM CALC_LEASE WHERE "
-                         "Conn_Id=" + waiting),
+                         "Conn_Id=" +
+                         waiting),
                   "group " + group + ",job L 1")
             << "the dead run's leases stand";
         if (whole) {
             EXPECT_EQ(BaseChecksums(checker()), before);
         }
-        const Ended next = AtOnce({Study(base, 1, group) << "--wait" << "0"})[0];
+        const Ended next = AtOnce({Study(base, 1, group) << "--wait"
+                                                         << "0"})[0];
         EXPECT_EQ(next.status, 0) << next.err.toStdString();
         EXPECT_TRUE(next.out.contains(
             QString("  [ 1] 作业 1 的潮流作业表 的持有者（主机 %1 上进程 %2 的连接 %3，节点 %4）"
@@ -224,7 +230,8 @@ TEST_F(Concurrent, AStudyKilledInItsSaveBackLeavesNoLeaseThatStopsTheNext)
 // then one new group at once.
 TEST_F(Concurrent, TwoAtOnceThroughTwoNodesOfACluster)
 {
-    if (qEnvironmentVariable("CALCDATA_CLUSTER_SOCKETS").split(',', Qt::SkipEmptyParts).size() < 3) {
+    if (qEnvironmentVariable("CALCDATA_CLUSTER_SOCKETS").split(',', Qt::SkipEmptyParts).size() <
+        3) {
         GTEST_SKIP() << "no cluster given (scripts/test.sh's cluster run gives one)";
     }
     QProcess env;
@@ -247,8 +254,8 @@ TEST_F(Concurrent, TwoAtOnceThroughTwoNodesOfACluster)
     std::vector<Ended> sameGroup = AtOnce({Study(base, 2, "N3"), Study(base, 5, "N3") + node2});
     EXPECT_EQ(sameGroup[0].status + sameGroup[1].status, 3)
         << sameGroup[0].err.toStdString() << sameGroup[1].err.toStdString();
-    EXPECT_EQ(Scalar(QString("SELECT COUNT(*) FROM %1.CDB_DATAGROUPBAK WHERE GrpName='N3'")
-                         .arg(base)),
-              "1");
+    EXPECT_EQ(
+        Scalar(QString("SELECT COUNT(*) FROM %1.CDB_DATAGROUPBAK WHERE GrpName='N3'").arg(base)),
+        "1");
     EXPECT_EQ(Group(checker(), base, "N3"), Group(checker(), base, "NEW"));
 }

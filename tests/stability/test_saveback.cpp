@@ -11,8 +11,8 @@
 
 #include <QCoreApplication>
 #include <QSqlError>
-#include <QSysInfo>
 #include <QSqlQuery>
+#include <QSysInfo>
 
 using namespace sttest;
 
@@ -417,9 +417,9 @@ TEST_F(SaveBack, WithTheGuardATLoadHeldByAnotherRunIsWaitedForAndADeadHoldersIsT
     CSTCalDataTransfer job(kJob, kCaseLF, db(), nullptr);
     job.SetRunGuard(1);
     EXPECT_EQ(job.SaveSDataToBaseDB("NEW", false), 1);
-    EXPECT_EQ(feedback().texts(1), (std::vector<std::string>{
-                                       ("工作表 TLoad 正由" + who + "使用，等待其完成，至多 1 秒……")
-                                           .toStdString()}));
+    EXPECT_EQ(feedback().texts(1),
+              (std::vector<std::string>{
+                  ("工作表 TLoad 正由" + who + "使用，等待其完成，至多 1 秒……").toStdString()}));
     const std::string refusal =
         ("等待 1 秒后工作表 TLoad仍由" + who + "使用，本次运行未写入任何数据。").toStdString();
     EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{refusal}));
@@ -440,15 +440,16 @@ TEST_F(SaveBack, WithTheGuardATLoadHeldByAnotherRunIsWaitedForAndADeadHoldersIsT
     feedback().clear();
     job.SetRunGuard(0);
     EXPECT_EQ(job.SaveSDataToBaseDB("NEW", false), 0);
-    EXPECT_EQ(feedback().texts(1)[0],
-              ("工作表 TLoad 的持有者（" + holderText + "，节点 " + node + "）已不在，由本次运行接手。")
-                  .toStdString());
+    EXPECT_EQ(feedback().texts(1)[0], ("工作表 TLoad 的持有者（" + holderText + "，节点 " + node +
+                                       "）已不在，由本次运行接手。")
+                                          .toStdString());
     EXPECT_EQ(Scalar("SELECT Load_Model FROM CDB_LOADBAK"), "5");
 
     feedback().clear();
     EXPECT_EQ(job.SaveSDataToBaseDB("G", true), 1);
     EXPECT_EQ(feedback().texts(2),
-              (std::vector<std::string>{"数据组 G 已存在（已由其他运行新建），本次新建数据组的回存未写入任何数据。"}));
+              (std::vector<std::string>{
+                  "数据组 G 已存在（已由其他运行新建），本次新建数据组的回存未写入任何数据。"}));
     holder.reset();
 }
 
