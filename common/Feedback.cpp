@@ -1,4 +1,5 @@
 #include "common/Feedback.h"
+#include "common/SaveBackStatementText.h"
 
 #include "common/Session.h"
 #include "platform/WinDockFeedback.h"
@@ -87,17 +88,6 @@ MYSQL* mysqlOf(const QSqlDriver* driver)
     return *static_cast<MYSQL* const*>(handle.constData());
 }
 
-// Whether the session of `db` reads a backslash in a string literal as an escape. The
-// server sends its status with every reply, NO_BACKSLASH_ESCAPES among it, so this follows
-// a sql_mode changed during the session with no statement of its own. A connection that is
-// not MariaDB's (or not open) is taken to escape, the server's default: doubling a
-// backslash there is the safe side for a server that escapes.
-bool backslashEscapes(QSqlDatabase* db)
-{
-    unsigned int status = 0;
-    return !ServerStatus(db, &status) || (status & SERVER_STATUS_NO_BACKSLASH_ESCAPES) == 0;
-}
-
 // The client character set of the connection when it is one in which the second byte of a
 // two-byte character can be 0x5C, the backslash; null otherwise. The client library follows
 // a SET NAMES through the server's reply, so this asks no statement of its own.
@@ -120,7 +110,7 @@ constexpr const char* MSG_UNSAFE_CHARSET =
 // The escaped copy of text[0, size), starting at `first`, the first byte to escape.
 QByteArray escapedFrom(QSqlDatabase* db, const char* text, qsizetype size, const char* first)
 {
-    const bool backslash = backslashEscapes(db);
+    const bool backslash = BackslashEscapes(db);
     QByteArray out;
     out.reserve(size + 8);
     out.append(text, first - text);
@@ -144,6 +134,17 @@ const char* firstToEscape(const char* text, qsizetype size)
 }
 
 } // namespace
+
+// Whether the session of `db` reads a backslash in a string literal as an escape. The
+// server sends its status with every reply, NO_BACKSLASH_ESCAPES among it, so this follows
+// a sql_mode changed during the session with no statement of its own. A connection that is
+// not MariaDB's (or not open) is taken to escape, the server's default: doubling a
+// backslash there is the safe side for a server that escapes.
+bool BackslashEscapes(QSqlDatabase* db)
+{
+    unsigned int status = 0;
+    return !ServerStatus(db, &status) || (status & SERVER_STATUS_NO_BACKSLASH_ESCAPES) == 0;
+}
 
 QByteArray SqlText(QSqlDatabase* db, const char* text)
 {

@@ -78,6 +78,13 @@ void CSaveBackPattern::Say(int level, const QByteArray& text, const QString& why
     }
 }
 
+SaveBackPreviewReads CSaveBackPattern::Reads() const
+{
+    return SaveBackPreviewReads(
+        m_pDB, [this](QSqlQuery& q, const QByteArray& sql) { return Send(q, sql); },
+        *m_run.preview);
+}
+
 void CSaveBackPattern::Fail(const QByteArray& sql, const QString& why) const
 {
     m_run.failed = true;
@@ -196,8 +203,12 @@ bool CSaveBackPattern::Write(QSqlQuery& query, const QByteArray& sql, WriteRole 
     case RunKind::Collect:
         return true;
     case RunKind::Preview: {
+        using Listing = SaveBackPreviewReads::Listing;
+        const Listing listing = role == WriteRole::Change    ? Listing::None
+                                : role == WriteRole::Orphan ? Listing::Orphans
+                                                            : Listing::Rows;
         QString why;
-        if (PreviewWrite(sql, role, why)) {
+        if (Reads().Write(sql, listing, why)) {
             return true;
         }
         if (!m_run.preview->refused.isEmpty()) {
@@ -338,9 +349,13 @@ int CSaveBackPattern::Run(const SaveBackFamily& f, bool newGroup, int& counter,
     if (changed > 0) {
         counter += changed;
         const std::vector<QByteArray>& writes = newGroup ? f.intoGroup : f.inPlace;
+        // Into a group, the first write copies rows and the updates after it set their
+        // values; where none follows (breakers and switches), its rows are whole as written.
+        const WriteRole first =
+            newGroup && writes.size() == 1 ? WriteRole::GroupRows : WriteRole::Change;
         int updated = 0; // rows the updates after a copy changed
         for (std::size_t k = 0; k < writes.size(); ++k) {
-            if (!Write(q, writes[k], WriteRole::Change, true)) {
+            if (!Write(q, writes[k], k == 0 ? first : WriteRole::Change, true)) {
                 return CALC_FAIL;
             }
             updated += k > 0 && m_run.kind != RunKind::Preview ? q.numRowsAffected() : 0;
@@ -354,9 +369,14 @@ int CSaveBackPattern::Run(const SaveBackFamily& f, bool newGroup, int& counter,
             return CALC_FAIL;
         }
         // A preview reads the values by the in-place updates in both cases (the copies in
-        // the group get the same assignments), once the writes passed: a family whose copy
-        // the server refuses lists nothing, as it saves nothing.
-        if (m_run.kind == RunKind::Preview && !PreviewChanges(f.inPlace)) {
+        // the group get the same assignments), and into a group also the rows the group
+        // holds already, which its updates rewrite; once the writes passed: a family whose
+        // copy the server refuses lists nothing, as it saves nothing.
+        if (m_run.kind == RunKind::Preview &&
+            !Reads().Changes(f.inPlace, newGroup && writes.size() > 1
+                                            ? std::vector<QByteArray>(writes.begin() + 1,
+                                                                      writes.end())
+                                            : std::vector<QByteArray>())) {
             return CALC_FAIL;
         }
     }

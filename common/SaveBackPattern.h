@@ -38,7 +38,6 @@
 class CDatabase;
 class QSqlDatabase;
 class QSqlQuery;
-class CDatabase;
 
 enum class SaveStatementMode {
     Faithful, // every statement as the design writes it, refused ones included
@@ -174,7 +173,12 @@ private:
         AllOrNothing, // all-or-nothing, the run itself
         Preview,
     };
-    enum class WriteRole { Addition, Orphan, Change };
+    enum class WriteRole {
+        Addition,  // a row the driver adds (the group's, a node's)
+        Orphan,    // job rows without a base row, into the group
+        Change,    // an update, or a copy into the group whose values the updates after it give
+        GroupRows, // rows into the group straight from the job, no update after
+    };
     struct Hoisted
     {
         bool ok = false;
@@ -205,9 +209,8 @@ private:
     // All-or-nothing: false, with the reason shown, when `sql` writes a table that a
     // rollback cannot undo.
     bool Undoable(const QByteArray& sql) const;
-    bool PreviewWrite(const QByteArray& sql, WriteRole role, QString& why) const;
-    bool PreviewAdditions(const QByteArray& sql, bool orphan, QString& why) const;
-    bool PreviewChanges(const std::vector<QByteArray>& updates) const;
+    // The preview's reads, into the run's preview through Send.
+    SaveBackPreviewReads Reads() const;
     void Fail(const QByteArray& sql, const QString& why) const;
     // Drops what the run made and did not drop itself, with the options' own statements.
     void DropCreated() const;

@@ -1,8 +1,9 @@
-// The preview's side of the save-back pattern: the writes it does not run (checked by the
-// server, the rows they would add read through their own select), the changed values
-// read by the in-place updates' own tables and condition, and the report.
+// The preview's reads: the writes it does not run (checked by the server, the rows they
+// would add read through their own select), the changed values read by the updates' own
+// tables and condition, and the report.
 
-#include "common/SaveBackPattern.h"
+#include "common/SaveBackPreview.h"
+#include "common/Feedback.h"
 #include "common/SaveBackStatementText.h"
 #include "common/SaveBackStatements.h"
 
@@ -43,22 +44,22 @@ int NameColumn(const QList<QByteArray>& columns)
 
 } // namespace
 
-bool CSaveBackPattern::PreviewWrite(const QByteArray& sql, WriteRole role, QString& why) const
+bool SaveBackPreviewReads::Write(const QByteArray& sql, Listing listing, QString& why) const
 {
     QSqlQuery q(*m_pDB);
     QSqlField text(QStringLiteral("sql"), QMetaType(QMetaType::QString));
     text.setValue(QString::fromLocal8Bit(sql));
     const QByteArray quoted = m_pDB->driver()->formatValue(text).toLocal8Bit();
-    if (!Send(q, FormatText(SQL_PREVIEW_PREPARE, quoted.constData()))) {
+    if (!m_send(q, FormatText(SQL_PREVIEW_PREPARE, quoted.constData()))) {
         why = q.lastError().text();
         return false;
     }
-    Send(q, SQL_PREVIEW_DEALLOCATE);
+    m_send(q, SQL_PREVIEW_DEALLOCATE);
 
     // What the server finds only when it runs an insert: a column named twice, a number of
     // values that differs from the columns.
     sbtext::Insert insert;
-    if (!sbtext::ParseInsert(sql, insert)) {
+    if (!sbtext::ParseInsert(sql, insert, BackslashEscapes(m_pDB))) {
         return true; // an update: its rows are read by PreviewChanges, or do not stand yet
     }
     QSet<QByteArray> seen;
@@ -74,19 +75,19 @@ bool CSaveBackPattern::PreviewWrite(const QByteArray& sql, WriteRole role, QStri
             FormatText(MSG_PREVIEW_COLUMN_COUNT, int(insert.columns.size()), insert.values));
         return false;
     }
-    if (role == WriteRole::Change) {
-        return true; // a copy into the group: its values are the changes read by the update
+    if (listing == Listing::None) {
+        return true;
     }
-    return PreviewAdditions(sql, role == WriteRole::Orphan, why);
+    return Additions(sql, listing == Listing::Orphans, why);
 }
 
-bool CSaveBackPattern::PreviewAdditions(const QByteArray& sql, bool orphan, QString& why) const
+bool SaveBackPreviewReads::Additions(const QByteArray& sql, bool orphan, QString& why) const
 {
     sbtext::Insert insert;
-    sbtext::ParseInsert(sql, insert);
+    sbtext::ParseInsert(sql, insert, BackslashEscapes(m_pDB));
     QSqlQuery rows(*m_pDB);
     rows.setForwardOnly(true);
-    if (!Send(rows, insert.select)) {
+    if (!m_send(rows, insert.select)) {
         why = rows.lastError().text();
         return false;
     }
@@ -106,18 +107,27 @@ bool CSaveBackPattern::PreviewAdditions(const QByteArray& sql, bool orphan, QStr
         if (name >= 0) {
             a.name = a.values[name].toString();
         }
-        m_run.preview->additions.push_back(a);
+        m_preview.additions.push_back(a);
     }
     return true;
 }
 
-bool CSaveBackPattern::PreviewChanges(const std::vector<QByteArray>& updates) const
+bool SaveBackPreviewReads::Changes(const std::vector<QByteArray>& updates,
+                                   const std::vector<QByteArray>& groupUpdates) const
 {
-    // One value per base row and column: where several updates assign it (the windings of a
-    // three-winding transformer each set Valid), the last one stands, as in the base row.
+    // One value per row and column: where several updates assign it (the windings of a
+    // three-winding transformer each set Valid), the last one stands, as in the row.
     // A family with one update has nothing to merge, and most of a changed row's columns are
-    // equal: their values are not even fetched.
-    const bool merge = updates.size() > 1;
+    // equal: their values are not even fetched. The updates into the group, read before the
+    // copy stands, find the rows the group held already.
+    std::vector<std::pair<QByteArray, bool>> reads;
+    for (const QByteArray& sql : updates) {
+        reads.emplace_back(sql, false);
+    }
+    for (const QByteArray& sql : groupUpdates) {
+        reads.emplace_back(sql, true);
+    }
+    const bool merge = reads.size() > 1;
     struct Value
     {
         SaveBackChange change;
@@ -125,10 +135,10 @@ bool CSaveBackPattern::PreviewChanges(const std::vector<QByteArray>& updates) co
     };
     std::vector<Value> values;
     QHash<QString, int> at;
-    for (const QByteArray& sql : updates) {
+    for (const auto& [sql, groupRow] : reads) {
         sbtext::Update update;
         if (!sbtext::ParseUpdate(sql, update)) {
-            m_run.preview->refused =
+            m_preview.refused =
                 QString::fromLocal8Bit(FormatText(MSG_PREVIEW_UNREADABLE, sql.constData()));
             return false;
         }
@@ -142,8 +152,8 @@ bool CSaveBackPattern::PreviewChanges(const std::vector<QByteArray>& updates) co
         const QByteArray read =
             FormatText(SQL_PREVIEW_CHANGES, columns.constData(), update.table.constData(),
                        update.temp.constData(), update.where.constData());
-        if (!Send(q, read)) {
-            m_run.preview->refused =
+        if (!m_send(q, read)) {
+            m_preview.refused =
                 QString::fromLocal8Bit(FormatText(MSG_PREVIEW_UNREADABLE, sql.constData())) +
                 QStringLiteral("（") + q.lastError().text() + QStringLiteral("）");
             return false;
@@ -173,7 +183,8 @@ bool CSaveBackPattern::PreviewChanges(const std::vector<QByteArray>& updates) co
                         found = at.insert(key, int(values.size()));
                     }
                     values.push_back(
-                        {{family, element, id, fields[k], Shown(q.value(3 + 3 * k)), {}}, true});
+                        {{family, element, id, fields[k], Shown(q.value(3 + 3 * k)), {}, groupRow},
+                         true});
                 }
                 Value& v = merge ? values[*found] : values.back();
                 v.change.newValue = Shown(q.value(4 + 3 * k));
@@ -183,7 +194,7 @@ bool CSaveBackPattern::PreviewChanges(const std::vector<QByteArray>& updates) co
     }
     for (const Value& v : values) {
         if (!v.same) {
-            m_run.preview->changes.push_back(v.change);
+            m_preview.changes.push_back(v.change);
         }
     }
     return true;
@@ -193,7 +204,9 @@ int SaveBackPreview::ChangedElements() const
 {
     QSet<QString> elements;
     for (const SaveBackChange& c : changes) {
-        elements.insert(c.family + QLatin1Char('\n') + QString::number(c.id));
+        if (!c.groupRow) {
+            elements.insert(c.family + QLatin1Char('\n') + QString::number(c.id));
+        }
     }
     return int(elements.size());
 }
@@ -232,9 +245,10 @@ QString SaveBackPreview::Report() const
     lines << counts.join(QStringLiteral("；"));
     for (std::size_t k = 0; k < changes.size() && k < shown; ++k) {
         const SaveBackChange& c = changes[k];
-        lines << QStringLiteral("  %1 %2 %3：%4 → %5")
+        lines << QStringLiteral("  %1 %2 %3：%4 → %5%6")
                      .arg(c.family, c.element, c.field, c.baseValue.toString(),
-                          c.newValue.toString());
+                          c.newValue.toString(),
+                          c.groupRow ? QStringLiteral("（数据组中已有的行）") : QString());
     }
     if (changes.size() > shown) {
         lines << QStringLiteral("  ……另有 %1 项").arg(changes.size() - shown);

@@ -37,15 +37,17 @@ bool Is(const QList<QByteArray>& words, int k, const char* word)
 }
 
 // Calls `at(i)` for each position of `text` outside parentheses and quotes, until it
-// returns true; gives that position, or -1.
-template <typename At> int TopLevel(const QByteArray& text, At at)
+// returns true; gives that position, or -1. A backslash in a quoted text escapes the next
+// character only where the session reads it so (`escapes`: sql_mode without
+// NO_BACKSLASH_ESCAPES); there a doubled quote is the one escape, as for the server.
+template <typename At> int TopLevel(const QByteArray& text, bool escapes, At at)
 {
     int depth = 0;
     char quote = 0;
     for (int i = 0; i < text.size(); ++i) {
         const char c = text[i];
         if (quote) {
-            if (c == '\\') {
+            if (c == '\\' && escapes) {
                 ++i;
             } else if (c == quote) {
                 quote = 0;
@@ -64,10 +66,10 @@ template <typename At> int TopLevel(const QByteArray& text, At at)
 }
 
 // The items of a list: its commas outside parentheses and quotes, plus one.
-int Items(const QByteArray& text)
+int Items(const QByteArray& text, bool escapes)
 {
     int items = 1;
-    TopLevel(text, [&](int i) {
+    TopLevel(text, escapes, [&](int i) {
         items += text[i] == ',';
         return false;
     });
@@ -75,14 +77,14 @@ int Items(const QByteArray& text)
 }
 
 // Where a word starts in `text` outside parentheses and quotes, or -1.
-int TopLevelWord(const QByteArray& text, const char* word)
+int TopLevelWord(const QByteArray& text, const char* word, bool escapes)
 {
     const QByteArray lower = text.toLower();
     const int length = int(qstrlen(word));
     auto letter = [&](int i) {
         return i >= 0 && i < lower.size() && QChar::isLetterOrNumber(uchar(lower[i]));
     };
-    return TopLevel(lower, [&](int i) {
+    return TopLevel(lower, escapes, [&](int i) {
         return lower.mid(i, length) == word && !letter(i - 1) && !letter(i + length);
     });
 }
@@ -178,7 +180,7 @@ bool SameTable(const QByteArray& a, const QByteArray& b)
     return a.toLower() == b.toLower();
 }
 
-bool ParseInsert(const QByteArray& sql, Insert& out)
+bool ParseInsert(const QByteArray& sql, Insert& out, bool escapes)
 {
     static const QRegularExpression head(QStringLiteral("^\\s*insert\\s+into\\s+([^\\s(]+)\\s*\\("),
                                          QRegularExpression::CaseInsensitiveOption);
@@ -201,8 +203,8 @@ bool ParseInsert(const QByteArray& sql, Insert& out)
     const QByteArray lower = rest.toLower();
     if (lower.startsWith("select")) {
         out.select = rest;
-        const int from = TopLevelWord(rest, "from");
-        out.values = Items(rest.mid(6, from < 0 ? -1 : from - 6));
+        const int from = TopLevelWord(rest, "from", escapes);
+        out.values = Items(rest.mid(6, from < 0 ? -1 : from - 6), escapes);
         return true;
     }
     if (lower.startsWith("values")) {
@@ -213,7 +215,7 @@ bool ParseInsert(const QByteArray& sql, Insert& out)
         }
         const QByteArray values = rest.mid(first + 1, last - first - 1);
         out.select = "select " + values;
-        out.values = Items(values);
+        out.values = Items(values, escapes);
         return true;
     }
     return false;

@@ -8,6 +8,14 @@
 #include <QList>
 #include <QPair>
 
+class QSqlDatabase;
+
+// Whether the session of `db` reads a backslash in a quoted text as an escape (sql_mode
+// without NO_BACKSLASH_ESCAPES), from the status the server sends with every reply; true
+// when it cannot be read, the server's default. Defined beside SqlText (common/Feedback.cpp),
+// which escapes by the same answer.
+bool BackslashEscapes(QSqlDatabase* db);
+
 namespace sbtext {
 
 bool EndsTransaction(const QByteArray& sql);
@@ -22,7 +30,8 @@ bool SameTable(const QByteArray& a, const QByteArray& b);
 
 // "insert into TABLE(columns) select ..." or "... values(...)": the table, the columns, a
 // select that gives the rows the insert would write (the statement's own select, or its
-// values as a select) and the number of values per row.
+// values as a select) and the number of values per row. `escapes`: whether the session
+// reads a backslash in a quoted text as an escape (BackslashEscapes).
 struct Insert
 {
     QByteArray table;
@@ -30,7 +39,7 @@ struct Insert
     QByteArray select;
     int values = 0;
 };
-bool ParseInsert(const QByteArray& sql, Insert& out);
+bool ParseInsert(const QByteArray& sql, Insert& out, bool escapes);
 
 // "update TABLE a, TEMP b set a.X=b.Y, ... where CONDITION": the pairs (X, Y) in order.
 struct Update

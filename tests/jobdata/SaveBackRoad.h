@@ -1,10 +1,11 @@
 #pragma once
-// The save-back road's fixture: a sample network with a row in named units in every family,
+// The save-back's fixture: a sample network with a row in named units in every family,
 // extracted into job 0, and a change beyond and within the tolerance and an orphan in every
-// family of the job.
+// family of the job; and the tests' way into CLFCalDataTransfer (a friend of it).
 
 #include "DbTest.h"
 #include "SampleNetwork.h"
+#include "TableSnapshots.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
 #include "platform/CDatabase.h"
 
@@ -12,6 +13,17 @@
 #include <algorithm>
 #include <string>
 #include <vector>
+
+struct CLFCalDataTransferFamilies
+{
+    static void Prepare(CLFCalDataTransfer& t, const QString& group, bool newGroup)
+    {
+        t.m_strGroupName = group;
+        t.m_bNewGroup = newGroup;
+    }
+    static int Shifters(CLFCalDataTransfer& t) { return t.SaveL3DataToShift(); }
+    static CSaveBackPattern& Pattern(CLFCalDataTransfer& t) { return t.m_saveBack; }
+};
 
 // The IEEE 14-bus sample as group G1, with buses 4 to 9 at 110 kV (Zb = 110^2/100 = 121 ohm)
 // and, beside its per-unit rows, one element in named units (Unit 0) of each family it
@@ -21,20 +33,38 @@ class SaveBackRoad : public testsupport::DbTest
 {
 protected:
     static inline char kScheme[] = "SCH";
-    // The working copies a load-flow save-back writes.
+    // The working copies a load-flow save-back writes, and its work tables.
     static inline const std::vector<const char*> kWorkingCopies = {
         "CDB_ACLINEBAK", "CDB_PCAPREABAK",  "CDB_SCAPREABAK",   "CDB_TRANS_2WBAK",
         "CDB_SHIFTBAK",  "CDB_TRANS_3WBAK", "CDB_DCLINEBAK",    "CDB_GENERATBAK",
         "CDB_LOADBAK",   "CDB_BREAKERBAK",  "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK",
         "CDB_NODEBAK",   "CDB_BUSBAK",      "CDB_PSTATIONBAK",  "CDB_ZONEBAK"};
+    static inline const std::vector<const char*> kWorkTables = {
+        "Tac", "TPCR", "TSCR", "T2W", "TShift", "T3W", "Tdc", "TGen", "TLoad", "TBrk", "Tswitch",
+        "Tnode"};
 
     // The temporary tables a run that stopped leaves on the library's connection.
     static void DropTemporaryTables(QSqlDatabase* db)
     {
-        for (const char* t : {"Tac", "TPCR", "TSCR", "T2W", "TShift", "T3W", "Tdc", "TGen",
-                              "TLoad", "TBrk", "Tswitch", "Tnode"}) {
+        for (const char* t : kWorkTables) {
             QSqlQuery(*db).exec(QString("DROP TEMPORARY TABLE IF EXISTS %1").arg(t));
         }
+    }
+    static testsupport::Snapshot Take() { return testsupport::Take(checker(), kWorkingCopies); }
+    // The save-back's work tables that stand on the library's connection.
+    static std::vector<std::string> TablesLeft()
+    {
+        return testsupport::TablesLeft(db(), kWorkTables);
+    }
+    // CHECKSUM TABLE of every table of the database, read on the second connection.
+    static std::map<std::string, std::string> Checksums()
+    {
+        return testsupport::Checksums(checker(), testsupport::TablesLike(checker(), "%"));
+    }
+    static int InTransaction()
+    {
+        QSqlQuery q(*db());
+        return q.exec("SELECT @@in_transaction") && q.next() ? q.value(0).toInt() : -1;
     }
 
     static bool Sent(const std::vector<std::string>& sent, const std::string& start)
@@ -87,11 +117,11 @@ protected:
     }
 
     // One change beyond the tolerance and one within it in every family, and one orphan in
-    // every family but the AC lines.
+    // every family.
     void ChangeEveryFamily()
     {
         Exec("UPDATE L2_0 SET R1=R1+0.00011 WHERE ID_Name='L1'");
-        Exec("UPDATE L2_0 SET X1=X1+0.00009 WHERE ID_Name='L2'");
+        Exec("UPDATE L2_0 SET X1=X1+0.0001 WHERE ID_Name='L2'"); // the tolerance: no change
         Exec("UPDATE L2_0 SET X1=X1*2 WHERE ID_Name='C9'");
         Exec("UPDATE L2_0 SET X1=-0.11 WHERE ID_Name='SC1'"); // -13.31 ohm
         Exec("UPDATE L2_0 SET X1=X1+0.00009 WHERE ID_Name='SC2'");
@@ -121,8 +151,9 @@ protected:
         Exec("INSERT INTO L6_0(Case_No, EleID, ID_Name, Valid, Node_Name, No_Load, Pl) VALUES "
              "(0, 90002, 'DNEW', 1, 'N4', 2, 0.1)");
         Exec("INSERT INTO L2_0(Case_No, EleID, ID_Name, Valid, I_Name, J_Name, ID_No, I_Break, "
-             "J_Break, R1, X1, Owner, Ntype) VALUES (0, 90008, 'CNEW', 1, 'N4', 'N4', 1, 1, 0, 0, "
-             "-2, 0, 3), (0, 90009, 'SNEW', 1, 'N4', 'N7', 1, 1, 1, 0, -0.3, 4, 2)");
+             "J_Break, R1, X1, B1_Half, Owner, Ntype) VALUES (0, 90008, 'CNEW', 1, 'N4', 'N4', 1, "
+             "1, 0, 0, -2, 0, 0, 3), (0, 90009, 'SNEW', 1, 'N4', 'N7', 1, 1, 1, 0, -0.3, 0, 4, 2), "
+             "(0, 90011, 'LNEW', 1, 'N4', 'N5', 2, 1, 1, 0.01, 0.1, 0.02, 1, 1)");
         Exec("INSERT INTO L3_0(Case_No, EleID, ID_Name, Valid, I_Name, J_Name, ID_No, R1, X1, Tk, "
              "Ang_Shift, Ntype) VALUES (0, 90010, 'TNEW', 1, 'N4', 'N7', 1, 0.01, 0.1, 1.02, 0, 1), "
              "(0, 90003, 'PNEW', 1, 'N4', 'N5', 1, 0.01, 0.1, 1, 2, 2), "
@@ -141,7 +172,7 @@ protected:
     // The orphan warnings of ChangeEveryFamily, in the order of the families.
     static std::vector<std::string> OrphanWarnings(const std::string& group)
     {
-        const char* texts[] = {"并联电容电抗器作业数据中有 1 条记录", "串联电容电抗器作业数据中有 1 条记录",
+        const char* texts[] = {"交流线作业数据中有 1 条记录", "并联电容电抗器作业数据中有 1 条记录", "串联电容电抗器作业数据中有 1 条记录",
                                "两绕组变压器作业数据中有 1 条记录", "移相变压器作业数据中有 1 条记录",
                                "两绕组变压器作业数据中有 3 条记录", // the three windings
                                "直流线作业数据中有 1 条记录",       "发电机作业数据中有 1 条记录",

@@ -1,12 +1,15 @@
 // The whole save-back road: every family, the driver's end, the new group and the new
-// nodes, in the mended statement mode; and where the faithful default stops.
+// nodes, in the mended statement mode; where the faithful default stops, and what its
+// preview says of it; a group's name in Chinese.
 
-#include "SaveBackFamilies.h"
 #include "SaveBackRoad.h"
+#include "TableSnapshots.h"
 #include "common/Feedback.h"
 #include "loadflow/jobdata/LFSaveStatements.h"
 
 #include <QSqlError>
+
+using testsupport::Texts;
 
 TEST_F(SaveBackRoad, MendedInPlaceRunsEveryFamilyAndTheDriversEnd)
 {
@@ -23,7 +26,7 @@ TEST_F(SaveBackRoad, MendedInPlaceRunsEveryFamilyAndTheDriversEnd)
                                         "回存移相变压器数目：1", "回存三绕组变压器数目：2",
                                         "回存直连线数目：1", "回存发电机数目：1", "回存负荷数目：2",
                                         "回存开关数目：1", "回存刀闸数目：1",
-                                        "回存变化元件总数：13", "回存新增元件总数：10"}));
+                                        "回存变化元件总数：13", "回存新增元件总数：11"}));
     EXPECT_EQ(feedback().texts(2), OrphanWarnings("NEW"));
     EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{102, 103, 104, 105, 107, 106, 108, 109,
                                                              110, 112, 120, 12, 116, 101, 117,
@@ -60,6 +63,10 @@ TEST_F(SaveBackRoad, MendedInPlaceRunsEveryFamilyAndTheDriversEnd)
               (std::vector<std::string>{"K1|1|0", "K2|1|1", "Q2|0|1"}));
 
     // Orphans in the group, per unit, and the nodes, buses, stations and zones they need.
+    // The line's owner flag says whether its zone is its I node's (N4 lies in zone 1).
+    EXPECT_EQ(Rows("SELECT GrpName, Unit, ID_No, R1, X1, B1_Half, Owner FROM CDB_ACLINEBAK WHERE "
+                   "ID_Name='LNEW'"),
+              (std::vector<std::string>{"NEW|1|2|0.01|0.1|0.02|1"}));
     EXPECT_EQ(Rows("SELECT GrpName, Unit, Pg, Par_Group FROM CDB_GENERATBAK WHERE ID_Name='GNEW'"),
               (std::vector<std::string>{"NEW|1|0.3|2"}));
     EXPECT_EQ(Rows("SELECT GrpName, Unit, Valid, Name_N, Name_1, Name_2, Name_3, Break_2, R3, "
@@ -136,30 +143,47 @@ TEST_F(SaveBackRoad, MendedIntoANewGroupCopiesEveryFamilyAndLeavesTheBaseRows)
     EXPECT_EQ(both("CDB_LOADBAK", "Mode_Ctrl", "D9"), (std::vector<std::string>{"G1|0", "NEW|1"}));
     EXPECT_EQ(both("CDB_BREAKERBAK", "Lbreak", "K1"), (std::vector<std::string>{"G1|1", "NEW|0"}));
     EXPECT_EQ(both("CDB_ISOSWITCHBAK", "Valid", "Q2"), (std::vector<std::string>{"G1|1", "NEW|0"}));
-    EXPECT_EQ(Count("CDB_ACLINEBAK WHERE GrpName='NEW'"), 1) << "L2 stayed within the tolerance";
+    EXPECT_EQ(Count("CDB_ACLINEBAK WHERE GrpName='NEW'"), 2)
+        << "L1's copy and the orphan; L2 stayed within the tolerance";
     EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 1);
 }
 
-TEST_F(SaveBackRoad, TheFaithfulDefaultStopsWhereTheServerRefusesTheDesignsText)
+TEST_F(SaveBackRoad, TheFaithfulDefaultStopsWhereTheServerRefusesTheDesignsTextAsItsPreviewSays)
 {
     ChangeEveryFamily();
-    StartStatementLog();
+    const testsupport::Snapshot before = Take();
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
+    const SaveBackPreview preview = job.PreviewLDataToBaseDB("NEW", false);
+    EXPECT_EQ(preview.result, 1);
+    EXPECT_EQ(TablesLeft(), std::vector<std::string>{})
+        << "the preview drops T2W too, where the run stopped";
+    ASSERT_FALSE(preview.messages.empty());
+    EXPECT_FALSE(preview.messages.back().why.isEmpty()) << "the server's reason";
+
     EXPECT_EQ(job.SaveLDataToBaseDB("NEW", false), 1);
     EXPECT_EQ(feedback().texts(1),
               (std::vector<std::string>{"回存交流线数目：1", "回存并联电容电抗器数目：1",
                                         "回存串联电容电抗器数目：1"}));
     EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{102, 103, 104}));
     const auto errors = feedback().texts(2);
-    ASSERT_EQ(errors.size(), 4u) << "three orphan warnings, then the refusal";
+    ASSERT_EQ(errors.size(), 5u) << "four orphan warnings, then the refusal";
     const auto warnings = OrphanWarnings("NEW");
-    EXPECT_EQ(std::vector<std::string>(errors.begin(), errors.begin() + 3),
-              std::vector<std::string>(warnings.begin(), warnings.begin() + 3));
-    EXPECT_EQ(errors[3].rfind("Fail to execute SQL: insert into T2W(eleid,", 0), 0u);
+    EXPECT_EQ(std::vector<std::string>(errors.begin(), errors.begin() + 4),
+              std::vector<std::string>(warnings.begin(), warnings.begin() + 4));
+    EXPECT_EQ(errors[4].rfind("Fail to execute SQL: insert into T2W(eleid,", 0), 0u);
+    EXPECT_NE(errors[4].find("a.Gm*1.0e6*/(c.Base_kV*c.Base_kV/100.000000)"), std::string::npos);
     EXPECT_EQ(Count("CDB_TRANS_2WBAK WHERE ID_Name='TNEW'"), 1) << "saved before the refusal";
     EXPECT_NEAR(Value("SELECT Gm FROM CDB_TRANS_2WBAK WHERE ID_Name='TU'"), 1.0, 1e-12);
     EXPECT_EQ(Count("CDB_DATAGROUPBAK"), 3) << "no group row, no new node";
     EXPECT_EQ(Count("CDB_NODEBAK WHERE Node_Name='NEWN'"), 0);
+    EXPECT_EQ(TablesLeft(), std::vector<std::string>{"T2W"})
+        << "the save-back's, as designed";
+    std::vector<std::string> changes, added;
+    testsupport::Diff(before, Take(), changes, added);
+    EXPECT_EQ(testsupport::PreviewChanges(preview), changes) << "the three families before";
+    EXPECT_EQ(testsupport::PreviewAdditions(preview), added);
+    EXPECT_EQ(preview.flags, m_base.ModifiedTableTypes());
+    EXPECT_EQ(Texts(preview.messages), Texts(feedback().messages()));
     DropTemporaryTables(db());
 
     // The phase shifters alone: their conversion is refused in the same way, after the
@@ -186,6 +210,8 @@ TEST_F(SaveBackRoad, TheFaithfulDefaultStopsWhereTheServerRefusesTheDesignsText)
     } refused[] = {
         {FormatText(lfs::SQL_SHIFT_IN_GROUP, "CDB_SHIFT", "BAK", "NEW"), "syntax"},
         {FormatText(lfs::SQL_SHIFT_IN_PLACE, "CDB_SHIFT", "BAK"), "syntax"},
+        {FormatText(lfs::SQL_NEW_BUSES, "CDB_BUS", "BAK", 0, "CDB_BUS", "BAK"),
+         "Unknown column 'a.Bus_Name' in 'ON'"},
         {FormatText(lfs::SQL_NEW_STATIONS, "CDB_PSTATION", "BAK", 0, "CDB_PSTATION", "BAK"),
          "Unknown column 'a.PS_Name' in 'ON'"},
         {FormatText(lfs::SQL_NEW_ZONES, "CDB_ZONE", "BAK", 0, "CDB_ZONE", "BAK"),
@@ -212,7 +238,7 @@ TEST_F(SaveBackRoad, AGroupRowTheServerRefusesEndsTheRunAtLevelThreeBeforeTheNod
     Exec("DROP TRIGGER no_group");
     EXPECT_EQ(result, 1);
     EXPECT_EQ(feedback().texts(3), (std::vector<std::string>{"执行新增数据组 NEW 出错！"}));
-    EXPECT_EQ(feedback().texts(1).back(), "回存新增元件总数：10");
+    EXPECT_EQ(feedback().texts(1).back(), "回存新增元件总数：11");
     EXPECT_EQ(m_base.ModifiedTableTypes(),
               (std::vector<int>{102, 103, 104, 105, 107, 106, 108, 109, 110, 112, 120}))
         << "the families stay saved and flagged; no group flag, no node flags";
@@ -273,4 +299,51 @@ TEST_F(SaveBackRoad, ASecondRunSendsTheFirstRunsNodesAgainAndTnodeGoesInBatchesO
     EXPECT_TRUE(oldNames);
     EXPECT_EQ(Rows("SELECT Node_Name FROM CDB_NODEBAK WHERE Node_Name LIKE 'NEW%' ORDER BY 1"),
               (std::vector<std::string>{"NEWN", "NEWY"}));
+}
+
+// A group's name holds 20 bytes as the design counted them: ten Chinese characters save
+// back whole (the copy, its update in the group, the orphan, the group's row); an eleventh
+// is refused before anything is written, by the save-back, its preview and all-or-nothing.
+TEST_F(SaveBackRoad, AChineseGroupNameOfTenCharactersSavesWholeAndAnEleventhWritesNothing)
+{
+    const QString ten = "华北电网运行方式调整", eleven = ten + "甲";
+    Exec("UPDATE L2_0 SET R1=R1+0.01 WHERE ID_Name='L1'");
+    Exec("INSERT INTO L2_0(Case_No, EleID, ID_Name, Valid, I_Name, J_Name, ID_No, I_Break, "
+         "J_Break, R1, X1, B1_Half, Owner, Ntype) VALUES (0, 9999, 'LX', 1, 'N1', 'N2', 1, 1, 1, "
+         "0.01, 0.1, 0.02, 1, 1)");
+    const auto checksums = Checksums();
+    CLFCalDataTransfer job(0, kScheme, db(), &m_base);
+    job.SetStatementMode(SaveStatementMode::Mended);
+    const std::string refused = "数据组名 " + eleven.toStdString() +
+                                " 超过20字节（汉字按2字节计），数据组中存不下，回存未执行，基础"
+                                "库未作任何修改。";
+    EXPECT_EQ(job.SaveLDataToBaseDB(eleven, false), 1);
+    EXPECT_EQ(Texts(job.PreviewLDataToBaseDB(eleven, true).messages),
+              std::vector<std::string>{"2 " + refused});
+    job.SetAllOrNothing(true);
+    EXPECT_EQ(job.SaveLDataToBaseDB(eleven, true), 1);
+    EXPECT_EQ(feedback().texts(2),
+              (std::vector<std::string>{refused, refused, "回存失败，已全部撤销，基础库未保存任何修改。"}));
+    EXPECT_EQ(Checksums(), checksums);
+    EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
+
+    job.SetAllOrNothing(false);
+    EXPECT_EQ(job.SaveLDataToBaseDB(ten, true), 0);
+    EXPECT_EQ(Rows("SELECT ID_Name, ROUND(R1, 6) FROM CDB_ACLINEBAK WHERE GrpName='" + ten +
+                   "' ORDER BY ID"),
+              (std::vector<std::string>{"LX|0.01", "L1|0.02938"}));
+    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='" + ten + "'"), 1);
+
+    // A server that holds another name than the one given (a host's GrpName narrower than
+    // the design's): the update in the group finds no copy, and the run fails instead of
+    // leaving the copies with the base values.
+    Exec("ALTER TABLE CDB_ACLINEBAK MODIFY GrpName CHAR(4) BINARY");
+    feedback().clear();
+    EXPECT_EQ(job.SaveLDataToBaseDB("华北电网调度", true), 1);
+    Exec("ALTER TABLE CDB_ACLINEBAK MODIFY GrpName CHAR(20) BINARY DEFAULT ''");
+    EXPECT_EQ(feedback().texts(2).back(),
+              "写入数据组的修改没有改动任何行（服务器中保存的数据组名与所给的不同），回存失败："
+              "update CDB_ACLINEBAK a, Tac b set a.valid=b.valid, a.I_Break=b.I_Break, "
+              "a.J_Break=b.J_Break, a.R1=b.R1, a.X1=b.X1, a.B1_Half=b.B1_Half where "
+              "a.GrpName='华北电网调度' and a.ID_Name=b.ID_Name");
 }
