@@ -57,6 +57,7 @@ bool SQLMultiInsert::exec()
     }
     const QByteArray statement = "insert into " + m_table + "(" + m_fields + ") values" + m_content;
     const bool ok = ExecStatement(*m_query, statement);
+    m_failed |= !ok;
     if (!ok) {
         ShowModalBox(ModalBoxKind::Information, QStringLiteral("Fail"),
                      QObject::tr("Fail to excute SQL:") + QObject::tr(statement.constData()));

@@ -39,6 +39,8 @@ public:
     // Sends the rows waiting, as one statement. True with nothing to send. On failure
     // a box shows the statement, and the rows are dropped all the same.
     bool exec();
+    // Whether a send of this object failed, the ones AddRecord makes included.
+    bool Failed() const { return m_failed; }
 
 private:
     QSqlQuery* m_query;   // owned
@@ -47,4 +49,5 @@ private:
     QByteArray m_content; // rows gathered so far, in statement form
     int m_maxRecords;     // rows per statement
     int m_count;          // rows in m_content
+    bool m_failed = false;
 };

@@ -49,6 +49,9 @@ bool CSaveBackPattern::Send(QSqlQuery& query, const QByteArray& sql) const
         break;
     }
     const bool ok = ExecStatement(query, sql);
+    if (m_run.inTransaction && !SessionKept()) {
+        return false; // it ran on another session, outside the transaction
+    }
     if (!ok && m_run.inTransaction &&
         query.lastError().nativeErrorCode() == QLatin1String(SERVER_DEADLOCK)) {
         // Another session, or another node of a cluster, committed a change of the same
@@ -63,6 +66,28 @@ bool CSaveBackPattern::Send(QSqlQuery& query, const QByteArray& sql) const
         }
     }
     return ok;
+}
+
+bool CSaveBackPattern::SessionKept() const
+{
+    // A connection that reconnected has another id; 0 when it cannot be read.
+    unsigned long now = 0;
+    ConnectionId(m_pDB, &now);
+    if (now == m_run.session) {
+        return true;
+    }
+    if (m_run.sessionAfter == 0) {
+        m_run.sessionAfter = now;
+    }
+    m_run.failed = true;
+    return false;
+}
+
+void CSaveBackPattern::PassedOver(bool ok, const QByteArray& sql, const QString& why) const
+{
+    if (!ok && m_run.kind == RunKind::AllOrNothing) {
+        Fail(sql, why);
+    }
 }
 
 void CSaveBackPattern::Say(int level, const QByteArray& text, const QString& why) const
@@ -246,16 +271,28 @@ bool CSaveBackPattern::Undoable(const QByteArray& sql) const
     const QByteArray key = table.toLower();
     auto known = m_run.transactional.find(key);
     if (known == m_run.transactional.end()) {
+        // The tables the run made are its own (its temporary work tables, which the
+        // catalogue does not list). Any other whose engine cannot be read (the catalogue
+        // holds no such table, it is a view, its engine is not loaded, the read fails) is
+        // refused as one a rollback may not undo: decided so, since the run could not
+        // promise all or nothing for it.
+        const bool made = std::any_of(m_run.created.begin(), m_run.created.end(), [&](const auto& t) {
+            return sbtext::SameTable(t.first, table);
+        });
         QSqlQuery q(*m_pDB);
-        // A table the catalogue does not show (a temporary one) is let through.
-        const bool undoable = !Send(q, FormatText(SQL_TRANSACTIONAL, table.constData())) ||
-                              !q.next() || q.value(0).toString() == QLatin1String("YES");
+        const int undoable =
+            made ? 1
+            : !Send(q, FormatText(SQL_TRANSACTIONAL, table.constData())) || !q.next() ||
+                    q.value(0).isNull()
+                ? -1
+                : q.value(0).toString() == QLatin1String("YES");
         known = m_run.transactional.emplace(key, undoable).first;
     }
-    if (!known->second) {
-        Show(MSG_ERROR, MSG_NOT_TRANSACTIONAL, table.constData());
+    if (known->second != 1) {
+        Show(MSG_ERROR, known->second == 0 ? MSG_NOT_TRANSACTIONAL : MSG_ENGINE_UNKNOWN,
+             table.constData());
     }
-    return known->second;
+    return known->second == 1;
 }
 
 bool CSaveBackPattern::ExecWrite(QSqlQuery& query, const QByteArray& sql) const
@@ -325,7 +362,9 @@ int CSaveBackPattern::Run(const SaveBackFamily& f, bool newGroup, int& counter,
             // Every node an orphan names, whatever the row became: an inactive query adds none.
             QSqlQuery nodes(*m_pDB);
             nodes.setForwardOnly(true);
-            if (Send(nodes, f.orphanNodes) && nodes.isActive() && orphans && orphans->addNode) {
+            const bool listed = Send(nodes, f.orphanNodes) && nodes.isActive();
+            PassedOver(listed, f.orphanNodes, nodes.lastError().text());
+            if (listed && orphans && orphans->addNode) {
                 const int columns = nodes.record().count();
                 while (nodes.next()) {
                     for (int c = 0; c < columns; ++c) {
@@ -444,7 +483,12 @@ int CSaveBackPattern::RunAllOrNothing(const std::function<int()>& driver)
         Fail(SQL_START_TRANSACTION, q.lastError().text());
     } else {
         m_run.inTransaction = true;
+        m_run.session = 0;
+        ConnectionId(m_pDB, &m_run.session);
         ok = driver() == CALC_OK && !m_run.failed;
+        // A connection that broke and reconnected on the way ran the rest outside the
+        // transaction: COMMIT would commit an empty one and call that success.
+        ok = ok && SessionKept();
         if (ok && !Send(q, SQL_COMMIT)) {
             // The server has rolled back; unless the connection broke on the way, when the
             // commit may have been made before the reply was lost.
@@ -476,6 +520,10 @@ int CSaveBackPattern::RunAllOrNothing(const std::function<int()>& driver)
             flag.first->SetBakTabModifyFlag(flag.second);
         }
         return CALC_OK;
+    }
+    if (m_run.sessionAfter != 0) {
+        Show(MSG_ERROR, MSG_SESSION_CHANGED, m_run.session, m_run.sessionAfter);
+        return CALC_FAIL;
     }
     Say(MSG_ERROR, m_run.commitUnknown ? MSG_COMMIT_UNKNOWN
                    : !allUndone          ? MSG_NOT_ALL_UNDONE

@@ -121,6 +121,10 @@ public:
     bool Exec(QSqlQuery& query, const QByteArray& sql) const;
     // Runs a statement whose outcome nobody reads.
     void ExecUnchecked(const QByteArray& sql) const;
+    // A statement the design runs unchecked whose failure leaves the save-back incomplete
+    // (the orphans' nodes, the node table's rows): the design's run passes over it;
+    // all-or-nothing fails the run, with the failure text and `why`.
+    void PassedOver(bool ok, const QByteArray& sql, const QString& why) const;
     // The one exec point: every statement of a save-back reaches the server here.
     bool Send(QSqlQuery& query, const QByteArray& sql) const;
 
@@ -193,16 +197,21 @@ private:
         bool failed = false;                   // a checked statement failed
         bool conflict = false;                 // rolled back by the server for a concurrent change
         bool commitUnknown = false;            // the connection broke before COMMIT was answered
+        unsigned long session = 0;             // the session that began the transaction
+        unsigned long sessionAfter = 0;        // another one met on the way, or 0
         std::vector<QByteArray> toHoist;       // Collect: creates to run before the transaction
         std::map<QByteArray, Hoisted> hoisted; // their outcomes, used where the run meets them
         std::vector<QByteArray> deferred;      // statements that end a transaction, for after it
         std::vector<std::pair<QByteArray, bool>> created; // tables made (name, temporary)
         std::vector<std::pair<CDatabase*, int>> flags;    // raised after the commit
-        std::map<QByteArray, bool> transactional;         // tables written, by lower-case name
+        std::map<QByteArray, int> transactional; // tables written, by lower-case name: 1, 0, -1 unknown
         SaveBackPreview* preview = nullptr;
     };
 
     int RunAllOrNothing(const std::function<int()>& driver);
+    // All-or-nothing: false, after marking the run failed, once the connection is no longer
+    // on the session that began the transaction.
+    bool SessionKept() const;
     // A checked statement of a family: a hoisted one's outcome is taken, not sent again.
     bool Step(QSqlQuery& query, const QByteArray& sql, int& rows) const;
     bool Write(QSqlQuery& query, const QByteArray& sql, WriteRole role, bool report) const;

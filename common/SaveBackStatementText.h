@@ -2,7 +2,8 @@
 // What the save-back's options read from a statement's text: whether MariaDB ends a
 // transaction for it, which table it makes or drops, and the parts of an insert or an
 // update that a preview runs or reads instead of the write itself. The statements are
-// only read here, never changed.
+// only read here, never changed. And the two things they read of the session without a
+// statement of their own.
 
 #include <QByteArray>
 #include <QList>

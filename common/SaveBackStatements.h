@@ -37,6 +37,17 @@ constexpr const char* MSG_ENDS_TRANSACTION =
     "该语句会结束事务，不能在全部或全不方式的回存中执行：%s";
 constexpr const char* MSG_CANNOT_ASK_TRANSACTION =
     "无法得知连接上是否有未结束的事务（连接须为 MySQL 或 MariaDB 的连接），不能以全部或全不方式回存，未作任何修改。";
+// A table whose engine the catalogue does not give (a view, an engine not loaded, a name
+// the catalogue does not hold).
+constexpr const char* MSG_ENGINE_UNKNOWN =
+    "无法读出数据表 %s 的存储引擎（视图、未加载的引擎或目录中没有该表），不能确认回滚可以撤销对它的修改，"
+    "不能以全部或全不方式回存。";
+// The session that began the transaction is gone (the connection broke and the client
+// reconnected): the server rolled back what the run did in it, and what ran after the
+// reconnection ran outside any transaction.
+constexpr const char* MSG_SESSION_CHANGED =
+    "回存过程中连接中断后重新连接（会话 %lu 变为 %lu）：服务器已撤销事务中的修改，重新连接后执行的语句"
+    "不在事务中，可能已经保存，基础库可能只保存了部分修改，请查看基础库。";
 constexpr const char* MSG_NOTHING_SAVED = "回存失败，已全部撤销，基础库未保存任何修改。";
 constexpr const char* MSG_CONFLICT_NOTHING_SAVED =
     "回存与其他连接（或集群其他节点）同时对相同数据的修改冲突，已全部撤销，基础库未保存任何修改，可重新回存。";

@@ -149,7 +149,10 @@ int CLFCalDataTransfer::SaveL1DataToBaseDB()
     for (auto it = m_NewNodes.constBegin(); it != m_NewNodes.constEnd(); ++it) {
         ins.AddRecord("'" + SqlText(m_pDB, it.key().toLocal8Bit()) + "'");
     }
-    ins.exec();
+    const bool filled = ins.exec();
+    // Passed over as designed; all-or-nothing does not save orphans without their nodes.
+    m_saveBack.PassedOver(filled && !ins.Failed(), "insert into Tnode(node_name) values ...",
+                          QString());
     const struct
     {
         const char* sql;

@@ -355,6 +355,20 @@ INSTANTIATE_TEST_SUITE_P(
                        "。",
                        kUndone},
                       "0/0/0", {}},
+        // A working copy whose engine the catalogue does not give (a view over a table that
+        // cannot roll back): refused before its first write.
+        SaveBackFault{"EngineUnknownAllOrNothing", std::nullopt, true,
+                      {"RENAME TABLE CDB_BREAKERBAK TO brk_store",
+                       "ALTER TABLE brk_store ENGINE=MyISAM",
+                       "CREATE VIEW CDB_BREAKERBAK AS SELECT * FROM brk_store"},
+                      {"DROP VIEW CDB_BREAKERBAK", "ALTER TABLE brk_store ENGINE=InnoDB",
+                       "RENAME TABLE brk_store TO CDB_BREAKERBAK"},
+                      kMended,
+                      {kLines, kShunts,
+                       "2 无法读出数据表 CDB_BREAKERBAK 的存储引擎（视图、未加载的引擎或目录中没有该表），"
+                       "不能确认回滚可以撤销对它的修改，不能以全部或全不方式回存。",
+                       kUndone},
+                      "0/0/0", {}},
         // A trigger that writes a table of that kind is beyond the run's sight: the server's
         // warning after the rollback makes the run say that not everything was undone.
         SaveBackFault{"TriggerBeyondSightAllOrNothing", std::nullopt, true,

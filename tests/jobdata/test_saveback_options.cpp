@@ -6,6 +6,7 @@
 #include "common/SaveBackPattern.h"
 #include "common/SaveBackStatements.h"
 
+#include <QSqlError>
 #include <QStringList>
 #include <set>
 
@@ -190,6 +191,111 @@ TEST_F(SaveBackOptions, AllOrNothingEqualsTheOrdinarySaveBackAndFlagsAfterTheCom
                           "drop table Tswitch", "drop table Tnode"}) {
         EXPECT_NE(std::find(after.begin(), after.end(), s), after.end()) << s;
     }
+}
+
+// What all-or-nothing cannot finish it does not commit: orphans whose nodes could not be
+// listed or put into the node table, and a run whose connection reconnected on the way
+// (what ran after it ran outside the transaction).
+TEST_F(SaveBackOptions, AllOrNothingCommitsNoOrphanWithoutItsNodesNorARunThatChangedSession)
+{
+    const std::string undone = std::string("2 ") + sbo::MSG_NOTHING_SAVED;
+    // 300 orphan generators, each on a node of its own that the job's node table holds.
+    Exec("INSERT INTO L1_0(Case_No, Node_Name, Bus_Name, Zone_No, PS_Name, Base_kV) SELECT 0, "
+         "CONCAT('X', seq), 'B4', 1, 'S', 110 FROM seq_1_to_300");
+    Exec("INSERT INTO L5_0(Case_No, EleID, ID_Name, Valid, Node_Name, Pg) SELECT 0, 90000+seq, "
+         "CONCAT('GX', seq), 1, CONCAT('X', seq), 0.01 FROM seq_1_to_300");
+    auto sums = Checksums();
+
+    // The node select refused.
+    SaveBackFamily gens;
+    gens.createOrphans = "Create temporary Table TGen select a.ID_Name, a.Node_Name from L5_0 a "
+                         "left join CDB_GENERATBAK b on b.id=a.eleid where b.id is null";
+    gens.orphanWarning = "%d orphans into %s";
+    gens.orphanInserts = {"insert into CDB_GENERATBAK(GrpName, ID_Name, Node_Name) select 'NEW', "
+                          "ID_Name, Node_Name from TGen"};
+    gens.orphanNodes = "select Node_Nam from TGen";
+    gens.clearOrphans = "delete from TGen";
+    CSaveBackPattern pattern(db(), "Fail to execute SQL: %s");
+    pattern.SetAllOrNothing(true);
+    int counter = 0;
+    EXPECT_EQ(pattern.Save([&] { return pattern.Run(gens, false, counter, nullptr); }), 1);
+    EXPECT_EQ(Texts(feedback().messages()),
+              (std::vector<std::string>{"2 300 orphans into ",
+                                        "2 Fail to execute SQL: select Node_Nam from TGen", undone}));
+    EXPECT_EQ(Checksums(), sums);
+
+    // The node table of the transfer's node stage full before it holds every node.
+    CLFCalDataTransfer job(0, kScheme, db(), &m_base);
+    job.SetAllOrNothing(true);
+    CLFCalDataTransferFamilies::Prepare(job, "NEW", false);
+    const QString tmp = Scalar("SELECT CONCAT(@@default_tmp_storage_engine, ',', "
+                               "@@max_heap_table_size)");
+    feedback().clear();
+    int calls = 0; // the run goes through its driver twice, the first time sending nothing
+    const int full = CLFCalDataTransferFamilies::Pattern(job).Save([&] {
+        if (CLFCalDataTransferFamilies::Generators(job) != 0) {
+            return 1;
+        }
+        if (++calls == 2) {
+            QSqlQuery(*db()).exec("SET SESSION default_tmp_storage_engine=MEMORY, "
+                                  "max_heap_table_size=16384");
+        }
+        return CLFCalDataTransferFamilies::AddNodes(job);
+    });
+    QSqlQuery(*db()).exec("SET SESSION default_tmp_storage_engine=" + tmp.section(',', 0, 0) +
+                          ", max_heap_table_size=" + tmp.section(',', 1));
+    EXPECT_EQ(full, 1);
+    // The node table, a MEMORY table now, is the one the server names as not undone.
+    EXPECT_EQ(feedback().messages().back().text, std::string(sbo::MSG_NOT_ALL_UNDONE));
+    EXPECT_TRUE(feedback().has("Fail to execute SQL: insert into Tnode(node_name) values ...", 2));
+    EXPECT_EQ(Checksums(), sums);
+    EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
+
+    // A connection that reconnects by itself, killed between two families: the first one's
+    // update is rolled back by the server, the second would run on the new session.
+    Exec("DELETE FROM L5_0 WHERE EleID>90000");
+    Exec("UPDATE L5_0 SET Pg=Pg+0.1");
+    Exec("UPDATE L6_0 SET Ql=Ql+0.1");
+    sums = Checksums();
+    QSqlDatabase c = QSqlDatabase::cloneDatabase(*db(), "reconnecting");
+    c.setConnectOptions(c.connectOptions() + (c.connectOptions().isEmpty() ? "" : ";") +
+                        "MYSQL_OPT_RECONNECT=1");
+    ASSERT_TRUE(c.open()) << c.lastError().text().toStdString();
+    SaveBackFamily g, l;
+    g.changes = {"Create temporary Table TGen select a.EleID, a.Pg from L5_0 a, CDB_GENERATBAK b "
+                 "where b.id=a.eleid and abs(a.Pg-b.Pg)>0.001000"};
+    g.inPlace = {"update CDB_GENERATBAK a, TGen b set a.Pg=b.Pg where a.id=b.eleid"};
+    l.changes = {"Create temporary Table TLoad select a.EleID, a.Ql from L6_0 a, CDB_LOADBAK b "
+                 "where b.id=a.eleid and abs(a.Ql-b.Ql)>0.001000"};
+    l.inPlace = {"update CDB_LOADBAK a, TLoad b set a.Ql=b.Ql where a.id=b.eleid"};
+    CSaveBackPattern reconnecting(&c, "Fail to execute SQL: %s");
+    reconnecting.SetAllOrNothing(true);
+    QSqlQuery id(c);
+    ASSERT_TRUE(id.exec("SELECT CONNECTION_ID()") && id.next());
+    const QString before = id.value(0).toString();
+    feedback().clear();
+    const int changed = reconnecting.Save([&] {
+        if (reconnecting.Run(g, false, counter, nullptr) != 0) {
+            return 1;
+        }
+        if (++calls == 3) {
+            return 0;
+        }
+        Exec("KILL CONNECTION " + before);
+        while (Count("information_schema.PROCESSLIST WHERE ID=" + before) > 0) {
+        }
+        reconnecting.ExecUnchecked("delete from TGen"); // unchecked, as the clean-ups are
+        return reconnecting.Run(l, false, counter, nullptr);
+    });
+    ASSERT_TRUE(id.exec("SELECT CONNECTION_ID()") && id.next());
+    EXPECT_EQ(changed, 1);
+    EXPECT_EQ(feedback().messages().back().text,
+              FormatText(sbo::MSG_SESSION_CHANGED, before.toULong(),
+                         static_cast<unsigned long>(id.value(0).toULongLong()))
+                  .toStdString());
+    EXPECT_EQ(Checksums(), sums);
+    id = QSqlQuery();
+    c.close();
 }
 
 // A transaction of the caller's on the library's connection: a preview of temporary work
