@@ -18,7 +18,7 @@ class SaveBackOptions : public SaveBackRoad
 TEST_F(SaveBackOptions, APreviewTellsRowForRowWhatTheSaveBackThenWritesAndChangesNothing)
 {
     ChangeEveryFamily();
-    const Snapshot before = Take();
+    const Snapshot before = TakeWorkingCopies();
     const auto sums = Checksums();
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
     job.SetStatementMode(SaveStatementMode::Mended);
@@ -77,7 +77,7 @@ TEST_F(SaveBackOptions, APreviewTellsRowForRowWhatTheSaveBackThenWritesAndChange
     // nothing else, raises the flags and shows the messages that the preview gave.
     EXPECT_EQ(job.SaveLDataToBaseDB("NEW", false), 0);
     std::vector<std::string> changes, added;
-    Diff(before, Take(), changes, added);
+    Diff(before, TakeWorkingCopies(), changes, added);
     EXPECT_EQ(PreviewChanges(preview), changes);
     EXPECT_EQ(PreviewAdditions(preview), added);
     EXPECT_EQ(preview.flags, m_base.ModifiedTableTypes());
@@ -102,7 +102,7 @@ TEST_F(SaveBackOptions, APreviewIntoAGroupListsTheCopiesTheRowsItHoldsAndTheSwit
     ASSERT_EQ(Rows("SELECT ROUND(Pg, 6) FROM CDB_GENERATBAK WHERE " + named),
               std::vector<std::string>{"60"});
     ChangeEveryFamily(); // GU to 50.0002 MW
-    const Snapshot before = Take();
+    const Snapshot before = TakeWorkingCopies();
     m_base.ClearModifiedTableTypes();
     feedback().clear();
 
@@ -114,7 +114,7 @@ TEST_F(SaveBackOptions, APreviewIntoAGroupListsTheCopiesTheRowsItHoldsAndTheSwit
 
     // What stood and changed is the group's earlier copy of GU, as the preview said.
     std::vector<std::string> changes, added;
-    Diff(before, Take(), changes, added);
+    Diff(before, TakeWorkingCopies(), changes, added);
     SaveBackPreview held;
     std::set<std::string> copies;
     for (const SaveBackChange& c : preview.changes) {

@@ -151,7 +151,7 @@ TEST_F(SaveBackRoad, MendedIntoANewGroupCopiesEveryFamilyAndLeavesTheBaseRows)
 TEST_F(SaveBackRoad, TheFaithfulDefaultStopsWhereTheServerRefusesTheDesignsTextAsItsPreviewSays)
 {
     ChangeEveryFamily();
-    const testsupport::Snapshot before = Take();
+    const testsupport::Snapshot before = TakeWorkingCopies();
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
     const SaveBackPreview preview = job.PreviewLDataToBaseDB("NEW", false);
     EXPECT_EQ(preview.result, 1);
@@ -179,7 +179,7 @@ TEST_F(SaveBackRoad, TheFaithfulDefaultStopsWhereTheServerRefusesTheDesignsTextA
     EXPECT_EQ(TablesLeft(), std::vector<std::string>{"T2W"})
         << "the save-back's, as designed";
     std::vector<std::string> changes, added;
-    testsupport::Diff(before, Take(), changes, added);
+    testsupport::Diff(before, TakeWorkingCopies(), changes, added);
     EXPECT_EQ(testsupport::PreviewChanges(preview), changes) << "the three families before";
     EXPECT_EQ(testsupport::PreviewAdditions(preview), added);
     EXPECT_EQ(preview.flags, m_base.ModifiedTableTypes());
