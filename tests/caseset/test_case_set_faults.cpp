@@ -175,6 +175,15 @@ INSTANTIATE_TEST_SUITE_P(
                    "ST_ANA_GRP",
                    {kAna},
                    "crit L1|fault 2|dist 1|out 2|var 1|gi 1|grp 0|case 2/2"},
+        // Only the counts refused: the driver fails although every family loaded.
+        SetUpFault{"Counts",
+                   std::nullopt,
+                   "",
+                   {kCountUpdate},
+                   "crit L1|fault 2|dist 1|out 2|var 1|gi 1|grp 1|case 0/0",
+                   "CREATE TRIGGER no_counts BEFORE UPDATE ON ST_CASE FOR EACH ROW SIGNAL "
+                   "SQLSTATE '45000' SET MESSAGE_TEXT='no counts'",
+                   "DROP TRIGGER no_counts"},
         // Without the case table even the object's query fails: every switch is refused,
         // the counts cannot be written and the case record cannot be read.
         SetUpFault{"CaseTable",
