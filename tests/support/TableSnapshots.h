@@ -45,7 +45,8 @@ std::vector<std::string> Contents(const Snapshot& s);
 // The base tables of the database whose names are LIKE `pattern` (lower case on this
 // server), in order.
 QStringList TablesLike(QSqlDatabase db, const QString& pattern);
-// CHECKSUM TABLE of `tables`, by upper-case table name.
+// A checksum of each of `tables` over its rows' visible columns, whatever their order, by
+// upper-case table name.
 std::map<std::string, std::string> Checksums(QSqlDatabase db, const QStringList& tables);
 
 // Those of `tables` that stand on the connection `db` (temporary ones included).
