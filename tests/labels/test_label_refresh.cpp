@@ -366,21 +366,6 @@ TEST_F(Labels, ChangedRowsOnlyAndTheResetOfTheMarks)
     EXPECT_EQ(SentStatements(), (std::vector<std::string>{select + " AND MChanged = 1", select,
                                                           "UPDATE RTLABELMAP SET MChanged = 0"}));
 
-    // The map refused by the server: no rows, the commit and the reset all the same.
-    Map({{1, 0, 0, 4, 1}});
-    Exec("RENAME TABLE RTLABELMAP TO RTLABELMAP_AWAY");
-    OneEnded<ld>("D1", 0, 0, 0, 0);
-    StartStatementLog();
-    EXPECT_TRUE(PrepareRTLabelLFRData(db(), &m_rtdb, LABEL_MODE_NAMED, true, true));
-    Exec("RENAME TABLE RTLABELMAP_AWAY TO RTLABELMAP");
-    m_rtdb.rollback();
-    EXPECT_EQ(Slots<ld>("D1"), E + " | " + E + " | " + E) << "inserted and committed";
-    EXPECT_EQ(Count("RTLABELMAP WHERE MChanged = 1"), 1);
-    EXPECT_TRUE(feedback().messages().empty());
-    EXPECT_EQ(SentStatements(),
-              (std::vector<std::string>{"SELECT Base_Mva FROM CDB_SBBAK",
-                                        select + " AND MChanged = 1",
-                                        "UPDATE RTLABELMAP SET MChanged = 0"}));
     EXPECT_TRUE(PrepareEleRTLabelLFRData(db(), &m_rtdb, "G1", 0, 0));
 }
 

@@ -10,11 +10,20 @@
 #include "stability/jobdata/STCalDataTransfer.h"
 
 #include <QCoreApplication>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QSysInfo>
 
 using namespace sttest;
+
+namespace {
+
+const std::vector<const char*> kWorkingCopies = {
+    "CDB_ACLINEBAK", "CDB_PCAPREABAK",  "CDB_SCAPREABAK",  "CDB_TRANS_2WBAK",
+    "CDB_SHIFTBAK",  "CDB_TRANS_3WBAK", "CDB_DCLINEBAK",   "CDB_GENERATBAK",
+    "CDB_LOADBAK",   "CDB_SVCBAK",      "CDB_DATAGROUPBAK"};
+const std::vector<const char*> kWorkTables = {"Tac", "TPCR", "TSCR", "T2W",  "TShift",
+                                              "T3W", "Tdc",  "TGen", "TLoad"};
+
+} // namespace
 
 class SaveBack : public StabilityTest
 {
@@ -51,10 +60,15 @@ protected:
         return Value(QString("SELECT %1 FROM %2 WHERE ID_Name='%3' AND GrpName='%4'")
                          .arg(column, table, name, group));
     }
-    static void DropTemporaries()
+    static testsupport::Snapshot Take() { return testsupport::Take(checker(), kWorkingCopies); }
+    // Every table of the database, job tables and TLoad included.
+    static std::map<std::string, std::string> Checksums()
     {
-        QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS Tac, TPCR, TSCR, T2W, TShift, "
-                              "T3W, Tdc, TGen");
+        return testsupport::Checksums(checker(), testsupport::TablesLike(checker(), "%"));
+    }
+    static std::vector<std::string> TablesLeft()
+    {
+        return testsupport::TablesLeft(db(), kWorkTables);
     }
     CDatabase m_base;
 };
@@ -157,134 +171,6 @@ TEST_F(SaveBack, InPlaceEveryFamilySavesItsStabilityColumnsAndSvcsNever)
     EXPECT_EQ(std::count(sent.begin(), sent.end(), "Create index Idtype on Ntype"), 1);
 }
 
-TEST_F(SaveBack, FaithfulCopiesIntoANewGroupThatTheServerRefuses)
-{
-    // One changed row at a time in each family whose copy names a column twice (1110) or
-    // has a value more than columns (1136): the run stops there with nothing saved.
-    const struct
-    {
-        const char* change;
-        const char* copyHead;
-        const char* serverError;
-    } families[] = {
-        {"UPDATE S2_7 SET R0=R0+0.01 WHERE ID_Name='L1'",
-         "insert into CDB_ACLINEBAK(GrpName, ID_Name, Valid, I_Name, J_Name, ID_No, Valid,I_Break,",
-         "1110"},
-        {"UPDATE S2_7 SET X0=X0+0.5 WHERE ID_Name='C1'",
-         "insert into CDB_PCAPREABAK(GrpName, ID_Name,Valid, Node_Name, ID_No,Valid, Unit, R0, "
-         "X0, R0, X0,",
-         "1110"},
-        {"UPDATE S2_7 SET X0=X0-0.01 WHERE ID_Name='S1'",
-         "insert into CDB_SCAPREABAK(GrpName, ID_Name, PhyPos,Valid, I_Name, J_Name, ID_No, "
-         "Valid,",
-         "1110"},
-        {"UPDATE S3_7 SET X0=X0+0.01 WHERE ID_Name='T1'",
-         "insert into CDB_TRANS_2WBAK(GrpName, ID_Name, PhyPos,Valid, I_Name, J_Name, ID_No, "
-         "Valid,",
-         "1110"},
-        {"UPDATE S4_7 SET Tdo=0.75",
-         "insert into CDB_DCLINEBAK(GrpName, ID_Name, I_Name, J_Name, ID_No, Owner,Valid,", "1136"},
-    };
-    for (const auto& f : families) {
-        SCOPED_TRACE(f.copyHead);
-        ASSERT_EQ(CSTCalDataTransfer(kJob, kCaseLF, db(), nullptr).ImportSDataFromBaseDB(), 0);
-        Exec(f.change);
-        feedback().clear();
-        m_base.ClearModifiedTableTypes();
-        CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
-        EXPECT_EQ(job.StatementMode(), SaveStatementMode::Faithful);
-        EXPECT_EQ(job.SaveSDataToBaseDB("NEW", true), 1);
-        const auto errors = feedback().texts(2);
-        ASSERT_EQ(errors.size(), 1u);
-        const std::string prefix = "Fail to execute SQL: ";
-        EXPECT_EQ(errors[0].rfind(prefix + f.copyHead, 0), 0u) << errors[0];
-        EXPECT_TRUE(feedback().texts(1).empty()) << "no family message, no total";
-        EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
-        EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 0);
-        // What the server says to the same text, on the connection that holds T.
-        QSqlQuery q(*db());
-        EXPECT_FALSE(q.exec(QString::fromStdString(errors[0].substr(prefix.size()))));
-        EXPECT_EQ(q.lastError().nativeErrorCode().toStdString(), f.serverError);
-        DropTemporaries(); // the failed family's table stays on the connection
-    }
-    const int copies =
-        Count("CDB_ACLINEBAK WHERE GrpName='NEW'") + Count("CDB_PCAPREABAK WHERE GrpName='NEW'") +
-        Count("CDB_SCAPREABAK WHERE GrpName='NEW'") + Count("CDB_TRANS_2WBAK WHERE GrpName='NEW'") +
-        Count("CDB_DCLINEBAK WHERE GrpName='NEW'");
-    EXPECT_EQ(copies, 0);
-
-    // Left in place, the failed family's table makes the next run on the connection fail
-    // at its create.
-    Exec("UPDATE S2_7 SET R0=R0+0.01 WHERE ID_Name='L1'");
-    CSTCalDataTransfer first(kJob, kCaseLF, db(), nullptr);
-    EXPECT_EQ(first.SaveSDataToBaseDB("NEW", true), 1);
-    feedback().clear();
-    CSTCalDataTransfer second(kJob, kCaseLF, db(), nullptr);
-    EXPECT_EQ(second.SaveSDataToBaseDB("NEW", false), 1);
-    ASSERT_EQ(feedback().texts(2).size(), 1u);
-    EXPECT_EQ(feedback().texts(2)[0].rfind("Fail to execute SQL: Create temporary Table Tac", 0),
-              0u);
-}
-
-TEST_F(SaveBack, FaithfulRunIntoAGroupKeepsTheFamiliesBeforeTheRefusedDcCopy)
-{
-    Exec("UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='P1'");
-    Exec("UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='W3'");
-    Exec("UPDATE S4_7 SET Tdo=0.75");
-    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
-    EXPECT_EQ(job.SaveSDataToBaseDB("NEW", true), 1);
-
-    EXPECT_EQ(feedback().texts(1),
-              (std::vector<std::string>{"回存移相变压器数目：1", "回存三绕组变压器数目：3"}));
-    EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{107, 106}));
-    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 0) << "no group row after a failure";
-    // The copies stand in NEW with the job's values; the source rows are as they were. The
-    // shifter's copy names no Ang_Shift.
-    EXPECT_NEAR(Base("CDB_SHIFTBAK", "R0", "P1", "NEW"), 0.013, 1e-12);
-    EXPECT_NEAR(Base("CDB_SHIFTBAK", "R0", "P1"), 0.003, 1e-12);
-    EXPECT_EQ(Base("CDB_SHIFTBAK", "Ang_Shift", "P1", "NEW"), 0.0);
-    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', R10, R20, R30, Name_N, Zero_Conn2) FROM "
-                   "CDB_TRANS_3WBAK WHERE GrpName='NEW'"),
-              (std::vector<std::string>{"0.02|0.03|0.04|NS|IG"}))
-        << "one copy of the transformer, every winding updated";
-    EXPECT_EQ(Count("CDB_DCLINEBAK WHERE GrpName='NEW'"), 0);
-}
-
-TEST_F(SaveBack, FaithfulRunIntoAGroupCompletesWhenOnlyModelsChanged)
-{
-    Exec("UPDATE S5_7 SET Xdp=Xdp+0.002, PSS_Par=9");
-    Exec("UPDATE S6_7 SET Load_Par=8");
-    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
-    // The group's row refused: level 3 and 1, after the element rows and their flags.
-    Exec("CREATE TRIGGER no_group BEFORE INSERT ON CDB_DATAGROUPBAK FOR EACH ROW SIGNAL "
-         "SQLSTATE '45000' SET MESSAGE_TEXT='no group'");
-    const int refused = job.SaveSDataToBaseDB("组二", true);
-    Exec("DROP TRIGGER no_group");
-    EXPECT_EQ(refused, 1);
-    EXPECT_EQ(feedback().texts(3), (std::vector<std::string>{"执行新增数据组 组二 出错！"}));
-    EXPECT_TRUE(feedback().texts(2).empty());
-    EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{109, 110}));
-    EXPECT_EQ(Count("CDB_GENERATBAK WHERE GrpName='组二'"), 1);
-    feedback().clear();
-    m_base.ClearModifiedTableTypes();
-
-    EXPECT_EQ(job.SaveSDataToBaseDB("组一", true), 0);
-    EXPECT_EQ(feedback().texts(1), (std::vector<std::string>{"回存发电机数目：1", "回存负荷数目：1",
-                                                             "回存元件总数：2"}));
-    EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{109, 110, 12}));
-    EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='组一'"), 1);
-    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', Node_Name, Pg, Valid, Gen_Model, PSS_Par, Xdp) FROM "
-                   "CDB_GENERATBAK WHERE GrpName='组一'"),
-              (std::vector<std::string>{"N1|1|1|6|9|0.302"}));
-    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', Node_Name, No_Load, Pl, Load_Model, Load_Par, Z_Percent) "
-                   "FROM CDB_LOADBAK WHERE GrpName='组一'"),
-              (std::vector<std::string>{"N3|2|0.5|3|8|12.7"}));
-    EXPECT_EQ(Scalar("SELECT PSS_Par FROM CDB_GENERATBAK WHERE GrpName='G'"), "6");
-}
-
-// A group's name of 20 bytes as the design counted them, with a quote and a backslash: the
-// copy, its update and the group's row carry it whole. One byte more is refused before
-// anything is written; in place the name is never written and is not looked at.
 TEST_F(SaveBack, AGroupNameOfTwentyBytesWithAQuoteAndABackslashNamesItsOwnRows)
 {
     Exec("UPDATE S5_7 SET Gen_Model=7");
@@ -365,40 +251,6 @@ TEST_F(SaveBack, MendedRunIntoAGroupSavesEveryFamily)
               std::string::npos);
 }
 
-TEST_F(SaveBack, AFailureInTheLoadsLeavesTLoadAndTheNextRunsFailUntilItIsDropped)
-{
-    // The load's copy into the group refused (a column it names taken away): TLoad stays.
-    Exec("ALTER TABLE CDB_LOADBAK CHANGE No_Load No_Load_Away INT");
-    Exec("UPDATE S6_7 SET Load_Model=4");
-    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
-    const int refused = job.SaveSDataToBaseDB("NEW", true);
-    Exec("ALTER TABLE CDB_LOADBAK CHANGE No_Load_Away No_Load INT");
-    EXPECT_EQ(refused, 1);
-    EXPECT_EQ(Scalar("SHOW TABLES LIKE 'TLoad'").toLower(), "tload");
-
-    // Every run after fails at its create, in place too.
-    for (int run = 0; run < 2; ++run) {
-        feedback().clear();
-        CSTCalDataTransfer again(kJob, kCaseLF, db(), nullptr);
-        EXPECT_EQ(again.SaveSDataToBaseDB("NEW", false), 1);
-        ASSERT_EQ(feedback().texts(2).size(), 1u);
-        EXPECT_EQ(feedback().texts(2)[0].rfind("Fail to execute SQL: Create Table TLoad select", 0),
-                  0u);
-        EXPECT_EQ(feedback().texts(1), (std::vector<std::string>{})) << "nothing else changed";
-    }
-    EXPECT_EQ(Scalar("SELECT Load_Model FROM CDB_LOADBAK"), "3");
-    Exec("DROP TABLE TLoad");
-    feedback().clear();
-    CSTCalDataTransfer fixed(kJob, kCaseLF, db(), nullptr);
-    EXPECT_EQ(fixed.SaveSDataToBaseDB("NEW", false), 0);
-    EXPECT_EQ(Scalar("SELECT Load_Model FROM CDB_LOADBAK"), "4");
-    EXPECT_EQ(feedback().texts(1),
-              (std::vector<std::string>{"回存负荷数目：1", "回存元件总数：1"}));
-}
-
-// With the guard of a shared database: TLoad held by another run makes the save-back say once
-// for whom it waits and give up having written nothing; let go, the run saves; held by a
-// connection that is gone, it is taken over at once; a new group whose name exists is refused.
 TEST_F(SaveBack, WithTheGuardATLoadHeldByAnotherRunIsWaitedForAndADeadHoldersIsTakenOver)
 {
     Exec("UPDATE S6_7 SET Load_Model=4");
@@ -453,35 +305,7 @@ TEST_F(SaveBack, WithTheGuardATLoadHeldByAnotherRunIsWaitedForAndADeadHoldersIsT
     holder.reset();
 }
 
-// ---- The save-back's preview and its all-or-nothing option ----
-
-namespace {
-
-const std::vector<const char*> kWorkingCopies = {
-    "CDB_ACLINEBAK", "CDB_PCAPREABAK",  "CDB_SCAPREABAK",  "CDB_TRANS_2WBAK",
-    "CDB_SHIFTBAK",  "CDB_TRANS_3WBAK", "CDB_DCLINEBAK",   "CDB_GENERATBAK",
-    "CDB_LOADBAK",   "CDB_SVCBAK",      "CDB_DATAGROUPBAK"};
-const std::vector<const char*> kWorkTables = {"Tac", "TPCR", "TSCR", "T2W",  "TShift",
-                                              "T3W", "Tdc",  "TGen", "TLoad"};
-
-} // namespace
-
-class SaveBackOptions : public SaveBack
-{
-protected:
-    static testsupport::Snapshot Take() { return testsupport::Take(checker(), kWorkingCopies); }
-    // Every table of the database, job tables and TLoad included.
-    static std::map<std::string, std::string> Checksums()
-    {
-        return testsupport::Checksums(checker(), testsupport::TablesLike(checker(), "%"));
-    }
-    static std::vector<std::string> TablesLeft()
-    {
-        return testsupport::TablesLeft(db(), kWorkTables);
-    }
-};
-
-TEST_F(SaveBackOptions, APreviewTellsRowForRowWhatTheSaveBackThenWritesAndChangesNothing)
+TEST_F(SaveBack, APreviewTellsRowForRowWhatTheSaveBackThenWritesAndChangesNothing)
 {
     using namespace testsupport;
     ChangeEveryFamily();
@@ -534,81 +358,8 @@ TEST_F(SaveBackOptions, APreviewTellsRowForRowWhatTheSaveBackThenWritesAndChange
     EXPECT_EQ(Texts(group.messages), Texts(feedback().messages()));
 }
 
-TEST_F(SaveBackOptions, AFaithfulPreviewIntoAGroupStopsAtTheRefusedCopyWithItsReason)
-{
-    using namespace testsupport;
-    Exec("UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='P1'");
-    Exec("UPDATE S4_7 SET Tdo=0.75");
-    const auto sums = Checksums();
-    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
-    const SaveBackPreview preview = job.PreviewSDataToBaseDB("NEW", true);
-    EXPECT_EQ(preview.result, 1);
-    EXPECT_EQ(Checksums(), sums);
-    EXPECT_EQ(TablesLeft(), std::vector<std::string>{}) << "Tdc too, where the run stopped";
-    ASSERT_FALSE(preview.messages.empty());
-    const SaveBackMessage& stop = preview.messages.back();
-    EXPECT_EQ(stop.text.toStdString().rfind("Fail to execute SQL: insert into CDB_DCLINEBAK(", 0),
-              0u);
-    EXPECT_TRUE(stop.why.contains("不符"))
-        << "a value more than columns: " << stop.why.toStdString();
-    ASSERT_EQ(preview.changes.size(), 1u) << "the shifter's copy; nothing of the refused DC line's";
-    const SaveBackChange& shifter = preview.changes[0];
-    EXPECT_EQ((shifter.family + '|' + shifter.element + '|' + shifter.field).toStdString(),
-              "CDB_SHIFTBAK|P1|R0");
-    EXPECT_DOUBLE_EQ(shifter.baseValue.toDouble(), 0.003);
-    EXPECT_NEAR(shifter.newValue.toDouble(), 0.013, 1e-12);
 
-    EXPECT_EQ(job.SaveSDataToBaseDB("NEW", true), 1);
-    EXPECT_EQ(Texts(preview.messages), Texts(feedback().messages()));
-    EXPECT_EQ(preview.flags, m_base.ModifiedTableTypes());
-    EXPECT_EQ(Scalar("SELECT R0 FROM CDB_SHIFTBAK WHERE GrpName='NEW'"),
-              preview.changes.at(0).newValue.toString());
-}
-
-TEST_F(SaveBackOptions, AllOrNothingWithARefusedLateFamilyLeavesEveryTableAsItWas)
-{
-    using namespace testsupport;
-    ChangeEveryFamily();
-    const auto sums = Checksums();
-    const std::string nothingSaved = sbo::MSG_NOTHING_SAVED;
-
-    // The loads, the last family that writes, refused by the server in the mended mode.
-    Exec("CREATE TRIGGER no_load BEFORE UPDATE ON CDB_LOADBAK FOR EACH ROW SIGNAL SQLSTATE "
-         "'45000' SET MESSAGE_TEXT='no load'");
-    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
-    job.SetStatementMode(SaveStatementMode::Mended);
-    job.SetAllOrNothing(true);
-    EXPECT_EQ(job.SaveSDataToBaseDB("NEW", false), 1);
-    Exec("DROP TRIGGER no_load");
-    EXPECT_EQ(Checksums(), sums) << "the eight families before are undone; no TLoad is left";
-    EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
-    EXPECT_EQ(feedback().texts(1).size(), 8u) << "the families before counted, as shown";
-    const auto errors = feedback().texts(2);
-    ASSERT_EQ(errors.size(), 2u);
-    EXPECT_EQ(errors[0].rfind("Fail to execute SQL: update CDB_LOADBAK", 0), 0u) << errors[0];
-    EXPECT_EQ(errors[1], nothingSaved);
-    EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
-
-    // The faithful copy of the DC line into a group, refused after the shifter's and the
-    // three-winding transformer's copies.
-    SetUp();
-    Exec("UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='P1'");
-    Exec("UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='W3'");
-    Exec("UPDATE S4_7 SET Tdo=0.75");
-    const auto start = Checksums();
-    m_base.ClearModifiedTableTypes();
-    CSTCalDataTransfer faithful(kJob, kCaseLF, db(), &m_base);
-    faithful.SetAllOrNothing(true);
-    EXPECT_EQ(faithful.SaveSDataToBaseDB("NEW", true), 1);
-    EXPECT_EQ(feedback().texts(1),
-              (std::vector<std::string>{"回存移相变压器数目：1", "回存三绕组变压器数目：3"}));
-    EXPECT_EQ(Checksums(), start);
-    EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
-    EXPECT_EQ(feedback().messages().back().text, nothingSaved);
-    EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
-}
-
-TEST_F(SaveBackOptions, AllOrNothingEqualsTheOrdinarySaveBackAndFlagsAfterTheCommit)
+TEST_F(SaveBack, AllOrNothingEqualsTheOrdinarySaveBackAndFlagsAfterTheCommit)
 {
     using namespace testsupport;
     ChangeEveryFamily();
@@ -629,3 +380,200 @@ TEST_F(SaveBackOptions, AllOrNothingEqualsTheOrdinarySaveBackAndFlagsAfterTheCom
     EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
     EXPECT_EQ(whole.Ntrans, ordinary.Ntrans);
 }
+
+// ---- Runs that stop: one row per refusal, each into a group unless it says so ----
+
+namespace {
+
+// Each row of group NEW, over every working copy, with the values the copies of the
+// shifters, the three-winding transformers, the generators and the loads carry.
+const char* const kGroupRows =
+    "SELECT CONCAT_WS('|', 'AC', ID_Name) FROM CDB_ACLINEBAK WHERE GrpName='NEW' UNION ALL "
+    "SELECT CONCAT_WS('|', 'PCR', ID_Name) FROM CDB_PCAPREABAK WHERE GrpName='NEW' UNION ALL "
+    "SELECT CONCAT_WS('|', 'SCR', ID_Name) FROM CDB_SCAPREABAK WHERE GrpName='NEW' UNION ALL "
+    "SELECT CONCAT_WS('|', '2W', ID_Name) FROM CDB_TRANS_2WBAK WHERE GrpName='NEW' UNION ALL "
+    "SELECT CONCAT_WS('|', 'SH', ID_Name, ROUND(R0, 6), Ang_Shift) FROM CDB_SHIFTBAK WHERE "
+    "GrpName='NEW' UNION ALL SELECT CONCAT_WS('|', '3W', ID_Name, R10, R20, R30, Name_N, "
+    "Zero_Conn2) FROM CDB_TRANS_3WBAK WHERE GrpName='NEW' UNION ALL "
+    "SELECT CONCAT_WS('|', 'DC', ID_Name) FROM CDB_DCLINEBAK WHERE GrpName='NEW' UNION ALL "
+    "SELECT CONCAT_WS('|', 'GEN', ID_Name, Node_Name, Pg, Valid, Gen_Model, PSS_Par, Xdp) FROM "
+    "CDB_GENERATBAK WHERE GrpName='NEW' UNION ALL "
+    "SELECT CONCAT_WS('|', 'LOAD', ID_Name, Node_Name, No_Load, Pl, Load_Model, Load_Par, "
+    "Z_Percent) FROM CDB_LOADBAK WHERE GrpName='NEW' UNION ALL "
+    "SELECT CONCAT_WS('|', 'SVC', ID_Name) FROM CDB_SVCBAK WHERE GrpName='NEW' UNION ALL "
+    "SELECT 'GROUP' FROM CDB_DATAGROUPBAK WHERE GrpName='NEW'";
+const std::string kFail = "Fail to execute SQL: ";
+const std::vector<std::string> kModels = {"UPDATE S5_7 SET Xdp=Xdp+0.002, PSS_Par=9",
+                                          "UPDATE S6_7 SET Load_Par=8"};
+const std::vector<std::string> kDcAfterTwo = {"UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='P1'",
+                                              "UPDATE S3_7 SET R0=R0+0.01 WHERE ID_Name='W3'",
+                                              "UPDATE S4_7 SET Tdo=0.75"};
+const std::string kDcCopy =
+    kFail + "insert into CDB_DCLINEBAK(GrpName, ID_Name, I_Name, J_Name, ID_No, Owner,Valid,";
+const std::vector<std::string> kTwoFamilies = {"回存移相变压器数目：1", "回存三绕组变压器数目：3"};
+const std::vector<std::string> kShifterAndW3 = {"SH|P1|0.013000|0", "3W|W3|0.02|0.03|0.04|NS|IG"};
+const char* const kNoLoad = "CREATE TRIGGER no_load BEFORE UPDATE ON CDB_LOADBAK FOR EACH ROW "
+                            "SIGNAL SQLSTATE '45000' SET MESSAGE_TEXT='no load'";
+
+} // namespace
+
+struct StoppedRun
+{
+    const char* name;
+    std::vector<std::string> changes; // after ChangeEveryFamily when `everyFamily`
+    bool everyFamily, mended, allOrNothing, preview, inPlace;
+    int result;
+    std::vector<std::string> counts;    // level 1, in order
+    std::vector<std::string> errors;    // level 2, in order, each up to its length here
+    std::vector<std::string> fatal;     // level 3
+    std::vector<int> flags;             // the table types flagged
+    std::vector<std::string> group;     // kGroupRows after the run
+    bool untouched;                     // no table of the database changed
+    std::string next;                   // the next run in place fails with this, or succeeds
+    const char* undo = "";
+};
+
+void PrintTo(const StoppedRun& r, std::ostream* os)
+{
+    *os << r.name;
+}
+
+class StoppedRuns : public SaveBack, public ::testing::WithParamInterface<StoppedRun>
+{};
+
+TEST_P(StoppedRuns, TheRunSaysWhereItStoppedAndLeavesWhatItSaysItLeaves)
+{
+    const StoppedRun& r = GetParam();
+    if (r.everyFamily) {
+        ChangeEveryFamily();
+    }
+    for (const std::string& change : r.changes) {
+        Exec(QString::fromStdString(change));
+    }
+    const auto sums = Checksums();
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
+    job.SetStatementMode(r.mended ? SaveStatementMode::Mended : SaveStatementMode::Faithful);
+    job.SetAllOrNothing(r.allOrNothing);
+    SaveBackPreview preview;
+    if (r.preview) {
+        // The preview stops where the run will, with the server's reason, and writes nothing.
+        preview = job.PreviewSDataToBaseDB("NEW", !r.inPlace);
+        EXPECT_EQ(preview.result, r.result);
+        EXPECT_EQ(Checksums(), sums);
+        EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
+        ASSERT_FALSE(preview.messages.empty());
+        EXPECT_TRUE(preview.messages.back().why.contains("不符"))
+            << "a value more than columns: " << preview.messages.back().why.toStdString();
+        std::vector<std::string> changes;
+        for (const SaveBackChange& c : preview.changes) {
+            changes.push_back(QString("%1|%2|%3|%4|%5")
+                                  .arg(c.family, c.element, c.field)
+                                  .arg(c.baseValue.toDouble())
+                                  .arg(c.newValue.toDouble())
+                                  .toStdString());
+        }
+        EXPECT_EQ(changes, (std::vector<std::string>{"CDB_SHIFTBAK|P1|R0|0.003|0.013",
+                                                     "CDB_TRANS_3WBAK|W3|R10|0.01|0.02",
+                                                     "CDB_TRANS_3WBAK|W3|R20|0.02|0.03",
+                                                     "CDB_TRANS_3WBAK|W3|R30|0.03|0.04"}))
+            << "the copies before the refused DC line's; nothing of the DC line";
+    }
+    EXPECT_EQ(job.SaveSDataToBaseDB("NEW", !r.inPlace), r.result);
+    if (*r.undo) {
+        if (*r.undo) {
+        Exec(r.undo);
+    }
+    }
+    EXPECT_EQ(feedback().texts(1), r.counts);
+    const auto errors = feedback().texts(2);
+    ASSERT_EQ(errors.size(), r.errors.size()) << ::testing::PrintToString(errors);
+    for (size_t i = 0; i < errors.size(); ++i) {
+        EXPECT_EQ(errors[i].substr(0, r.errors[i].size()), r.errors[i]);
+    }
+    EXPECT_EQ(feedback().texts(3), r.fatal);
+    EXPECT_EQ(m_base.ModifiedTableTypes(), r.flags);
+    EXPECT_EQ(Rows(kGroupRows), r.group);
+    if (r.untouched) {
+        EXPECT_EQ(Checksums(), sums);
+    }
+    if (r.preview) {
+        EXPECT_EQ(testsupport::Texts(preview.messages), testsupport::Texts(feedback().messages()));
+        EXPECT_EQ(preview.flags, m_base.ModifiedTableTypes());
+    }
+
+    // What the run left on its connection or in the database decides the next one.
+    feedback().clear();
+    EXPECT_EQ(CSTCalDataTransfer(kJob, kCaseLF, db(), nullptr).SaveSDataToBaseDB("NEW", false),
+              r.next.empty() ? 0 : 1);
+    const auto next = feedback().texts(2);
+    EXPECT_EQ(next.empty() ? "" : next[0].substr(0, r.next.size()), r.next);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, StoppedRuns,
+    ::testing::Values(
+        // The faithful copies name a column twice (AC line, shunt, series, two-winding): the
+        // run stops at the first with nothing saved and its work table left on the connection.
+        StoppedRun{"AcLine", {"UPDATE S2_7 SET R0=R0+0.01 WHERE ID_Name='L1'"}, false, false,
+                   false, false, false, 1, {},
+                   {kFail + "insert into CDB_ACLINEBAK(GrpName, ID_Name, Valid, I_Name, J_Name, "
+                            "ID_No, Valid,I_Break,"},
+                   {}, {}, {}, true, kFail + "Create temporary Table Tac"},
+        StoppedRun{"Shunt", {"UPDATE S2_7 SET X0=X0+0.5 WHERE ID_Name='C1'"}, false, false, false,
+                   false, false, 1, {},
+                   {kFail + "insert into CDB_PCAPREABAK(GrpName, ID_Name,Valid, Node_Name, "
+                            "ID_No,Valid, Unit, R0, X0, R0, X0,"},
+                   {}, {}, {}, true, kFail + "Create temporary Table TPCR"},
+        StoppedRun{"Series", {"UPDATE S2_7 SET X0=X0-0.01 WHERE ID_Name='S1'"}, false, false,
+                   false, false, false, 1, {},
+                   {kFail + "insert into CDB_SCAPREABAK(GrpName, ID_Name, PhyPos,Valid, I_Name, "
+                            "J_Name, ID_No, Valid,"},
+                   {}, {}, {}, true, kFail + "Create temporary Table TSCR"},
+        StoppedRun{"TwoWinding", {"UPDATE S3_7 SET X0=X0+0.01 WHERE ID_Name='T1'"}, false, false,
+                   false, false, false, 1, {},
+                   {kFail + "insert into CDB_TRANS_2WBAK(GrpName, ID_Name, PhyPos,Valid, I_Name, "
+                            "J_Name, ID_No, Valid,"},
+                   {}, {}, {}, true, kFail + "Create temporary Table T2W"},
+        // The DC copy has a value more than columns: the shifter's and the three-winding
+        // transformer's copies stand (the shifter's names no Ang_Shift; one copy of the
+        // transformer, every winding updated), no group row. The preview tells as much.
+        StoppedRun{"DcLine", kDcAfterTwo, false, false, false, true, false, 1, kTwoFamilies,
+                   {kDcCopy}, {}, {107, 106}, kShifterAndW3, false,
+                   kFail + "Create temporary Table Tdc"},
+        // All or nothing: the same stop, and the copies before it undone.
+        StoppedRun{"DcLineAllOrNothing", kDcAfterTwo, false, false, true, false, false, 1,
+                   kTwoFamilies, {kDcCopy, sbo::MSG_NOTHING_SAVED}, {}, {}, {}, true, ""},
+        // The loads, the last family that writes, refused in place in the mended mode: the
+        // eight families before are undone and no TLoad is left.
+        StoppedRun{"LoadsAllOrNothing", {kNoLoad}, true, true, true, false, true, 1,
+                   {"回存交流线数目：1", "回存并联电容电抗器数目：1", "回存串联电容电抗器数目：1",
+                    "回存两绕组变压器数目：1", "回存移相变压器数目：1", "回存三绕组变压器数目：3",
+                    "回存直连线数目：1", "回存发电机数目：1"},
+                   {kFail + "update CDB_LOADBAK", sbo::MSG_NOTHING_SAVED}, {}, {}, {}, true, "",
+                   "DROP TRIGGER no_load"},
+        // The load's copy refused (a column it names taken away): TLoad, an ordinary table,
+        // stays, and every run after fails at its create, in place too.
+        StoppedRun{"LoadCopy",
+                   {"ALTER TABLE CDB_LOADBAK CHANGE No_Load No_Load_Away INT",
+                    "UPDATE S6_7 SET Load_Model=4"},
+                   false, false, false, false, false, 1, {},
+                   {kFail + "insert into CDB_LOADBAK(GrpName, ID_Name, Node_Name, No_Load,"}, {},
+                   {}, {}, false, kFail + "Create Table TLoad select",
+                   "ALTER TABLE CDB_LOADBAK CHANGE No_Load_Away No_Load INT"},
+        // The group's row refused: level 3 and 1, after the element rows and their flags.
+        StoppedRun{"GroupRow",
+                   {kModels[0], kModels[1],
+                    "CREATE TRIGGER no_group BEFORE INSERT ON CDB_DATAGROUPBAK FOR EACH ROW "
+                    "SIGNAL SQLSTATE '45000' SET MESSAGE_TEXT='no group'"},
+                   false, false, false, false, false, 1,
+                   {"回存发电机数目：1", "回存负荷数目：1", "回存元件总数：2"}, {},
+                   {"执行新增数据组 NEW 出错！"}, {109, 110},
+                   {"GEN|G1|N1|1|1|6|9|0.302", "LOAD|D1|N3|2|0.5|3|8|12.7"}, false, "",
+                   "DROP TRIGGER no_group"},
+        // Only the models changed: the faithful run into a group completes.
+        StoppedRun{"ModelsOnly", kModels, false, false, false, false, false, 0,
+                   {"回存发电机数目：1", "回存负荷数目：1", "回存元件总数：2"}, {}, {},
+                   {109, 110, 12},
+                   {"GEN|G1|N1|1|1|6|9|0.302", "LOAD|D1|N3|2|0.5|3|8|12.7", "GROUP"}, false,
+                   ""}),
+    [](const ::testing::TestParamInfo<StoppedRun>& info) { return info.param.name; });
