@@ -137,6 +137,7 @@ const std::string kFail = "Fail to execute SQL: ";
 const std::string kFill = kFail + "INSERT INTO tmp SELECT 0+substring";
 const std::string kDbError = "数据库操作发生错误！";
 const std::string kCounts = "更新暂稳作业表元件个数信息发生错误！";
+const std::string kMissing = "S5_7表可能不存在, 导入计算数据发生错误！";
 } // namespace
 
 INSTANTIATE_TEST_SUITE_P(
@@ -144,34 +145,26 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         // The generators' rows locked: the emptying waits at S5_7 and the connection dies
         // there. S2_7 to S4_7 were emptied; every statement after fails, the counters too.
-        ExtractionFault{Fault::Killed,
-                        1,
-                        {"S5_7表可能不存在, 导入计算数据发生错误！", kFill,
-                         kFail + "insert into S2_7", kFill, kFill, kFail + "insert into S2_7",
-                         kFill, kFill, kFill, kDbError, kDbError, kDbError, kFill, kCounts},
+        ExtractionFault{Fault::Killed, 1,
+                        {"S5_7表可能不存在, 导入计算数据发生错误！", kFill, kFail + "insert into S2_7",
+                         kFill, kFill, kFail + "insert into S2_7", kFill, kFill, kFill, kDbError,
+                         kDbError, kDbError, kFill, kCounts},
                         "eeekkk"},
         // S5_7 missing: the emptying stops there, so S6_7 and S7_7 get the new rows beside
         // their old ones; only the generators' insert fails. The run succeeds.
-        ExtractionFault{Fault::MissingTable,
-                        0,
-                        {"S5_7表可能不存在, 导入计算数据发生错误！", kFail + "INSERT INTO S5_7"},
-                        "nnnkaa"},
+        ExtractionFault{Fault::MissingTable, 0, {kMissing, kFail + "INSERT INTO S5_7"}, "nnnkaa"},
         // A user who may only read: no job table and no working table can be written.
-        ExtractionFault{Fault::ReadOnly,
-                        1,
-                        {"S2_7表可能不存在, 导入计算数据发生错误！", kFill,
-                         kFail + "insert into S2_7", kFill, kFill, kFail + "insert into S2_7",
-                         kFill, kFill, kFill, kDbError, kDbError, kDbError, kFill, kCounts},
+        ExtractionFault{Fault::ReadOnly, 1,
+                        {"S2_7表可能不存在, 导入计算数据发生错误！", kFill, kFail + "insert into S2_7",
+                         kFill, kFill, kFail + "insert into S2_7", kFill, kFill, kFill, kDbError,
+                         kDbError, kDbError, kFill, kCounts},
                         "kkkkkk"},
         // S5_7 full: the generators' insert stops with the rows it wrote (the memory engine
         // keeps them); every other family is done.
         ExtractionFault{Fault::Full, 0, {kFail + "INSERT INTO S5_7"}, "nnnpnn"},
         // S5_7's rows locked and a session that waits one second: the emptying and then the
         // generators' insert time out, as with the table missing.
-        ExtractionFault{Fault::LockTimeout,
-                        0,
-                        {"S5_7表可能不存在, 导入计算数据发生错误！", kFail + "INSERT INTO S5_7"},
-                        "nnnkaa"}),
+        ExtractionFault{Fault::LockTimeout, 0, {kMissing, kFail + "INSERT INTO S5_7"}, "nnnkaa"}),
     [](const ::testing::TestParamInfo<ExtractionFault>& info) {
         return testsupport::FaultName(info.param.fault);
     });
