@@ -21,7 +21,6 @@ struct CLFCalDataTransferFamilies
         t.m_strGroupName = group;
         t.m_bNewGroup = newGroup;
     }
-    static int Shifters(CLFCalDataTransfer& t) { return t.SaveL3DataToShift(); }
     static int Generators(CLFCalDataTransfer& t) { return t.SaveL5DataToBaseDB(); }
     static int AddNodes(CLFCalDataTransfer& t) { return t.SaveL1DataToBaseDB(); }
     static CSaveBackPattern& Pattern(CLFCalDataTransfer& t) { return t.m_saveBack; }

@@ -112,21 +112,8 @@ TEST_F(ClusterSaveBack, WhatNode1SavesNode3HoldsRowForRowInEitherMode)
     job.SetAllOrNothing(true);
     ASSERT_EQ(job.SaveLDataToBaseDB("ALL", true), 0);
 
-    const std::vector<std::string> onNode1 = NodeRows(1);
-    EXPECT_EQ(NodeRows(3), onNode1);
-    for (const char* group : {"NEW", "ALL"}) {
-        SCOPED_TRACE(group);
-        QSqlQuery q(Node(3));
-        ASSERT_TRUE(q.exec(QString("SELECT (SELECT Pg FROM CDB_GENERATBAK WHERE GrpName='%1' AND "
-                                   "ID_Name='GU'), (SELECT X1 FROM CDB_SCAPREABAK WHERE "
-                                   "GrpName='%1' AND ID_Name='SC1'), (SELECT COUNT(*) FROM "
-                                   "CDB_DATAGROUPBAK WHERE GrpName='%1')")
-                               .arg(group)) &&
-                    q.next());
-        EXPECT_NEAR(q.value(0).toDouble(), 50.0002, 1e-9);
-        EXPECT_NEAR(q.value(1).toDouble(), -13.31, 1e-9) << "-0.11 pu on 121 ohm";
-        EXPECT_EQ(q.value(2).toInt(), 1);
-    }
+    // The values of both runs on node 1 are the road's (its own tests); node 3 holds them.
+    EXPECT_EQ(NodeRows(3), NodeRows(1));
 }
 
 TEST_F(ClusterSaveBack, ALineChangedThroughNode2DuringAWholeRunUndoesItOnEveryNode)

@@ -60,15 +60,12 @@ TEST_F(SaveBackOptions, APreviewTellsRowForRowWhatTheSaveBackThenWritesAndChange
     EXPECT_EQ(preview.changes.size(), 13u);
 
     // Values in the base row's unit: the generator stored in MW.
-    bool seen = false;
-    for (const SaveBackChange& c : preview.changes) {
-        if (c.element == "GU" && c.field.toLower() == "pg") {
-            EXPECT_DOUBLE_EQ(c.baseValue.toDouble(), 50.0);
-            EXPECT_NEAR(c.newValue.toDouble(), 50.0002, 1e-9);
-            seen = true;
-        }
-    }
-    EXPECT_TRUE(seen);
+    const auto gu = std::find_if(preview.changes.begin(), preview.changes.end(), [](auto& c) {
+        return c.element == "GU" && c.field.toLower() == "pg";
+    });
+    ASSERT_NE(gu, preview.changes.end());
+    EXPECT_DOUBLE_EQ(gu->baseValue.toDouble(), 50.0);
+    EXPECT_NEAR(gu->newValue.toDouble(), 50.0002, 1e-9);
     const QString report = preview.Report();
     EXPECT_TRUE(report.contains("变化元件 12 个、数值 13 项")) << report.toStdString();
     EXPECT_TRUE(report.contains("新增 CDB_NODEBAK 1 行")) << report.toStdString();

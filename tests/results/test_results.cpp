@@ -10,6 +10,7 @@
 #include "records/RecordFlags.h"
 
 #include <limits>
+#include <tuple>
 
 using namespace dtsdb;
 using testsupport::DbTest;
@@ -252,14 +253,10 @@ TEST_F(Results, DcLineEndSumsAreDerivedAsDesigned)
     CLFResultDataTransfer in(2, db(), &m_rtdb, false, 0);
     in.ImportLFResultDataToRTDB();
     const dln r = Fetch<dln>("DC1");
-    EXPECT_FLOAT_EQ(r.Pi, -98.0f) << "Pi is written twice and keeps the J-end sum";
-    EXPECT_FLOAT_EQ(r.Qi, -1.25f) << "-(Qd1i + Qd2i)";
-    EXPECT_FLOAT_EQ(r.Pj, 7.0f) << "Pj is written by nothing";
-    EXPECT_FLOAT_EQ(r.Qj, 4.0f);
-    EXPECT_FLOAT_EQ(r.Ii, 2.0f);
-    EXPECT_DOUBLE_EQ(r.Qcjp, 9.25);
-    EXPECT_STREQ(r.Owner, "3");
-    EXPECT_EQ(r.ibs, 5);
+    // Pi is written twice and keeps the J-end sum; Qi is -(Qd1i + Qd2i); Pj is written by
+    // nothing.
+    EXPECT_EQ(std::make_tuple(r.Pi, r.Qi, r.Pj, r.Qj, r.Ii, r.Qcjp, std::string(r.Owner), r.ibs),
+              std::make_tuple(-98.0f, -1.25f, 7.0f, 4.0f, 2.0f, 9.25, std::string("3"), 5));
 
     Level("K");
     CLFResultDataTransfer out(3, db(), &m_rtdb, false, 0);
