@@ -1,6 +1,6 @@
-// The save-back's two options: the preview, which must tell exactly what the save-back then
-// writes and change nothing itself, and the all-or-nothing run, which must leave every base
-// table as it was when anything fails and equal the ordinary save-back when nothing does.
+// The save-back's two options where they meet what stood before them: the preview into a
+// group an earlier save filled, all-or-nothing where it cannot finish, both inside a
+// transaction of the caller's. (Their ordinary runs are on the road.)
 
 #include "SaveBackRoad.h"
 #include "common/SaveBackPattern.h"
@@ -14,72 +14,6 @@ using namespace testsupport;
 
 class SaveBackOptions : public SaveBackRoad
 {};
-
-TEST_F(SaveBackOptions, APreviewTellsRowForRowWhatTheSaveBackThenWritesAndChangesNothing)
-{
-    ChangeEveryFamily();
-    const Snapshot before = TakeWorkingCopies();
-    const auto sums = Checksums();
-    CLFCalDataTransfer job(0, kScheme, db(), &m_base);
-    job.SetStatementMode(SaveStatementMode::Mended);
-
-    const SaveBackPreview preview = job.PreviewLDataToBaseDB("NEW", false);
-    EXPECT_EQ(preview.result, 0) << preview.Report().toStdString();
-    EXPECT_TRUE(preview.refused.isEmpty());
-    EXPECT_EQ(Checksums(), sums) << "no table of the database changed";
-    EXPECT_TRUE(m_base.ModifiedTableTypes().empty()) << "no flag raised";
-    EXPECT_TRUE(feedback().messages().empty()) << "the save-back's messages are kept, not shown";
-    EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
-    EXPECT_EQ(job.Nacline, 0) << "the transfer's counts stay as they were";
-
-    // The orphans, and the node, bus, station and zone that the orphan generator's new node
-    // needs; the group's row since orphans go into it.
-    std::vector<std::string> orphans;
-    for (const SaveBackAddition& a : preview.additions) {
-        if (a.orphan) {
-            orphans.push_back((a.table + '|' + a.name).toStdString());
-        }
-    }
-    EXPECT_EQ(Sorted(orphans),
-              (std::vector<std::string>{"CDB_ACLINEBAK|LNEW", "CDB_BREAKERBAK|KNEW",
-                                        "CDB_DCLINEBAK|DCNEW", "CDB_GENERATBAK|GNEW",
-                                        "CDB_ISOSWITCHBAK|QNEW", "CDB_LOADBAK|DNEW",
-                                        "CDB_PCAPREABAK|CNEW", "CDB_SCAPREABAK|SNEW",
-                                        "CDB_SHIFTBAK|PNEW", "CDB_TRANS_2WBAK|TNEW",
-                                        "CDB_TRANS_3WBAK|T3NEW"}));
-    ASSERT_EQ(preview.AdditionsTo("CDB_NODEBAK").size(), 1u);
-    const SaveBackAddition node = preview.AdditionsTo("CDB_NODEBAK")[0];
-    EXPECT_EQ(node.name, "NEWN");
-    EXPECT_EQ(node.values[node.columns.indexOf("Bus_Name")].toString(), "NEWB");
-    EXPECT_EQ(preview.AdditionsTo("CDB_BUSBAK").size(), 1u);
-    EXPECT_EQ(preview.AdditionsTo("CDB_BUSBAK")[0].name, "NEWB");
-    EXPECT_EQ(preview.AdditionsTo("CDB_PSTATIONBAK")[0].name, "NEWS");
-    EXPECT_EQ(preview.AdditionsTo("CDB_ZONEBAK")[0].name, "9");
-    EXPECT_EQ(preview.AdditionsTo("CDB_DATAGROUPBAK")[0].name, "NEW");
-    EXPECT_EQ(preview.ChangedElements(), 12) << "the design counts T3A's two windings as two";
-    EXPECT_EQ(preview.changes.size(), 13u);
-
-    // Values in the base row's unit: the generator stored in MW.
-    const auto gu = std::find_if(preview.changes.begin(), preview.changes.end(), [](auto& c) {
-        return c.element == "GU" && c.field.toLower() == "pg";
-    });
-    ASSERT_NE(gu, preview.changes.end());
-    EXPECT_DOUBLE_EQ(gu->baseValue.toDouble(), 50.0);
-    EXPECT_NEAR(gu->newValue.toDouble(), 50.0002, 1e-9);
-    const QString report = preview.Report();
-    EXPECT_TRUE(report.contains("变化元件 12 个、数值 13 项")) << report.toStdString();
-    EXPECT_TRUE(report.contains("新增 CDB_NODEBAK 1 行")) << report.toStdString();
-
-    // The save-back itself, on the same object: it writes what the preview listed and
-    // nothing else, raises the flags and shows the messages that the preview gave.
-    EXPECT_EQ(job.SaveLDataToBaseDB("NEW", false), 0);
-    std::vector<std::string> changes, added;
-    Diff(before, TakeWorkingCopies(), changes, added);
-    EXPECT_EQ(PreviewChanges(preview), changes);
-    EXPECT_EQ(PreviewAdditions(preview), added);
-    EXPECT_EQ(preview.flags, m_base.ModifiedTableTypes());
-    EXPECT_EQ(Texts(preview.messages), Texts(feedback().messages()));
-}
 
 // Into a group that an earlier save filled, on a session whose sql_mode holds
 // NO_BACKSLASH_ESCAPES, with a group name that ends in a backslash: the preview lists the
@@ -149,45 +83,6 @@ TEST_F(SaveBackOptions, APreviewIntoAGroupListsTheCopiesTheRowsItHoldsAndTheSwit
     EXPECT_EQ(breakers.size(), 2u);
     EXPECT_EQ(preview.flags, m_base.ModifiedTableTypes());
     EXPECT_EQ(Texts(preview.messages), Texts(feedback().messages()));
-}
-
-TEST_F(SaveBackOptions, AllOrNothingEqualsTheOrdinarySaveBackAndFlagsAfterTheCommit)
-{
-    ChangeEveryFamily();
-    CLFCalDataTransfer ordinary(0, kScheme, db(), &m_base);
-    ordinary.SetStatementMode(SaveStatementMode::Mended);
-    EXPECT_EQ(ordinary.SaveLDataToBaseDB("NEW", true), 0);
-    const SaveBackOutcome ordinaryRun = Outcome(checker(), kWorkingCopies, m_base);
-
-    SetUp(); // the same network and changes again
-    ChangeEveryFamily();
-    CommitWatch watch(db());
-    StartStatementLog();
-    CLFCalDataTransfer whole(0, kScheme, db(), &watch);
-    whole.SetStatementMode(SaveStatementMode::Mended);
-    whole.SetAllOrNothing(true);
-    EXPECT_EQ(whole.SaveLDataToBaseDB("NEW", true), 0);
-    ExpectSameOutcomeFlaggedAfterCommit(Outcome(checker(), kWorkingCopies, watch),
-                                        watch.inTransaction, ordinaryRun);
-    EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
-    EXPECT_EQ(whole.Nacline, ordinary.Nacline);
-    EXPECT_EQ(whole.Ntrans, ordinary.Ntrans);
-
-    // Between START TRANSACTION and COMMIT nothing that ends a transaction was sent; the
-    // drops and the index came after, as they stand.
-    const auto sent = SentStatements();
-    const auto begin = std::find(sent.begin(), sent.end(), "start transaction");
-    const auto commit = std::find(sent.begin(), sent.end(), "commit");
-    ASSERT_NE(begin, sent.end());
-    ASSERT_NE(commit, sent.end());
-    for (auto it = begin + 1; it != commit; ++it) {
-        EXPECT_FALSE(CSaveBackPattern::EndsTransaction(QByteArray::fromStdString(*it))) << *it;
-    }
-    std::vector<std::string> after(commit + 1, sent.end());
-    for (const char* s : {"drop table Tac", "Create index Idtype on Ntype", "drop table T3W",
-                          "drop table Tswitch", "drop table Tnode"}) {
-        EXPECT_NE(std::find(after.begin(), after.end(), s), after.end()) << s;
-    }
 }
 
 // What all-or-nothing cannot finish it does not commit: orphans whose nodes could not be

@@ -1,6 +1,7 @@
 // The whole save-back road: every family, the driver's end, the new group and the new
-// nodes, in the mended statement mode; where the faithful default stops, and what its
-// preview says of it; a group's name in Chinese.
+// nodes, in the mended statement mode, with the preview before and all-or-nothing beside;
+// where the faithful default stops, and what its preview says of it; a group's name in
+// Chinese.
 
 #include "SaveBackRoad.h"
 #include "TableSnapshots.h"
@@ -9,16 +10,57 @@
 
 #include <QSqlError>
 
-using testsupport::Texts;
+using namespace testsupport;
 
-TEST_F(SaveBackRoad, MendedInPlaceRunsEveryFamilyAndTheDriversEnd)
+// The preview first, which must tell exactly what the save-back then writes and change
+// nothing itself; then the save-back on the same object.
+TEST_F(SaveBackRoad, MendedInPlaceRunsEveryFamilyAndTheDriversEndAsItsPreviewSaid)
 {
     ChangeEveryFamily();
-    StartStatementLog();
+    const Snapshot before = TakeWorkingCopies();
+    const auto sums = Checksums();
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
     EXPECT_EQ(job.StatementMode(), SaveStatementMode::Faithful) << "the default";
     job.SetStatementMode(SaveStatementMode::Mended);
+    const SaveBackPreview preview = job.PreviewLDataToBaseDB("NEW", false);
+    EXPECT_EQ(preview.result, 0) << preview.Report().toStdString();
+    EXPECT_TRUE(preview.refused.isEmpty());
+    EXPECT_EQ(Checksums(), sums) << "no table of the database changed";
+    EXPECT_TRUE(m_base.ModifiedTableTypes().empty()) << "no flag raised";
+    EXPECT_TRUE(feedback().messages().empty()) << "the save-back's messages are kept, not shown";
+    EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
+    EXPECT_EQ(job.Nacline, 0) << "the transfer's counts stay as they were";
+
+    // The orphans as such. Their nodes, buses, stations and zones, and every value (in the
+    // base row's unit), are the rows the save-back then writes, checked below.
+    std::vector<std::string> orphans;
+    for (const SaveBackAddition& a : preview.additions) {
+        if (a.orphan) {
+            orphans.push_back((a.table + '|' + a.name).toStdString());
+        }
+    }
+    EXPECT_EQ(Sorted(orphans),
+              (std::vector<std::string>{"CDB_ACLINEBAK|LNEW", "CDB_BREAKERBAK|KNEW",
+                                        "CDB_DCLINEBAK|DCNEW", "CDB_GENERATBAK|GNEW",
+                                        "CDB_ISOSWITCHBAK|QNEW", "CDB_LOADBAK|DNEW",
+                                        "CDB_PCAPREABAK|CNEW", "CDB_SCAPREABAK|SNEW",
+                                        "CDB_SHIFTBAK|PNEW", "CDB_TRANS_2WBAK|TNEW",
+                                        "CDB_TRANS_3WBAK|T3NEW"}));
+    EXPECT_EQ(preview.ChangedElements(), 12) << "the design counts T3A's two windings as two";
+    EXPECT_EQ(preview.changes.size(), 13u);
+
+    const QString report = preview.Report();
+    EXPECT_TRUE(report.contains("变化元件 12 个、数值 13 项")) << report.toStdString();
+    EXPECT_TRUE(report.contains("新增 CDB_NODEBAK 1 行")) << report.toStdString();
+
+    StartStatementLog();
     EXPECT_EQ(job.SaveLDataToBaseDB("NEW", false), 0);
+    std::vector<std::string> changes, added; // the preview's rows are the rows written
+    Diff(before, TakeWorkingCopies(), changes, added);
+    EXPECT_EQ(PreviewChanges(preview), changes);
+    EXPECT_EQ(PreviewAdditions(preview), added);
+    EXPECT_EQ(preview.flags, m_base.ModifiedTableTypes());
+    EXPECT_EQ(Texts(preview.messages), Texts(feedback().messages()));
 
     EXPECT_EQ(feedback().texts(1),
               (std::vector<std::string>{"回存交流线数目：1", "回存并联电容电抗器数目：1",
@@ -103,7 +145,7 @@ TEST_F(SaveBackRoad, MendedInPlaceRunsEveryFamilyAndTheDriversEnd)
     EXPECT_TRUE(Sent(sent, "drop table Tnode"));
 }
 
-TEST_F(SaveBackRoad, MendedIntoANewGroupCopiesEveryFamilyAndLeavesTheBaseRows)
+TEST_F(SaveBackRoad, MendedIntoANewGroupCopiesEveryFamilyAndLeavesTheBaseRowsAsAllOrNothingDoes)
 {
     ChangeEveryFamily();
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
@@ -146,6 +188,39 @@ TEST_F(SaveBackRoad, MendedIntoANewGroupCopiesEveryFamilyAndLeavesTheBaseRows)
     EXPECT_EQ(Count("CDB_ACLINEBAK WHERE GrpName='NEW'"), 2)
         << "L1's copy and the orphan; L2 stayed within the tolerance";
     EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 1);
+
+    // All-or-nothing on the same network and changes: the same rows and flags, the flags
+    // raised after its COMMIT.
+    const SaveBackOutcome ordinaryRun = Outcome(checker(), kWorkingCopies, m_base);
+    SetUp();
+    ChangeEveryFamily();
+    CommitWatch watch(db());
+    StartStatementLog();
+    CLFCalDataTransfer whole(0, kScheme, db(), &watch);
+    whole.SetStatementMode(SaveStatementMode::Mended);
+    whole.SetAllOrNothing(true);
+    EXPECT_EQ(whole.SaveLDataToBaseDB("NEW", true), 0);
+    ExpectSameOutcomeFlaggedAfterCommit(Outcome(checker(), kWorkingCopies, watch),
+                                        watch.inTransaction, ordinaryRun);
+    EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
+    EXPECT_EQ(whole.Nacline, job.Nacline);
+    EXPECT_EQ(whole.Ntrans, job.Ntrans);
+
+    // Between START TRANSACTION and COMMIT nothing that ends a transaction was sent; the
+    // drops and the index came after, as they stand.
+    const auto sent = SentStatements();
+    const auto begin = std::find(sent.begin(), sent.end(), "start transaction");
+    const auto commit = std::find(sent.begin(), sent.end(), "commit");
+    ASSERT_NE(begin, sent.end());
+    ASSERT_NE(commit, sent.end());
+    for (auto it = begin + 1; it != commit; ++it) {
+        EXPECT_FALSE(CSaveBackPattern::EndsTransaction(QByteArray::fromStdString(*it))) << *it;
+    }
+    std::vector<std::string> after(commit + 1, sent.end());
+    for (const char* s : {"drop table Tac", "Create index Idtype on Ntype", "drop table T3W",
+                          "drop table Tswitch", "drop table Tnode"}) {
+        EXPECT_NE(std::find(after.begin(), after.end(), s), after.end()) << s;
+    }
 }
 
 TEST_F(SaveBackRoad, TheFaithfulDefaultStopsWhereTheServerRefusesTheDesignsTextAsItsPreviewSays)
