@@ -91,8 +91,6 @@ std::map<std::string, std::string> Group(QSqlDatabase db, const QString& databas
     return Sums(db, database, "cdb\\_%", group);
 }
 
-const QString kWaits = "正由主机";
-
 } // namespace
 
 class Concurrent : public DbTest
@@ -113,7 +111,36 @@ protected:
             Exec("DROP DATABASE IF EXISTS " + db);
         }
     }
+    using Sum = std::map<std::string, std::string>;
+    // Two studies of job 1 at once into the groups <g>1 and <g>2, the second with `second`
+    // on its command line: both complete, one having waited; each group holds `expected`.
+    void SameJob(const QString& base, const QStringList& second, const QString& g, const Sum& expected)
+    {
+        const std::vector<Ended> runs = AtOnce({Study(base, 1, g + "1"), Study(base, 1, g + "2") + second});
+        for (int k = 0; k < 2; ++k) {
+            EXPECT_EQ(runs[k].status, 0) << runs[k].err.toStdString();
+            EXPECT_EQ(Group(checker(), base, g + QString::number(k + 1)), expected);
+        }
+        m_out = runs[0].out + runs[1].out;
+        EXPECT_EQ(m_out.count("正由主机"), 1);
+    }
+    // Studies of jobs 2 and 5 at once into one new group: one completes, the other is
+    // refused with status 3 (its message in m_err); one group row, one writer's copies.
+    void SameGroup(const QString& base, const QStringList& second, const QString& group, const Sum& expected)
+    {
+        std::vector<Ended> runs = AtOnce({Study(base, 2, group), Study(base, 5, group) + second});
+        std::sort(runs.begin(), runs.end(),
+                  [](const Ended& a, const Ended& b) { return a.status < b.status; });
+        EXPECT_EQ(runs[0].status, 0) << runs[0].err.toStdString();
+        EXPECT_EQ(runs[1].status, 3) << runs[1].err.toStdString();
+        m_err = runs[1].err;
+        EXPECT_EQ(Scalar(QString("SELECT COUNT(*) FROM %1.CDB_DATAGROUPBAK WHERE GrpName='%2'")
+                             .arg(base, group)),
+                  "1");
+        EXPECT_EQ(Group(checker(), base, group), expected);
+    }
     QStringList m_made;
+    QString m_out, m_err;
 };
 
 TEST_F(Concurrent, FourStudiesAtOnceEqualTheFourInTurnAndTwoOnOneJobOrGroupNeverMix)
@@ -137,31 +164,16 @@ TEST_F(Concurrent, FourStudiesAtOnceEqualTheFourInTurnAndTwoOnOneJobOrGroupNever
 
     // One job at once: one of the two waits for it and then completes; the job's tables and
     // both groups' copies are one whole run's.
-    const std::vector<Ended> sameJob = AtOnce({Study(together, 1, "H1"), Study(together, 1, "H2")});
-    EXPECT_EQ(sameJob[0].status, 0) << sameJob[0].err.toStdString();
-    EXPECT_EQ(sameJob[1].status, 0) << sameJob[1].err.toStdString();
-    EXPECT_EQ(sameJob[0].out.count(kWaits) + sameJob[1].out.count(kWaits), 1);
-    EXPECT_TRUE((sameJob[0].out + sameJob[1].out)
-                    .contains("作业 1 的潮流作业表 正由主机 " + QSysInfo::machineHostName()));
+    SameJob(together, {}, "H", Group(checker(), inTurn, "G1"));
     EXPECT_EQ(Sums(checker(), together, "l%\\_1"), Sums(checker(), inTurn, "l%\\_1"));
-    EXPECT_EQ(Group(checker(), together, "H1"), Group(checker(), inTurn, "G1"));
-    EXPECT_EQ(Group(checker(), together, "H2"), Group(checker(), inTurn, "G1"));
+    EXPECT_TRUE(m_out.contains("作业 1 的潮流作业表 正由主机 " + QSysInfo::machineHostName()));
 
     // One new group (of the longest Chinese name) at once, on two jobs: one writer's copies
     // and one group row; the other run waits for the group and is refused, status 3.
     const QString cn = "华北电网运行方式调整";
-    std::vector<Ended> sameGroup = AtOnce({Study(together, 2, cn), Study(together, 5, cn)});
-    std::sort(sameGroup.begin(), sameGroup.end(),
-              [](const Ended& a, const Ended& b) { return a.status < b.status; });
-    EXPECT_EQ(sameGroup[0].status, 0) << sameGroup[0].err.toStdString();
-    EXPECT_EQ(sameGroup[1].status, 3) << sameGroup[1].err.toStdString();
-    EXPECT_EQ(sameGroup[1].err,
-              "calcdata_demo: 数据组 " + cn +
-                  " 已存在（已由其他运行新建），本次新建数据组的回存未写入任何数据。\n");
-    EXPECT_EQ(Scalar(QString("SELECT COUNT(*) FROM %1.CDB_DATAGROUPBAK WHERE GrpName='%2'")
-                         .arg(together, cn)),
-              "1");
-    EXPECT_EQ(Group(checker(), together, cn), Group(checker(), inTurn, "G2"));
+    SameGroup(together, {}, cn, Group(checker(), inTurn, "G2"));
+    EXPECT_EQ(m_err, "calcdata_demo: 数据组 " + cn +
+                         " 已存在（已由其他运行新建），本次新建数据组的回存未写入任何数据。\n");
 }
 
 // Killed with SIGKILL while its save-back waits at the generators' copy (another session
@@ -244,18 +256,6 @@ TEST_F(Concurrent, TwoAtOnceThroughTwoNodesOfACluster)
     const QString base = Base("t_nodes_");
     Exec("SET SESSION wsrep_sync_wait=1"); // the helpers read what node 2 committed
     const QStringList node2 = {"--server", "127.0.0.1:" + port2, "--user", "root"};
-    const std::vector<Ended> sameJob = AtOnce({Study(base, 1, "N1"), Study(base, 1, "N2") + node2});
-    EXPECT_EQ(sameJob[0].status, 0) << sameJob[0].err.toStdString();
-    EXPECT_EQ(sameJob[1].status, 0) << sameJob[1].err.toStdString();
-    EXPECT_EQ(sameJob[0].out.count(kWaits) + sameJob[1].out.count(kWaits), 1);
-    EXPECT_EQ(Group(checker(), base, "N1"), Group(checker(), base, "NEW"));
-    EXPECT_EQ(Group(checker(), base, "N2"), Group(checker(), base, "NEW"));
-
-    std::vector<Ended> sameGroup = AtOnce({Study(base, 2, "N3"), Study(base, 5, "N3") + node2});
-    EXPECT_EQ(sameGroup[0].status + sameGroup[1].status, 3)
-        << sameGroup[0].err.toStdString() << sameGroup[1].err.toStdString();
-    EXPECT_EQ(
-        Scalar(QString("SELECT COUNT(*) FROM %1.CDB_DATAGROUPBAK WHERE GrpName='N3'").arg(base)),
-        "1");
-    EXPECT_EQ(Group(checker(), base, "N3"), Group(checker(), base, "NEW"));
+    SameJob(base, node2, "N", Group(checker(), base, "NEW"));
+    SameGroup(base, node2, "N3", Group(checker(), base, "NEW"));
 }

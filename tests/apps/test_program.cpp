@@ -148,7 +148,9 @@ TEST_F(Program, RefusesInOneLineWithStatusTwoAndLeavesNothingBehind)
     refused({"--database", scratch().name()}, "");
     refused({"--database", never, "--existing"}, "cannot open the database " + never);
     // The suite's database has no tables of job 3.
-    refused({"--database", scratch().name(), "--existing", "--job", "3"}, "");
+    refused({"--database", scratch().name(), "--existing", "--job", "3"},
+            "the database " + scratch().name() + " has no tables of job 3 (L1_3, L2_3, L3_3, L4_3, "
+            "L5_3, L6_3, LK_3); the schema's CALL create_lf_job_tables(3) makes them\n");
     EXPECT_TRUE(DatabaseExists(scratch().name()));
     EXPECT_EQ(Count("LF_CASE"), 0) << "the suite's own database still answers";
     QProcessEnvironment noClient = QProcessEnvironment::systemEnvironment();

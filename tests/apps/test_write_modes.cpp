@@ -77,22 +77,6 @@ void Perturb()
     ChangeAll<dln>([](dln& r, int i) { r.Id10 = Tricky(i), r.q ^= i % 2 ? DLN_OUTSERVICE : 0; });
 }
 
-// The rows of `sql` on `db`, columns joined by '|'.
-std::vector<std::string> RowsOf(QSqlDatabase db, const QString& sql)
-{
-    QSqlQuery q(db);
-    EXPECT_TRUE(q.exec(sql)) << sql.toStdString();
-    std::vector<std::string> rows;
-    while (q.next()) {
-        QStringList v;
-        for (int c = 0; c < q.record().count(); ++c) {
-            v << q.value(c).toString();
-        }
-        rows.push_back(v.join('|').toStdString());
-    }
-    return rows;
-}
-
 // Records the statements must treat as the design does: two that name one job row (the
 // last wins, a trailing blank and an upper-case suffix included), a name of the longest
 // Chinese text its column holds, and one with a quote and a backslash. Gives the name of
@@ -192,50 +176,6 @@ struct TwoCopies
         EXPECT_EQ(shown[1], shown[0]);
         return shown[1];
     }
-
-    // Every table of the two databases by checksum; the rows of a table that differs.
-    void ExpectSameTables()
-    {
-        const QStringList tables = testsupport::TablesLike(*perRecord.db(), "%");
-        ASSERT_EQ(testsupport::TablesLike(*batched.db(), "%"), tables);
-        const auto a = testsupport::Checksums(*perRecord.db(), tables);
-        const auto b = testsupport::Checksums(*batched.db(), tables);
-        for (const QString& t : tables) {
-            const std::string name = t.toUpper().toStdString();
-            if (a.at(name) != b.at(name)) {
-                ADD_FAILURE() << t.toStdString() << " differs:\n" << RowDiff(t);
-            }
-        }
-    }
-
-    std::string RowDiff(const QString& table)
-    {
-        std::vector<std::string> rows[2];
-        for (int k = 0; k < 2; ++k) {
-            QSqlQuery q(*(k ? batched.db() : perRecord.db()));
-            q.exec("SELECT * FROM " + table);
-            while (q.next()) {
-                QStringList v;
-                for (int c = 0; c < q.record().count(); ++c) {
-                    v << q.value(c).toString();
-                }
-                rows[k].push_back(v.join('|').toStdString());
-            }
-            std::sort(rows[k].begin(), rows[k].end());
-        }
-        std::vector<std::string> only[2];
-        std::set_difference(rows[0].begin(), rows[0].end(), rows[1].begin(), rows[1].end(),
-                            std::back_inserter(only[0]));
-        std::set_difference(rows[1].begin(), rows[1].end(), rows[0].begin(), rows[0].end(),
-                            std::back_inserter(only[1]));
-        std::string out;
-        for (int k = 0; k < 2; ++k) {
-            for (std::size_t i = 0; i < std::min<std::size_t>(only[k].size(), 5); ++i) {
-                out += (k ? "  batched:    " : "  per record: ") + only[k][i] + "\n";
-            }
-        }
-        return out;
-    }
 };
 
 int UpdateBack(QSqlDatabase* db, RecordWriteMode mode)
@@ -266,7 +206,27 @@ samples::Network Read(const char* file)
 } // namespace
 
 class WriteModes : public DbTest, public ::testing::WithParamInterface<const char*>
-{};
+{
+protected:
+    // Every table of the two databases by checksum; the rows of a table that differs.
+    static void ExpectSameTables(TwoCopies& copies)
+    {
+        const QStringList tables = testsupport::TablesLike(*copies.perRecord.db(), "%");
+        ASSERT_EQ(testsupport::TablesLike(*copies.batched.db(), "%"), tables);
+        const auto a = testsupport::Checksums(*copies.perRecord.db(), tables);
+        const auto b = testsupport::Checksums(*copies.batched.db(), tables);
+        for (const QString& t : tables) {
+            if (a.at(t.toUpper().toStdString()) != b.at(t.toUpper().toStdString())) {
+                auto rows = [&](dbserver::ScratchDatabase& s) {
+                    auto r = Rows(QString("SELECT * FROM `%1`.`%2`").arg(s.name(), t));
+                    std::sort(r.begin(), r.end());
+                    return r;
+                };
+                EXPECT_EQ(rows(copies.batched), rows(copies.perRecord)) << t.toStdString();
+            }
+        }
+    }
+};
 
 // The IEEE 30-bus case goes by inserts, as on a server that refuses local loads.
 TEST_P(WriteModes, BatchedWritesLeaveEveryTableAsTheStatementsDo)
@@ -293,14 +253,14 @@ TEST_P(WriteModes, BatchedWritesLeaveEveryTableAsTheStatementsDo)
     EXPECT_EQ(local ? sent[3] : sent[0], 0);
     EXPECT_GT(local ? sent[0] : sent[3], 0);
     copies.WriteBoth([](QSqlDatabase* db, RecordWriteMode m) { return WriteResults(db, m, true); });
-    copies.ExpectSameTables();
+    ExpectSameTables(copies);
     // The last of two records of one row wins; the names arrive whole.
-    QSqlDatabase db = *copies.batched.db();
-    EXPECT_EQ(RowsOf(db, "SELECT ID_Name, Valid, Pg FROM L5_0 WHERE ID_Name IN ('G1', 'G2', "
+    const QString db = copies.batched.name();
+    EXPECT_EQ(Rows("SELECT ID_Name, Valid, Pg FROM " + db + ".L5_0 WHERE ID_Name IN ('G1', 'G2', "
                          "'名字名字名字名字名字', 'O''K\\\\9') ORDER BY Pg, ID_Name"),
               (std::vector<std::string>{"O'K\\9|1|0.5", "名字名字名字名字名字|1|0.5", "G1|1|7.25",
                                         "G2|1|7.25"}));
-    EXPECT_EQ(RowsOf(db, "SELECT Valid, I_Break, J_Break FROM L2_0 WHERE NType=1 AND ID_Name='" +
+    EXPECT_EQ(Rows("SELECT Valid, I_Break, J_Break FROM " + db + ".L2_0 WHERE NType=1 AND ID_Name='" +
                              QString(copies.lineOfTwo) + "'"),
               (std::vector<std::string>{"1|1|0"}));
 }
@@ -334,7 +294,7 @@ TEST_F(WriteModes, FailingFamiliesEndAsTheirStatementsEnd)
                                         "warning: 实时数据库数据更新直流线计算数据表发生错误！"}));
     const std::vector<std::string> shown = copies.WriteBoth(
         [](QSqlDatabase* db, RecordWriteMode m) { return WriteResults(db, m, false); });
-    copies.ExpectSameTables();
+    ExpectSameTables(copies);
     // The shunts' and generators' one batch each refused, told by the family's message and
     // a box; G3's infinite power also reaches its breaker's flow, whose row is refused.
     ASSERT_EQ(shown.size(), 5u);
@@ -344,10 +304,10 @@ TEST_F(WriteModes, FailingFamiliesEndAsTheirStatementsEnd)
     EXPECT_EQ(shown[2].rfind("Fail: Fail to excute SQL:insert into LFR_PCR_R(", 0), 0u);
     EXPECT_EQ(shown[3].rfind("Fail: Fail to excute SQL:insert into LFR_GEN_R(", 0), 0u);
     EXPECT_EQ(shown[4], "warning: 导入开关结果数据失败");
-    QSqlDatabase db = *copies.batched.db();
+    const QString db = copies.batched.name();
     // The generators before G3 (in record order) were set, G3 and the rest not.
-    EXPECT_EQ(RowsOf(db, "SELECT ID_Name, Valid FROM L5_0 WHERE ID_Name LIKE 'G_' ORDER BY "
+    EXPECT_EQ(Rows("SELECT ID_Name, Valid FROM " + db + ".L5_0 WHERE ID_Name LIKE 'G_' ORDER BY "
                          "ID_Name"),
               (std::vector<std::string>{"G1|1", "G2|1", "G3|0", "G4|0", "G5|0"}));
-    EXPECT_EQ(RowsOf(db, "SELECT COUNT(*) FROM LFR_GEN_R"), (std::vector<std::string>{"0"}));
+    EXPECT_EQ(Count(db + ".LFR_GEN_R"), 0);
 }

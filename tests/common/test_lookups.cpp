@@ -85,10 +85,9 @@ TEST_F(Lookups, CaseNumbersAndNames)
     EXPECT_EQ(GetCase_NameByCase_No(ST_CASE_TABLE, db(), 3), "");
     EXPECT_EQ(warnings.size(), 2u);
 
-    EXPECT_EQ(GetSDataCase_No(0), 1);
-    EXPECT_EQ(GetSDataCase_No(4), 1);
-    EXPECT_EQ(GetSDataCase_No(5), 2);
-    EXPECT_EQ(GetSDataCase_No(-7), 0) << "truncation towards zero";
+    EXPECT_EQ((std::vector<int>{GetSDataCase_No(0), GetSDataCase_No(4), GetSDataCase_No(5),
+                                GetSDataCase_No(-7)}),
+              (std::vector<int>{1, 1, 2, 0})) << "-7: truncation towards zero";
 }
 
 TEST_F(Lookups, TransformerTypesAndStabilityOutputFlags)

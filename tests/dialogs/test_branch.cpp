@@ -39,6 +39,13 @@ QString Current(const QListWidget* list)
     return list->currentItem() ? list->currentItem()->text() : QString();
 }
 
+// The branch the dialog answers with: "ID_Name|I_Name|J_Name|ID_No|iEleType".
+std::string Chosen(const WinDlgCalBranchChoose& dlg)
+{
+    const auto& b = dlg.m_Branch;
+    return QString("%1|%2|%3|%4|%5").arg(b.ID_Name, b.I_Name, b.J_Name).arg(b.ID_No).arg(b.iEleType).toStdString();
+}
+
 char noName[] = "";
 
 } // namespace
@@ -119,11 +126,7 @@ TEST_F(BranchChooser, ChosenEitherWayRoundTheBranchKeepsItsStoredEnds)
             QTest::mouseClick(dlg.ToolButton_OK, Qt::LeftButton);
         });
         ASSERT_EQ(dlg.ChooseBranch(noName, noName, noName), 0);
-        EXPECT_STREQ(dlg.m_Branch.ID_Name, "L1");
-        EXPECT_STREQ(dlg.m_Branch.I_Name, "A");
-        EXPECT_STREQ(dlg.m_Branch.J_Name, "B");
-        EXPECT_EQ(dlg.m_Branch.ID_No, 1);
-        EXPECT_EQ(dlg.m_Branch.iEleType, 6);
+        EXPECT_EQ(Chosen(dlg), "L1|A|B|1|6");
 
         // A, then B: the same branch, read once per dialog.
         char a[] = "A";
@@ -136,13 +139,12 @@ TEST_F(BranchChooser, ChosenEitherWayRoundTheBranchKeepsItsStoredEnds)
             QTest::mouseClick(dlg.ToolButton_OK, Qt::LeftButton);
         });
         ASSERT_EQ(dlg.ChooseBranch(0, a, noName), 0);
-        EXPECT_STREQ(dlg.m_Branch.I_Name, "A");
-        EXPECT_STREQ(dlg.m_Branch.J_Name, "B");
+        EXPECT_EQ(Chosen(dlg), "L1|A|B|1|6");
 
         // Cancel leaves the choice as it was and answers 1.
         WhenShown(&dlg, [&] { QTest::mouseClick(dlg.ToolButton_Cancel, Qt::LeftButton); });
         EXPECT_EQ(dlg.ChooseBranch(noName, noName, noName), 1);
-        EXPECT_STREQ(dlg.m_Branch.ID_Name, "L1");
+        EXPECT_EQ(Chosen(dlg), "L1|A|B|1|6");
 
         // The statement that names sID_Name is refused by the server (its own error on the
         // library's session) and changes nothing.
@@ -174,10 +176,8 @@ TEST_F(BranchChooser, RowsGoInTenToAStatementAndEachPassFlushesItsOwnRest)
         BranchDialog dlg(1, db(), {"CDB_ACLINEBAK", "CDB_TRANS_3WBAK"});
         char i[21] = {}, j[21] = {};
         ASSERT_EQ(dlg.GetFirstBranch(const_cast<char*>("T1"), i, j), 0);
-        EXPECT_STREQ(i, "N1");
-        EXPECT_STREQ(j, "W11");
-        EXPECT_STREQ(dlg.m_Branch.ID_Name, "T1");
-        EXPECT_EQ(dlg.m_Branch.iEleType, 12);
+        EXPECT_EQ(std::string(i) + "-" + j, "N1-W11");
+        EXPECT_EQ(Chosen(dlg), "T1|N1|W11|1|12");
         EXPECT_EQ(dlg.GetFirstBranch(const_cast<char*>("nothing"), i, j), 2);
         EXPECT_STREQ(i, "N1") << "no row leaves the outputs alone";
 
@@ -325,9 +325,7 @@ TEST_F(BranchChooser, KeyboardDrivesTheListsAndTheBranchName)
         QTest::mouseClick(dlg.ToolButton_OK, Qt::LeftButton);
     });
     ASSERT_EQ(dlg.ChooseBranch(noName, noName, noName), 0);
-    EXPECT_STREQ(dlg.m_Branch.ID_Name, "L2");
-    EXPECT_STREQ(dlg.m_Branch.I_Name, "AC3");
-    EXPECT_STREQ(dlg.m_Branch.J_Name, "X2");
+    EXPECT_EQ(Chosen(dlg), "L2|AC3|X2|1|6");
     EXPECT_TRUE(boxes().boxes().empty());
 }
 
@@ -358,9 +356,7 @@ TEST_F(BranchChooser, ChineseNamesOfTenCharactersAreTypedAndKeptChosen)
         QTest::mouseClick(dlg.ToolButton_OK, Qt::LeftButton);
     });
     ASSERT_EQ(dlg.ChooseBranch(noName, noName, noName), 0);
-    EXPECT_EQ(QStringList({dlg.m_Branch.ID_Name, dlg.m_Branch.I_Name, dlg.m_Branch.J_Name}),
-              QStringList({n[3], a, b}));
-    EXPECT_EQ(dlg.m_Branch.ID_No, 1);
+    EXPECT_EQ(Chosen(dlg), (n[3] + "|" + a + "|" + b + "|1|6").toStdString());
 }
 
 TEST(BranchChooserWithoutConnection, ListsStayEmptyAndOutputsUntouched)

@@ -70,12 +70,9 @@ struct FindFixture : ::testing::Test
 
 } // namespace
 
-TEST_F(FindFixture, ShortcutsToggleTheOptionsAndTheTipsNameThem)
+TEST_F(FindFixture, ShortcutsToggleTheOptionsAndCtrlNSearchesWithThem)
 {
     EXPECT_EQ(dlg.windowTitle(), "查找");
-    EXPECT_EQ(dlg.checkBox_DiffUpAndLow->toolTip(), "区分大小写 Ctrl+D");
-    EXPECT_EQ(dlg.checkBox_BackForward->toolTip(), "向后搜索 Ctrl+B");
-    EXPECT_EQ(dlg.pushButton_FindNext->toolTip(), "查找下一个匹配项");
     ShowAndWait(&dlg);
     ASSERT_TRUE(QTest::qWaitForWindowActive(&dlg));
     for (auto [key, box] : {std::pair{Qt::Key_D, dlg.checkBox_DiffUpAndLow},
