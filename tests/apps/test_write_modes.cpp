@@ -12,12 +12,9 @@
 #include "records/NetworkRecords.h"
 #include "records/RecordFlags.h"
 
-#include <QSqlRecord>
 #include <algorithm>
-#include <cmath>
 #include <functional>
 #include <limits>
-#include <map>
 
 using namespace dtsdb;
 using testsupport::Box;
