@@ -89,12 +89,14 @@ public:
 
     // Calls visit(row) for every row of the key that `isKey(slotKey)` accepts.
     // `touch(row)` is called on a likely hit first, so the row can be fetched from memory
-    // while the key is compared.
+    // while the key is compared. False when the key's chain is longer than the rows the index
+    // has ever held: it runs in a circle (a row linked twice, as when a key changed without
+    // its row leaving the old chain), and the walk stops there instead of going on for ever.
     template <class IsKey, class Visit, class Touch>
-    void find(std::uint32_t hash, IsKey&& isKey, Visit&& visit, Touch&& touch) const
+    bool find(std::uint32_t hash, IsKey&& isKey, Visit&& visit, Touch&& touch) const
     {
         if (m_slots.empty()) {
-            return;
+            return true;
         }
         const std::size_t mask = m_slots.size() - 1;
         for (std::size_t i = hash & mask; m_slots[i].head != kNone; i = (i + 1) & mask) {
@@ -104,12 +106,17 @@ public:
             }
             touch(s.head);
             if (isKey(s.key)) {
+                std::size_t left = m_next.size();
                 for (std::uint32_t r = s.head; r != kNone; r = m_next[r]) {
+                    if (left-- == 0) {
+                        return false;
+                    }
                     visit(r);
                 }
-                return;
+                return true;
             }
         }
+        return true;
     }
 
     void clear()

@@ -802,7 +802,7 @@ bool dbDatabase::selectRows(const dbTableDescriptor& d, const dbQuery* query, db
     }
     if (index) {
         // The rows of the key's chain all hold the key: its condition is settled.
-        index->find(
+        const bool whole = index->find(
             hash,
             [&](std::uint64_t key) { return keyEquals(*keyCondition->field, key, values[keyAt]); },
             [&](std::uint32_t r) {
@@ -816,6 +816,12 @@ bool dbDatabase::selectRows(const dbTableDescriptor& d, const dbQuery* query, db
                     __builtin_prefetch(p + at);
                 }
             });
+        if (!whole) {
+            rows.clear();
+            handleError(dbQueryError, "an index of the table is damaged (one of its key chains "
+                                      "runs in a circle): the selection is refused");
+            return false;
+        }
         if (rows.size() > 1) {
             std::sort(rows.begin(), rows.end());
         }

@@ -2,9 +2,11 @@
 // network records.
 
 #include "RtdbTest.h"
+#include "rtdb/HashIndex.h"
 
 #include <cstring>
 #include <functional>
+#include <vector>
 
 using namespace dtsdb;
 using testsupport::RtdbTest;
@@ -272,4 +274,26 @@ TEST(RecordModel, DescriptorsListTheFieldsInDeclarationOrder)
     EXPECT_STREQ(x.id, "");
     EXPECT_STREQ(x.Bus_Ctrl, "");
     EXPECT_EQ(x.q, 0u);
+}
+
+// A row linked into its key's chain a second time (a key that changed while the row stayed
+// in the old chain) closes the chain on itself: a lookup stops and says so, where it would
+// walk the circle until memory ran out.
+TEST(KeyIndex, AChainThatRunsInACircleIsReportedInsteadOfWalkedForEver)
+{
+    HashIndex index;
+    const auto anyKey = [](std::uint64_t) { return true; };
+    std::vector<std::uint32_t> seen;
+    const auto find = [&] {
+        seen.clear();
+        return index.find(
+            7, anyKey, [&](std::uint32_t r) { seen.push_back(r); }, [](std::uint32_t) {});
+    };
+    index.insert(7, 0, 1, anyKey);
+    index.insert(7, 1, 1, anyKey);
+    ASSERT_TRUE(find());
+    EXPECT_EQ(seen, (std::vector<std::uint32_t>{1, 0})) << "the newest row heads its chain";
+    index.insert(7, 0, 1, anyKey); // never taken out: 0 -> 1 -> 0 -> ...
+    EXPECT_FALSE(find());
+    EXPECT_EQ(seen, (std::vector<std::uint32_t>{0, 1})) << "each row met once, then the stop";
 }
