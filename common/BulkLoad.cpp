@@ -41,19 +41,6 @@ bool LocalLoadRefused(const QString& code)
            || code == QLatin1String("2068"); // the client library refuses local files
 }
 
-MYSQL* ConnectionOf(QSqlDatabase* db)
-{
-    if (!db || !db->driver()) {
-        return nullptr;
-    }
-    const QVariant handle = db->driver()->handle();
-    const char* type = handle.isValid() ? handle.typeName() : nullptr;
-    if (!type || (qstrcmp(type, "MYSQL*") != 0 && qstrcmp(type, "st_mysql*") != 0)) {
-        return nullptr;
-    }
-    return *static_cast<MYSQL* const*>(handle.constData());
-}
-
 // Whether a text in the local 8-bit encoding goes to the server unchanged, as
 // ExecStatement requires of a statement's text.
 bool ValidText(const char* p, std::size_t n)
@@ -270,7 +257,7 @@ bool CBulkLoad::Load(bool replace)
 
 bool CBulkLoad::LoadLocal(bool replace, bool& refused)
 {
-    MYSQL* mysql = ConnectionOf(m_db);
+    MYSQL* mysql = ClientHandle(m_db);
     unsigned long client = 0, server = 0;
     if (!mysql || mariadb_get_infov(mysql, MARIADB_CONNECTION_CLIENT_CAPABILITIES, &client) ||
         mariadb_get_infov(mysql, MARIADB_CONNECTION_SERVER_CAPABILITIES, &server) ||

@@ -190,15 +190,20 @@ QByteArray SqlWord(const QByteArray& text)
     return out;
 }
 
+st_mysql* ClientHandle(QSqlDatabase* db)
+{
+    return db && db->isOpen() ? mysqlOf(db->driver()) : nullptr;
+}
+
 bool ServerStatus(QSqlDatabase* db, unsigned int* status)
 {
-    MYSQL* mysql = db && db->isOpen() ? mysqlOf(db->driver()) : nullptr;
+    MYSQL* mysql = ClientHandle(db);
     return mysql && mariadb_get_infov(mysql, MARIADB_CONNECTION_SERVER_STATUS, status) == 0;
 }
 
 bool ConnectionId(QSqlDatabase* db, unsigned long* id)
 {
-    MYSQL* mysql = db && db->isOpen() ? mysqlOf(db->driver()) : nullptr;
+    MYSQL* mysql = ClientHandle(db);
     if (mysql) {
         *id = mysql_thread_id(mysql);
     }

@@ -9,6 +9,8 @@
 #include <cstdarg>
 #include <cstddef>
 
+struct st_mysql; // the client library's MYSQL
+
 class QSqlDatabase;
 class QSqlQuery;
 
@@ -63,6 +65,9 @@ QByteArray SqlText(QSqlDatabase* db, const QByteArray& text);
 // word that is neither a number nor a column.
 QByteArray SqlWord(const QByteArray& text);
 
+// The client library's handle behind an open MariaDB (or MySQL) connection; null when the
+// connection is closed or of another driver.
+st_mysql* ClientHandle(QSqlDatabase* db);
 // The status that the server sends with every reply on `db`'s connection (the MySQL
 // protocol's SERVER_STATUS_* bits, which MariaDB and MySQL alike send): false when the
 // connection is not a MySQL-family one of Qt's driver, or not open.
