@@ -25,7 +25,6 @@ struct CaseSetProbe
     static int UserModels(CSTCaseDataTransfer& t) { return t.ImportUDCAL_STDataToRTDB(); }
     static int UserPrograms(CSTCaseDataTransfer& t) { return t.ImportUPCAL_STDataToRTDB(); }
     static int Disturbances(CSTCaseDataTransfer& t) { return t.ImportDISTDataToRTDB(); }
-    static int BusNo(CSTCaseDataTransfer& t, const char* name) { return t.GetNodeBusNo(name); }
 };
 
 namespace casetest {
@@ -42,15 +41,7 @@ protected:
     dbDatabase& rtdb() { return m_rtdb; }
     // The case row of kCase with the given extra columns, e.g. "Ctrl_Fault=1,T_Total=5".
     static void CaseRow(const QString& assignments);
-    // The bus number of a node, as the network records have it.
     static int BusOf(const char* node);
-    // The number of records of class T.
-    template <class T> static int Records()
-    {
-        dbCursor<T> c;
-        return c.select();
-    }
-    // All records of class T, in the order they stand.
     template <class T> static std::vector<T> All()
     {
         std::vector<T> out;
@@ -64,7 +55,6 @@ protected:
     }
     // Names of the bs records from `firstId` on, "id:name", in id order.
     static std::vector<std::string> BusesFrom(int firstId);
-    // The largest bs id of the network as built.
     int lastBus() const { return m_lastBus; }
 
 private:

@@ -273,16 +273,16 @@ TEST_F(Disturbance, DisturbancesArePrecommittedOtherRecordsCommitted)
 
     EXPECT_EQ(CaseSetProbe::Faults(transfer), 0);
     EXPECT_EQ(CaseSetProbe::Disturbances(transfer), 0);
-    EXPECT_EQ(Records<stdist>(), 1);
+    EXPECT_EQ(All<stdist>().size(), 1u);
     rtdb().rollback();
-    EXPECT_EQ(Records<stdist>(), 0) << "only precommitted";
-    EXPECT_EQ(Records<stfault>(), 1) << "committed with its bus";
+    EXPECT_EQ(All<stdist>().size(), 0u) << "only precommitted";
+    EXPECT_EQ(All<stfault>().size(), 1u) << "committed with its bus";
     EXPECT_EQ(BusesFrom(lastBus() + 1).size(), 1u);
 
     // In the driver the next family's commit makes them durable.
     EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
     rtdb().rollback();
-    EXPECT_EQ(Records<stdist>(), 1);
+    EXPECT_EQ(All<stdist>().size(), 1u);
 }
 
 class Outputs : public CaseSetTest
@@ -343,7 +343,7 @@ TEST_F(Outputs, SettingsVariablesAndAnalysisGroups)
     EXPECT_TRUE(feedback().texts(2).empty());
 
     // Every field in its place; unknown and empty bus names give -1.
-    ASSERT_EQ(Records<st_out>(), 1);
+    ASSERT_EQ(All<st_out>().size(), 1u);
     const st_out o = All<st_out>()[0];
     std::ostringstream out;
     for (double v :
@@ -394,17 +394,17 @@ TEST_F(Outputs, SettingsVariablesAndAnalysisGroups)
     // while the variables are read as if turned on.
     Exec("UPDATE ST_OUT SET AnaFunc=1, Variable=0");
     EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
-    EXPECT_EQ(Records<stvar_inf>(), 0);
-    EXPECT_EQ(Records<stana_gi>(), 0);
-    EXPECT_EQ(Records<stana_grp>(), 0);
+    EXPECT_EQ(All<stvar_inf>().size(), 0u);
+    EXPECT_EQ(All<stana_gi>().size(), 0u);
+    EXPECT_EQ(All<stana_grp>().size(), 0u);
     Exec("DELETE FROM ST_OUT");
     feedback().clear();
     EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 1);
     EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{"暂稳作业没有输出信息！"}));
-    EXPECT_EQ(Records<st_out>(), 1);
+    EXPECT_EQ(All<st_out>().size(), 1u);
     EXPECT_EQ(All<st_out>()[0].AnaFunc, 1);
-    EXPECT_EQ(Records<stvar_inf>(), 11);
-    EXPECT_EQ(Records<stana_gi>(), 2);
+    EXPECT_EQ(All<stvar_inf>().size(), 11u);
+    EXPECT_EQ(All<stana_gi>().size(), 2u);
 
     // A load-flow case without job tables: the lookups fail with their words, the rows
     // stand with what they have.
@@ -417,6 +417,6 @@ TEST_F(Outputs, SettingsVariablesAndAnalysisGroups)
                   "错误的发电机功角输出变量信息!", "错误的发电机功角输出变量信息!",
                   "错误的发电机功角输出变量信息!", "错误的发电机功角输出变量信息!",
                   "错误的三绕组支路输出变量信息!", "错误的三绕组支路输出变量信息!"}));
-    EXPECT_EQ(Records<stvar_inf>(), 11);
+    EXPECT_EQ(All<stvar_inf>().size(), 11u);
     EXPECT_STREQ(All<stvar_inf>()[7].ID_name, "");
 }

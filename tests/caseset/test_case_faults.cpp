@@ -143,7 +143,7 @@ TEST_F(CaseAndFaults, EveryFieldOfCaseCriteriaAndFaultsCommittedAndASecondLoadDo
     feedback().clear();
     EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
     EXPECT_EQ(All<stfault>().size(), 8u);
-    EXPECT_EQ(Records<stdist>(), 1);
+    EXPECT_EQ(All<stdist>().size(), 1u);
     EXPECT_EQ(BusesFrom(f1).size(), 2u);
     EXPECT_EQ(Rows("SELECT Nfault, Ndist FROM ST_CASE WHERE Case_No=3"),
               (std::vector<std::string>{"16|4"}));
@@ -192,10 +192,7 @@ TEST_F(CaseAndFaults, FaultsOffEmptiesTheOldOnesAndACaseWithoutItsRowLoadsThemAs
     EXPECT_EQ(All<stfault>()[0].Name_No, lastBus() + 1);
     EXPECT_EQ(All<case_st>().size(), 0u);
 
-    // Bus numbers of nodes; with an empty bs table a new bus is numbered -1.
-    EXPECT_EQ(CaseSetProbe::BusNo(missing, ""), -1);
-    EXPECT_EQ(CaseSetProbe::BusNo(missing, "N3"), BusOf("N3"));
-    EXPECT_EQ(CaseSetProbe::BusNo(missing, "B3"), -1) << "a bus name is no node";
+    // With an empty bs table a new bus is numbered -1.
     {
         dbCursor<bs> all(dbCursorForUpdate);
         all.removeAll();
@@ -278,7 +275,7 @@ TEST_F(UserModels, ModelsAddTheirBusesAndTheProgramStepEmptiesThem)
     // The model step alone: every field, the new buses, group 4's message with group 2's text.
     EXPECT_EQ(CaseSetProbe::UserModels(transfer), 0);
     EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{"暂稳自定义表中新增母线名2为空！"}));
-    ASSERT_EQ(Records<udcal_st>(), 1);
+    ASSERT_EQ(All<udcal_st>().size(), 1u);
     const udcal_st u = All<udcal_st>()[0];
     const int u1 = lastBus() + 1, u2 = lastBus() + 2;
     EXPECT_EQ(std::vector<int>({u.Valid, u.Model_No, u.Par_No, u.Bus1_No, u.Bus2_No, u.Bus3_No,
@@ -306,9 +303,9 @@ TEST_F(UserModels, ModelsAddTheirBusesAndTheProgramStepEmptiesThem)
          "(3,'V','N3',1,0.9)");
     feedback().clear();
     EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
-    EXPECT_EQ(Records<udcal_st>(), 0);
+    EXPECT_EQ(All<udcal_st>().size(), 0u);
     EXPECT_EQ(BusesFrom(lastBus() + 1).size(), 2u);
-    ASSERT_EQ(Records<upcal_st>(), 1);
+    ASSERT_EQ(All<upcal_st>().size(), 1u);
 
     // UP_CAL 1: as designed the select has no FROM and fails (a row of the fault table).
     Exec("UPDATE ST_CASE SET UP_CAL=1");
@@ -319,7 +316,7 @@ TEST_F(UserModels, ModelsAddTheirBusesAndTheProgramStepEmptiesThem)
     transfer.SetIntendedStatements(true);
     feedback().clear();
     EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
-    ASSERT_EQ(Records<upcal_st>(), 2);
+    ASSERT_EQ(All<upcal_st>().size(), 2u);
     const upcal_st p = All<upcal_st>()[1];
     EXPECT_EQ(std::string(p.UP_Name), std::string(60, 'p')) << "any length";
     EXPECT_EQ(p.Par_No, 7);
@@ -335,6 +332,6 @@ TEST_F(UserModels, ModelsAddTheirBusesAndTheProgramStepEmptiesThem)
     ModelRow("(3,1,1,1,'','','','', '','','',0,0,0,'U9', '','','',0,0,0,'', '','','',0,0,0,'',"
              " '','','',0,0,0,'')");
     EXPECT_EQ(CaseSetProbe::UserModels(transfer), 0);
-    EXPECT_EQ(Records<udcal_st>(), 0);
+    EXPECT_EQ(All<udcal_st>().size(), 0u);
     EXPECT_EQ(BusesFrom(lastBus() + 1).size(), 2u);
 }
