@@ -193,8 +193,9 @@ TEST_F(SaveBack, AGroupNameOfTwentyBytesWithAQuoteAndABackslashNamesItsOwnRows)
     EXPECT_EQ(Scalar("SELECT Gen_Model FROM CDB_GENERATBAK WHERE GrpName='G'"), "7");
 }
 
-TEST_F(SaveBack, MendedRunIntoAGroupSavesEveryFamily)
+TEST_F(SaveBack, MendedRunIntoAGroupSavesEveryFamilyAndAllOrNothingEqualsIt)
 {
+    using namespace testsupport;
     ChangeEveryFamily();
     StartStatementLog();
     CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
@@ -246,6 +247,21 @@ TEST_F(SaveBack, MendedRunIntoAGroupSavesEveryFamily)
     EXPECT_NE(SentStartingWith("insert into CDB_DCLINEBAK(GrpName, ID_Name,")
                   .find("select 'NEW', a.ID_Name, a.I_Name,"),
               std::string::npos);
+
+    // All or nothing, on the same network and changes again: the same rows, flags and
+    // messages, each flag set after the commit, and no work table left.
+    const SaveBackOutcome ordinaryRun = Outcome(checker(), kWorkingCopies, m_base);
+    SetUp();
+    ChangeEveryFamily();
+    CommitWatch watch(db());
+    CSTCalDataTransfer whole(kJob, kCaseLF, db(), &watch);
+    whole.SetStatementMode(SaveStatementMode::Mended);
+    whole.SetAllOrNothing(true);
+    EXPECT_EQ(whole.SaveSDataToBaseDB("NEW", true), 0);
+    ExpectSameOutcomeFlaggedAfterCommit(Outcome(checker(), kWorkingCopies, watch),
+                                        watch.inTransaction, ordinaryRun);
+    EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
+    EXPECT_EQ(whole.Ntrans, job.Ntrans);
 }
 
 // With the guard of a shared database: TLoad held by another run makes the save-back say once
@@ -317,28 +333,6 @@ TEST_F(SaveBack, APreviewTellsRowForRowWhatTheSaveBackThenWritesAndChangesNothin
     EXPECT_EQ(added, std::vector<std::string>{});
     EXPECT_EQ(preview.flags, m_base.ModifiedTableTypes());
     EXPECT_EQ(Texts(preview.messages), Texts(feedback().messages()));
-}
-
-TEST_F(SaveBack, AllOrNothingEqualsTheOrdinarySaveBackAndFlagsAfterTheCommit)
-{
-    using namespace testsupport;
-    ChangeEveryFamily();
-    CSTCalDataTransfer ordinary(kJob, kCaseLF, db(), &m_base);
-    ordinary.SetStatementMode(SaveStatementMode::Mended);
-    EXPECT_EQ(ordinary.SaveSDataToBaseDB("NEW", true), 0);
-    const SaveBackOutcome ordinaryRun = Outcome(checker(), kWorkingCopies, m_base);
-
-    SetUp(); // the same network and changes again
-    ChangeEveryFamily();
-    CommitWatch watch(db());
-    CSTCalDataTransfer whole(kJob, kCaseLF, db(), &watch);
-    whole.SetStatementMode(SaveStatementMode::Mended);
-    whole.SetAllOrNothing(true);
-    EXPECT_EQ(whole.SaveSDataToBaseDB("NEW", true), 0);
-    ExpectSameOutcomeFlaggedAfterCommit(Outcome(checker(), kWorkingCopies, watch),
-                                        watch.inTransaction, ordinaryRun);
-    EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
-    EXPECT_EQ(whole.Ntrans, ordinary.Ntrans);
 }
 
 // ---- Runs that stop: one row per refusal, each into a group unless it says so ----
