@@ -1,5 +1,7 @@
 #include "StabilityNetwork.h"
 
+#include "TableSnapshots.h"
+
 #include <QSqlQuery>
 
 namespace sttest {
@@ -15,33 +17,11 @@ void StabilityTest::SetUp()
     QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS Tac, TPCR, TSCR, T2W, TShift, T3W, "
                           "Tdc, TGen");
     Exec("DROP TABLE IF EXISTS TLoad, tmp");
-    Truncate({"CDB_SBBAK",
-              "CDB_BUSBAK",
-              "CDB_NODEBAK",
-              "CDB_ACLINEBAK",
-              "CDB_SCAPREABAK",
-              "CDB_PCAPREABAK",
-              "CDB_TRANS_2WBAK",
-              "CDB_SHIFTBAK",
-              "CDB_TRANS_3WBAK",
-              "CDB_DCLINEBAK",
-              "CDB_GENERATBAK",
-              "CDB_LOADBAK",
-              "CDB_SVCBAK",
-              "CDB_DATAGROUPBAK",
-              "CDB_SCHEMEINFBAK",
-              "CDB_SCHEMECONTBAK",
-              "CDB_NETBUSMAPBAK",
-              "LF_CASE",
-              "ST_CASE",
-              "L1_5",
-              "L1_7",
-              "S2_7",
-              "S3_7",
-              "S4_7",
-              "S5_7",
-              "S6_7",
-              "S7_7"});
+    // Every working copy, and the cases and job tables the tests write.
+    const QStringList copies = testsupport::TablesLike(checker(), "CDB\\_%BAK");
+    Truncate({copies.begin(), copies.end()});
+    Truncate(
+        {"LF_CASE", "ST_CASE", "L1_5", "L1_7", "S2_7", "S3_7", "S4_7", "S5_7", "S6_7", "S7_7"});
     Exec("INSERT INTO CDB_SBBAK(Base_Mva) VALUES (100)");
     Exec("INSERT INTO CDB_BUSBAK(Bus_Name, Base_kV) VALUES ('B1', 220), ('B3', 110), "
          "('B4', 110), ('B5', 220)");
