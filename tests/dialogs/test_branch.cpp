@@ -25,20 +25,6 @@ public:
     bool Read() const { return IsRead(); }
 };
 
-QStringList Texts(const QListWidget* list)
-{
-    QStringList out;
-    for (int k = 0; k < list->count(); ++k) {
-        out << list->item(k)->text();
-    }
-    return out;
-}
-
-QString Current(const QListWidget* list)
-{
-    return list->currentItem() ? list->currentItem()->text() : QString();
-}
-
 // The branch the dialog answers with: "ID_Name|I_Name|J_Name|ID_No|iEleType".
 std::string Chosen(const WinDlgCalBranchChoose& dlg)
 {

@@ -18,11 +18,6 @@ using testsupport::DbTest;
 
 namespace {
 
-QString Current(const QListWidget* list)
-{
-    return list->currentItem() ? list->currentItem()->text() : QString();
-}
-
 // Empties the edit as a user does: select all, delete.
 void ClearByKeys(QLineEdit* edit)
 {
@@ -217,11 +212,7 @@ TEST_F(Choosers, CaseNamesStandInTheLocalesOrder)
     Exec("INSERT INTO ST_CASE(Case_No,Case_Name) VALUES (1,'上海'),(2,'北京南'),(3,'ABE'),"
          "(6,'安庆'),(7,'Abd'),(10,'abc'),(12,'北京')");
     WinDlgCaseNoSearch dlg(db(), "ST_CASE");
-    QStringList listed;
-    for (int k = 0; k < dlg.ListBox_ParNo->count(); ++k) {
-        listed << dlg.ListBox_ParNo->item(k)->text();
-    }
-    EXPECT_EQ(listed, QStringList({"安庆", "北京", "北京南", "上海", "abc", "Abd", "ABE"}));
+    EXPECT_EQ(Texts(dlg.ListBox_ParNo), QStringList({"安庆", "北京", "北京南", "上海", "abc", "Abd", "ABE"}));
     CommitText(dlg.LineEdit_ParNo, "北");
     EXPECT_EQ(Current(dlg.ListBox_ParNo), "北京");
     QLocale::setDefault(before);
