@@ -34,6 +34,20 @@ void ClickItem(QListWidget* list, int row)
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(item).center());
 }
 
+QStringList Texts(const QListWidget* list)
+{
+    QStringList out;
+    for (int k = 0; k < list->count(); ++k) {
+        out << list->item(k)->text();
+    }
+    return out;
+}
+
+QString Current(const QListWidget* list)
+{
+    return list->currentItem() ? list->currentItem()->text() : QString();
+}
+
 void ClickCell(QTableWidget* table, int row, int column)
 {
     const QModelIndex index = table->model()->index(row, column);

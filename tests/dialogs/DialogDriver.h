@@ -3,7 +3,7 @@
 // the user's part; clicks on list items and table cells; text committed as an input
 // method commits it (Chinese); screenshots saved under the build folder.
 
-#include <QString>
+#include <QStringList>
 #include <functional>
 
 class QDialog;
@@ -22,6 +22,9 @@ void WhenShown(QDialog* dialog, std::function<void()> user);
 void ShowAndWait(QWidget* widget);
 
 void ClickItem(QListWidget* list, int row);
+// The texts of a list's items; the text of its current item ("" when none).
+QStringList Texts(const QListWidget* list);
+QString Current(const QListWidget* list);
 void ClickCell(QTableWidget* table, int row, int column);
 // Inserts `text` at the editor's cursor as an input method commits it (Chinese).
 void CommitText(QWidget* editor, const QString& text);

@@ -62,24 +62,14 @@ private:
 
 } // namespace
 
-TEST(CurveCanvas, TheScaleUsesTheWidthOfTheRangeNotItsMinimum)
-{
-    Canvas canvas(400, 300);
-    canvas.SetMaxMinValue(10, 10, 0, 0);
-    EXPECT_EQ(canvas.CalculateX(5.0), 200);
-    EXPECT_EQ(canvas.CalculateY(5.0), 140);
-    EXPECT_EQ(canvas.CalculateX(0.0), 40);
-    EXPECT_EQ(canvas.CalculateY(0.0), 260) << "the lowest value sits at the bottom";
-    EXPECT_EQ(canvas.CalculateX(10.0 / 3), 146) << "truncated: 146.67";
-    canvas.SetMaxMinValue(10, 10, 5, 0);
-    EXPECT_EQ(canvas.CalculateX(5.0), 360) << "(5 / 5) * 320 + 40: the minimum is not subtracted";
-}
-
-TEST(CurveCanvas, GridStepsAreWholePixelsAndTicksCountFromZero)
+// Where the scale puts a point the curve's segments show (below); here its truncation, and
+// the range's minimum, which it does not subtract.
+TEST(CurveCanvas, GridStepsAndTheScaleAreWholePixelsAndTicksAndTheScaleCountFromZero)
 {
     Canvas canvas(400, 300);
     canvas.SetNumSteps(3, 4);
     canvas.SetMaxMinValue(10, 10, 0, 0);
+    EXPECT_EQ(canvas.CalculateX(10.0 / 3), 146) << "truncated: 146.67";
     canvas.DrawCoordLines();
     QList<QLineF> lines;
     for (QGraphicsItem* item : canvas.Grid()) {
@@ -106,6 +96,7 @@ TEST(CurveCanvas, GridStepsAreWholePixelsAndTicksCountFromZero)
     EXPECT_EQ(canvas.Texts().mid(0, 4), (QStringList{" 0.0@30,265", " 1.7@136,265",
                                                      " 3.3@242,265", " 5.0@348,265"}));
     EXPECT_EQ(canvas.Texts().size(), 10);
+    EXPECT_EQ(canvas.CalculateX(5.0), 360) << "(5 / 5) * 320 + 40: the minimum is not subtracted";
 }
 
 TEST(CurveCanvas, CurveSegmentsRedrawWithoutDoublingAndRefreshLeavesTheGrid)
@@ -113,8 +104,6 @@ TEST(CurveCanvas, CurveSegmentsRedrawWithoutDoublingAndRefreshLeavesTheGrid)
     Canvas canvas(400, 300);
     canvas.SetNumSteps(2, 2);
     canvas.SetMaxMinValue(10, 10, 0, 0);
-    canvas.DrawCurve();
-    EXPECT_TRUE(canvas.Curve().isEmpty()) << "no points";
     canvas.GetCurveDataList()->append({5, 5});
     canvas.DrawCurve();
     EXPECT_TRUE(canvas.Curve().isEmpty()) << "one point draws nothing";
