@@ -155,18 +155,22 @@ TEST_F(Extraction, TheSchemePicksTheHighestLevelThenTheIdTextThatSortsHighest)
     Exec("INSERT INTO CDB_SCHEMEINFBAK(ID, SchName) VALUES (1, 'SCH')");
     Exec("INSERT INTO CDB_SCHEMECONTBAK(IDSch, GrpName, Nlever) VALUES (1,'A',1),(1,'B',1),"
          "(1,'L2',2),(1,'L11',11),(1,'K1000',1000),(1,'K200',200)");
-    Exec("INSERT INTO CDB_NODEBAK(Node_Name, Bus_Name, Base_kV) VALUES ('N1','B1',110)");
+    // The node's name holds a quote and a backslash: N'1\ on its way through Tnode.
+    const QString node = "'N''1\\\\'";
+    Exec("INSERT INTO CDB_NODEBAK(Node_Name, Bus_Name, Base_kV) VALUES (" + node + ",'B1',110)");
+    Exec("INSERT INTO CDB_BUSBAK(Bus_Name, Base_kV) VALUES ('B1',110)");
     // Same level: ID 9 beats ID 10. Levels 2 and 11: 11. Levels 1000 and 200: 200.
-    Exec("INSERT INTO CDB_GENERATBAK(ID, GrpName, ID_Name, Node_Name, Unit, Pg) VALUES "
-         "(9,'A','g1','N1',1,9),(10,'B','g1','N1',1,10),"
-         "(20,'L2','g2','N1',1,2),(21,'L11','g2','N1',1,11),"
-         "(30,'K1000','g3','N1',1,1000),(31,'K200','g3','N1',1,200),"
-         "(40,'A','g4','N1',2,1),(41,'NONE','g5','N1',1,1)");
+    Exec(QString("INSERT INTO CDB_GENERATBAK(ID, GrpName, ID_Name, Node_Name, Unit, Pg) VALUES "
+                 "(9,'A','g1',%1,1,9),(10,'B','g1',%1,1,10),(20,'L2','g2',%1,1,2),"
+                 "(21,'L11','g2',%1,1,11),(30,'K1000','g3',%1,1,1000),(31,'K200','g3',%1,1,200),"
+                 "(40,'A','g4',%1,2,1),(41,'NONE','g5',%1,1,1)")
+             .arg(node));
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
     EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
     EXPECT_EQ(Rows("SELECT ID_Name, EleID FROM L5_0 ORDER BY ID_Name"),
               (std::vector<std::string>{"g1|9", "g2|21", "g3|31"}))
         << "Unit 2 reaches no job table; a group outside the scheme is not seen";
+    EXPECT_EQ(Rows("SELECT Node_Name FROM L1_0"), std::vector<std::string>{"N'1\\"});
 
     // A Unit 0 generator on a node the node table lacks is dropped; at Unit 1 it stays.
     Exec("UPDATE CDB_GENERATBAK SET Node_Name='N9'");

@@ -16,13 +16,13 @@ class SaveBackOptions : public SaveBackRoad
 {};
 
 // Into a group that an earlier save filled, on a session whose sql_mode holds
-// NO_BACKSLASH_ESCAPES, with a group name that ends in a backslash: the preview lists the
-// copies' values, the rows the group holds that the update into it rewrites, and the
-// breakers' and switches' rows as the job gives them whole.
+// NO_BACKSLASH_ESCAPES, with a group name that holds a quote and ends in a backslash: the
+// preview lists the copies' values, the rows the group holds that the update into it
+// rewrites, and the breakers' and switches' rows as the job gives them whole.
 TEST_F(SaveBackOptions, APreviewIntoAGroupListsTheCopiesTheRowsItHoldsAndTheSwitchesWhole)
 {
-    const QString group = "NEW\\";
-    const QString named = "GrpName='NEW\\\\'"; // on the checker, which reads escapes
+    const QString group = "NEW'\\";
+    const QString named = "GrpName='NEW''\\\\'"; // on the checker, which reads escapes
     const QString mode = Scalar("SELECT @@SESSION.sql_mode");
     ASSERT_TRUE(QSqlQuery(*db()).exec("SET SESSION sql_mode=CONCAT(@@sql_mode, "
                                       "',NO_BACKSLASH_ESCAPES')"));
@@ -39,7 +39,7 @@ TEST_F(SaveBackOptions, APreviewIntoAGroupListsTheCopiesTheRowsItHoldsAndTheSwit
 
     const SaveBackPreview preview = job.PreviewLDataToBaseDB(group, true);
     EXPECT_EQ(preview.result, 0) << preview.Report().toStdString();
-    EXPECT_TRUE(preview.Report().startsWith("回存预览：变化存入数据组 NEW\\"));
+    EXPECT_TRUE(preview.Report().startsWith("回存预览：变化存入数据组 NEW'\\"));
     EXPECT_EQ(job.SaveLDataToBaseDB(group, true), 0);
     ASSERT_TRUE(QSqlQuery(*db()).exec("SET SESSION sql_mode='" + mode + "'"));
 

@@ -315,9 +315,11 @@ TEST_F(SaveBackRoad, AGroupRowTheServerRefusesEndsTheRunAtLevelThreeBeforeTheNod
 
 TEST_F(SaveBackRoad, TnodeGoesInBatchesOf200AndOnlyTheJobsMissingNodesAreAdded)
 {
-    // 205 orphan loads on nodes the job does not know, one on a node it knows.
+    // 205 orphan loads on nodes the job does not know, one on a node it knows, whose name
+    // holds a quote and a backslash (NEW'\N, written here on a session that reads escapes).
+    const QString node = "'NEW''\\\\N'";
     Exec("INSERT INTO L1_0(Case_No, Node_Name, Bus_Name, Zone_No, PS_Name, Base_kV) VALUES "
-         "(0, 'NEWN', 'NEWB', 9, 'NEWS', 110), (0, 'NEWY', 'NEWB', 9, 'NEWS', 110)");
+         "(0, " + node + ", 'NEWB', 9, 'NEWS', 110), (0, 'NEWY', 'NEWB', 9, 'NEWS', 110)");
     QString rows;
     for (int k = 1; k <= 205; ++k) {
         rows += QString("(0, %1, 'DX%2', 1, 'X%3', 0.01), ")
@@ -326,7 +328,7 @@ TEST_F(SaveBackRoad, TnodeGoesInBatchesOf200AndOnlyTheJobsMissingNodesAreAdded)
                     .arg(k, 3, 10, QChar('0'));
     }
     Exec("INSERT INTO L6_0(Case_No, EleID, ID_Name, Valid, Node_Name, Pl) VALUES " + rows +
-         "(0, 80999, 'DN', 1, 'NEWN', 0.02)");
+         "(0, 80999, 'DN', 1, " + node + ", 0.02)");
     StartStatementLog();
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
     job.SetStatementMode(SaveStatementMode::Mended);
@@ -340,9 +342,8 @@ TEST_F(SaveBackRoad, TnodeGoesInBatchesOf200AndOnlyTheJobsMissingNodesAreAdded)
         }
     }
     EXPECT_EQ(batches, (std::vector<int>{200, 6}));
-    EXPECT_EQ(Count("CDB_NODEBAK WHERE Node_Name='NEWN'"), 1);
+    EXPECT_EQ(Count("CDB_NODEBAK WHERE Node_Name=" + node), 1);
     EXPECT_EQ(Count("CDB_NODEBAK WHERE Node_Name LIKE 'X%'"), 0) << "not in the job's node table";
-
 }
 
 // A group's name holds 20 bytes as the design counted them: ten Chinese characters save
