@@ -278,9 +278,6 @@ INSTANTIATE_TEST_SUITE_P(
                       "1/0/0", {102}},
         SaveBackFault{"LockTimeoutAllOrNothing", Fault::LockTimeout, true, {}, {}, kMended,
                       {kLines, kAtTPCR, kUndone}, "0/0/0", {}},
-        // The faithful default: the transformers' statement the server refuses.
-        SaveBackFault{"FaithfulRefusalAllOrNothing", std::nullopt, true, {}, {},
-                      SaveStatementMode::Faithful, {kLines, kShunts, kAtT2W, kUndone}, "0/0/0", {}},
         // The last family that writes refused by the server.
         SaveBackFault{"RefusedBreakersAllOrNothing", std::nullopt, true,
                       {"CREATE TRIGGER no_breaker BEFORE INSERT ON CDB_BREAKERBAK FOR EACH ROW "
