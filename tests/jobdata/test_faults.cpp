@@ -270,9 +270,7 @@ INSTANTIATE_TEST_SUITE_P(
                       {102}},
         SaveBackFault{"KilledAllOrNothing", Fault::Killed, true, {}, {}, kMended,
                       {kLines, kAtTPCR, kUndone}, "0/0/0", {}},
-        // Read only: the first write, the lines' copy into the group, is refused.
-        SaveBackFault{"ReadOnly", Fault::ReadOnly, false, {}, {}, kMended,
-                      {"2 Fail to execute SQL: insert into CDB_ACLINEBAK(GrpName, *"}, "0/0/0", {}},
+        // Full: the shunts' copy into the group refused.
         SaveBackFault{"Full", Fault::Full, false, {}, {}, kMended,
                       {kLines, "2 Fail to execute SQL: insert into CDB_PCAPREABAK(GrpName, *"},
                       "1/0/0", {102}},
