@@ -556,7 +556,7 @@ protected:
     }
 };
 
-TEST_P(GenFaults, TheFaultedTableAloneFailsBothWays)
+TEST_P(GenFaults, BothWaysReportTheTablesThatFailedAndKeepWhatTheOthersMoved)
 {
     const GenFault& f = GetParam();
     Truncate({"LFR_BS_R", "LFR_BUS_R", "LFR_ACLINE_R", "LFR_PCR_R", "LFR_GEN_R", "LFR_LOAD_R",
