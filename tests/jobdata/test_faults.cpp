@@ -276,6 +276,15 @@ INSTANTIATE_TEST_SUITE_P(
                       "1/0/0", {102}},
         SaveBackFault{"LockTimeoutAllOrNothing", Fault::LockTimeout, true, {}, {}, kMended,
                       {kLines, kAtTPCR, kUndone}, "0/0/0", {}},
+        // The group's row refused, after every family: the run ends there at level 3; the
+        // families stay saved and flagged, the group unflagged.
+        SaveBackFault{"RefusedGroupRow", std::nullopt, false,
+                      {"CREATE TRIGGER no_group BEFORE INSERT ON CDB_DATAGROUPBAK FOR EACH ROW "
+                       "SIGNAL SQLSTATE '45000' SET MESSAGE_TEXT='no new group'"},
+                      {"DROP TRIGGER no_group"}, kMended,
+                      {kLines, kShunts, "1 回存开关数目：1", "1 回存变化元件总数：3",
+                       "1 回存新增元件总数：0", "3 执行新增数据组 NEW 出错！"},
+                      "1/1/1", {102, 103, 112}},
         // The last family that writes refused by the server.
         SaveBackFault{"RefusedBreakersAllOrNothing", std::nullopt, true,
                       {"CREATE TRIGGER no_breaker BEFORE INSERT ON CDB_BREAKERBAK FOR EACH ROW "

@@ -276,28 +276,6 @@ TEST_F(SaveBackRoad, TheFaithfulDefaultStopsWhereTheServerRefusesTheDesignsTextA
     Exec("DROP TABLE Tnode");
 }
 
-TEST_F(SaveBackRoad, AGroupRowTheServerRefusesEndsTheRunAtLevelThreeBeforeTheNodes)
-{
-    ChangeEveryFamily();
-    Exec("CREATE TRIGGER no_group BEFORE INSERT ON CDB_DATAGROUPBAK FOR EACH ROW SIGNAL SQLSTATE "
-         "'45000' SET MESSAGE_TEXT='no new group'");
-    StartStatementLog();
-    CLFCalDataTransfer job(0, kScheme, db(), &m_base);
-    job.SetStatementMode(SaveStatementMode::Mended);
-    const int result = job.SaveLDataToBaseDB("NEW", false);
-    Exec("DROP TRIGGER no_group");
-    EXPECT_EQ(result, 1);
-    EXPECT_EQ(feedback().texts(3), (std::vector<std::string>{"执行新增数据组 NEW 出错！"}));
-    EXPECT_EQ(feedback().texts(1).back(), "回存新增元件总数：11");
-    EXPECT_EQ(m_base.ModifiedTableTypes(),
-              (std::vector<int>{102, 103, 104, 105, 107, 106, 108, 109, 110, 112, 120}))
-        << "the families stay saved and flagged; no group flag, no node flags";
-    EXPECT_EQ(Count("CDB_GENERATBAK WHERE ID_Name='GNEW'"), 1) << "the group's rows are in";
-    EXPECT_EQ(Count("CDB_NODEBAK WHERE Node_Name='NEWN'"), 0);
-    EXPECT_FALSE(Sent(SentStatements(), "create temporary table Tnode"))
-        << "SaveL1DataToBaseDB is not reached";
-}
-
 TEST_F(SaveBackRoad, TnodeGoesInBatchesOf200AndOnlyTheJobsMissingNodesAreAdded)
 {
     // 205 orphan loads on nodes the job does not know, one on a node it knows, whose name
