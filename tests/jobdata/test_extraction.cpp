@@ -155,8 +155,9 @@ TEST_F(Extraction, TheSchemePicksTheHighestLevelThenTheIdTextThatSortsHighest)
     Exec("INSERT INTO CDB_SCHEMEINFBAK(ID, SchName) VALUES (1, 'SCH')");
     Exec("INSERT INTO CDB_SCHEMECONTBAK(IDSch, GrpName, Nlever) VALUES (1,'A',1),(1,'B',1),"
          "(1,'L2',2),(1,'L11',11),(1,'K1000',1000),(1,'K200',200)");
-    // The node's name holds a quote and a backslash: N'1\ on its way through Tnode.
-    const QString node = "'N''1\\\\'";
+    // The node's name holds a quote and a backslash among nine Chinese characters (20 bytes as
+    // the design counts them) on its way through Tnode.
+    const QString node = "'节点''甲乙丙丁戊己庚\\\\'";
     Exec("INSERT INTO CDB_NODEBAK(Node_Name, Bus_Name, Base_kV) VALUES (" + node + ",'B1',110)");
     Exec("INSERT INTO CDB_BUSBAK(Bus_Name, Base_kV) VALUES ('B1',110)");
     // Same level: ID 9 beats ID 10. Levels 2 and 11: 11. Levels 1000 and 200: 200.
@@ -170,7 +171,7 @@ TEST_F(Extraction, TheSchemePicksTheHighestLevelThenTheIdTextThatSortsHighest)
     EXPECT_EQ(Rows("SELECT ID_Name, EleID FROM L5_0 ORDER BY ID_Name"),
               (std::vector<std::string>{"g1|9", "g2|21", "g3|31"}))
         << "Unit 2 reaches no job table; a group outside the scheme is not seen";
-    EXPECT_EQ(Rows("SELECT Node_Name FROM L1_0"), std::vector<std::string>{"N'1\\"});
+    EXPECT_EQ(Rows("SELECT Node_Name FROM L1_0"), std::vector<std::string>{"节点'甲乙丙丁戊己庚\\"});
 
     // A Unit 0 generator on a node the node table lacks is dropped; at Unit 1 it stays.
     Exec("UPDATE CDB_GENERATBAK SET Node_Name='N9'");

@@ -279,8 +279,9 @@ TEST_F(SaveBackRoad, TheFaithfulDefaultStopsWhereTheServerRefusesTheDesignsTextA
 TEST_F(SaveBackRoad, TnodeGoesInBatchesOf200AndOnlyTheJobsMissingNodesAreAdded)
 {
     // 205 orphan loads on nodes the job does not know, one on a node it knows, whose name
-    // holds a quote and a backslash (NEW'\N, written here on a session that reads escapes).
-    const QString node = "'NEW''\\\\N'";
+    // holds a quote and a backslash among nine Chinese characters: 20 bytes as the design
+    // counts them (written here on a session that reads escapes).
+    const QString node = "'节点''甲乙丙丁戊己庚\\\\'";
     Exec("INSERT INTO L1_0(Case_No, Node_Name, Bus_Name, Zone_No, PS_Name, Base_kV) VALUES "
          "(0, " + node + ", 'NEWB', 9, 'NEWS', 110), (0, 'NEWY', 'NEWB', 9, 'NEWS', 110)");
     QString rows;
