@@ -81,11 +81,9 @@ protected:
     {
         DbTest::SetUp();
         DropTemporaryTables(db());
-        Truncate({"CDB_SBBAK", "CDB_BUSBAK", "CDB_NODEBAK", "CDB_PSTATIONBAK", "CDB_ZONEBAK",
-                  "CDB_ACLINEBAK", "CDB_SCAPREABAK", "CDB_PCAPREABAK", "CDB_TRANS_2WBAK",
-                  "CDB_SHIFTBAK", "CDB_TRANS_3WBAK", "CDB_DCLINEBAK", "CDB_GENERATBAK",
-                  "CDB_LOADBAK", "CDB_BREAKERBAK", "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK",
-                  "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "LF_CASE"});
+        std::vector<QString> tables{"CDB_SBBAK", "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK", "LF_CASE"};
+        tables.insert(tables.end(), kWorkingCopies.begin(), kWorkingCopies.end());
+        Truncate(tables);
         samples::Network net;
         QString error;
         ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
