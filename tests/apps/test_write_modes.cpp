@@ -42,6 +42,12 @@ float Tricky(int i)
     return float((i % 97) * 0.0078125 - 0.37 + (i % 5 == 0 ? -1e-9 : 0));
 }
 
+// A flag's bits when `on`, else none.
+unsigned Flag(bool on, unsigned bits)
+{
+    return on ? bits : 0u;
+}
+
 void Perturb()
 {
     ChangeAll<bs>([](bs& r, int i) {
@@ -50,28 +56,28 @@ void Perturb()
     });
     ChangeAll<ln>([](ln& r, int i) {
         r.Pi = Tricky(i), r.Qi = Tricky(i + 1), r.Pj = -Tricky(i + 2), r.Qci = Tricky(i + 3);
-        r.q ^= (i % 7 == 0 ? LN_OUTSERVICE : 0) | (i % 5 == 1 ? LN_IOPEN : 0) |
-               (i % 6 == 2 ? LN_JOPEN : 0);
-        r.topflags |= i % 11 == 0 ? LN_TOP_INVALID : 0;
+        r.q ^= Flag(i % 7 == 0, LN_OUTSERVICE) | Flag(i % 5 == 1, LN_IOPEN) |
+               Flag(i % 6 == 2, LN_JOPEN);
+        r.topflags |= Flag(i % 11 == 0, LN_TOP_INVALID);
     });
     ChangeAll<xf>([](xf& r, int i) {
         r.Pi = Tricky(i), r.Pj = Tricky(i + 4), r.Tk = 1 + Tricky(i) / 8;
-        r.q ^= i % 9 == 0 ? XF_OUTSERVICE : 0;
-        r.topflags |= i % 4 == 3 ? XF_TOP_INVALID : 0;
+        r.q ^= Flag(i % 9 == 0, XF_OUTSERVICE);
+        r.topflags |= Flag(i % 4 == 3, XF_TOP_INVALID);
     });
     ChangeAll<un>([](un& r, int i) {
         r.Pg = Tricky(i), r.Qg = Tricky(i + 7), r.V0 = 1 + Tricky(i) / 4, r.Angle = Tricky(i);
-        r.q ^= i % 3 == 2 ? UN_OUTSERVICE : 0;
+        r.q ^= Flag(i % 3 == 2, UN_OUTSERVICE);
     });
     ChangeAll<ld>([](ld& r, int i) {
         r.Pl = Tricky(i + 1), r.Ql = -Tricky(i), r.Angle = Tricky(i + 3);
-        r.q ^= i % 4 == 1 ? LD_OUTSERVICE : 0;
+        r.q ^= Flag(i % 4 == 1, LD_OUTSERVICE);
     });
     ChangeAll<cb>([](cb& r, int i) {
-        r.q |= CB_TESTED | (i % 3 == 0 ? CB_OPEN : 0);
+        r.q |= CB_TESTED | Flag(i % 3 == 0, CB_OPEN);
         r.P = Tricky(i);
     });
-    ChangeAll<dln>([](dln& r, int i) { r.Id10 = Tricky(i), r.q ^= i % 2 ? DLN_OUTSERVICE : 0; });
+    ChangeAll<dln>([](dln& r, int i) { r.Id10 = Tricky(i), r.q ^= Flag(i % 2, DLN_OUTSERVICE); });
 }
 
 // Records the statements must treat as the design does: two that name one job row (the
