@@ -95,7 +95,8 @@ TEST_F(JobTransfer, ImportOverwritesInputsAndFlagsOfStandingRecords)
     EXPECT_EQ(Fetch<ln>("S1_sc").q, LN_INJOB | LN_OUTSERVICE);
     // A shunt out of service by Valid but with its I end closed ends in service.
     const cp c = Fetch<cp>("C1");
-    EXPECT_EQ(make_tuple(c.q, c.X1, std::string(c.Type)), make_tuple(CP_INJOB, 0.5f, std::string("cap")));
+    EXPECT_EQ(make_tuple(c.q, c.X1, std::string(c.Type)),
+              make_tuple(CP_INJOB, 0.5f, std::string("cap")));
     // Magnetising branch: none for Gm = Bm = 0; the division from 1e-8 on.
     const xf t1 = Fetch<xf>("T1_2w");
     EXPECT_EQ(make_tuple(t1.q, t1.Rm, t1.Xm, t1.Tk, t1.TapMax1, t1.Vstep_Tap1, t1.Vpos_Tap2),
@@ -116,9 +117,10 @@ TEST_F(JobTransfer, ImportOverwritesInputsAndFlagsOfStandingRecords)
     const un g = Fetch<un>("G1");
     EXPECT_EQ(make_tuple(g.q, g.Pg, g.V0, g.Qmin, g.Par_Group, std::string(g.Bus_Ctrl)),
               make_tuple(UN_INJOB, 0.4f, 1.045f, -0.4f, 2, std::string("B7")));
-    EXPECT_EQ(make_tuple(Fetch<ld>("D1").q, Fetch<ld>("D1").No_Load), make_tuple(LD_INJOB | LD_OUTSERVICE, 3));
     // Ntype 3 is a switch.
-    EXPECT_EQ(make_tuple(Fetch<cb>("K1_sw").q, Fetch<cb>("K1_sw").ID_No), make_tuple(CB_INJOB | CB_OPEN, 2));
+    EXPECT_EQ(make_tuple(Fetch<ld>("D1").q, Fetch<ld>("D1").No_Load, Fetch<cb>("K1_sw").q,
+                         Fetch<cb>("K1_sw").ID_No),
+              make_tuple(LD_INJOB | LD_OUTSERVICE, 3, CB_INJOB | CB_OPEN, 2));
     EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{
                                        "实时数据库中没有id为'G404'的发电机数据！",
                                        "实时数据库中没有id为'N9'的节点数据！",
@@ -186,15 +188,15 @@ TEST_F(JobTransfer, InvalidationClearsMarksAndForcesTopologyBitsOnlyWhenAsked)
     b0.id = 0, b0.q = 77;
     Put(b0);
     CLFCalDataToRTDB job(1, db());
+    using std::make_tuple;
     EXPECT_EQ(job.InValidateLFCalDataInRTDB(false), 0);
-    EXPECT_EQ(Fetch<ln>("L1_ac").q, LN_OUTSERVICE);
-    EXPECT_EQ(Fetch<ln>("L1_ac").topflags, 0u);
-    EXPECT_EQ(Fetch<nd>("N1").q, ND_OUTSERVICE);
-    EXPECT_EQ(Fetch<cb>("K1_brk").q, CB_OUTSERVICE);
+    EXPECT_EQ(make_tuple(Fetch<ln>("L1_ac").q, Fetch<ln>("L1_ac").topflags, Fetch<nd>("N1").q,
+                         Fetch<cb>("K1_brk").q),
+              make_tuple(LN_OUTSERVICE, 0u, ND_OUTSERVICE, CB_OUTSERVICE));
     EXPECT_EQ(job.InValidateLFCalDataInRTDB(true), 0);
-    EXPECT_EQ(Fetch<ln>("L1_ac").topflags, LN_TOP_INVALID);
-    EXPECT_EQ(Fetch<un>("G1").topflags, UN_TOP_INVALID);
-    EXPECT_EQ(Fetch<cb>("K1_brk").topflags, CB_TOP_INVALID);
+    EXPECT_EQ(make_tuple(Fetch<ln>("L1_ac").topflags, Fetch<un>("G1").topflags,
+                         Fetch<cb>("K1_brk").topflags),
+              make_tuple(LN_TOP_INVALID, UN_TOP_INVALID, CB_TOP_INVALID));
     dbCursor<bs> b;
     ASSERT_EQ(b.select(), 1);
     EXPECT_EQ(b->q, 77) << "bs is not touched";
