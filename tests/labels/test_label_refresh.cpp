@@ -41,7 +41,6 @@ void Branch(const char* id, float pi, float qi, float pj, float qj, unsigned q,
     Put(r);
 }
 
-// A generator, load or shunt with its power and flags.
 template <class T> void OneEnded(const char* id, float p, float q, unsigned flags, unsigned top)
 {
     T r;
