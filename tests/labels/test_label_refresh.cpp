@@ -59,7 +59,9 @@ template <class T> void OneEnded(const char* id, float p, float q, unsigned flag
 
 // The solved network. Levels K220 and K110 on calculation buses 1 and 2 (bus 2 shown dead
 // in bs), K35 on a bus number no bs has. Physical buses N0 (bus number 0), N1, N2 (dead)
-// and N3 (on no level).
+// and N3 (on no level), and five whose names hold quotes, backslashes and Chinese text of
+// 20 bytes as the design counted them (one a prefix of another), each on a level of its own
+// name.
 void Network()
 {
     const struct
@@ -88,7 +90,12 @@ void Network()
     } buses[] = {{"N0", 0, 0.9, 0, "K220"},
                  {"N1", 1, 1.02, 0, "K220"},
                  {"N2", 2, 0.98, BUS_TOP_DEAD, "K110"},
-                 {"N3", 3, 1.05, 0, nullptr}};
+                 {"N3", 3, 1.05, 0, nullptr},
+                 {"x' OR '1'='1", 4, 1, 0, "K110"},
+                 {"a\\b", 5, 1, 0, "K220"},
+                 {"N3\\", 6, 1, 0, "K110"},
+                 {"华北电网十个字的母线", 7, 1, 0, "K110"},
+                 {"华北电网十个字的母", 8, 1, 0, "K220"}};
     for (const auto& s : buses) {
         bus b;
         b.id = s.id, b.nd = s.id, b.ibs = s.ibs, b.V = s.v, b.Angle = -3, b.topflags = s.top;
@@ -255,13 +262,16 @@ TEST_F(Labels, EveryFamilyShowsItsValuesPerUnitAndNamed)
                            "L2_ac: 8,1,0,0 | 8,1,0,0 | 8,1,-1e-07,0",
                            "L4_ac: 8,1,-2,-0.4 | 8,1,2,0.5 | 8,1,4,0.9",
                            "N1: 2,1,1.02,0 | -", "N2: 2,1,0,0 | -", "N3: 2,1,1.05,0 | -",
+                           "N3\\: 2,1,1,0 | -",
                            "P1_sf: 8,1,-0.1,-0.01 | - | -",
                            "S1_sc: 8,1,0.4,0.04 | 8,1,0.2,0.02 | -",
                            "T1_2w: 8,1,0.25,0.05 | 8,1,0.5,0.09 | -",
                            "T2_2w: 8,1,0,0 | 8,1,-1e-07,0 | -",
                            "T3_3w1: 8,1,-0.58,-0.1 | - | 8,1,1.18,0.22",
                            "T3_3w2: - | 8,1,0.35,0.06 | 8,1,0.7,-0.06",
-                           "T3_3w3: 8,1,0,0 | - | 8,1,-1e-07,0"}));
+                           "T3_3w3: 8,1,0,0 | - | 8,1,-1e-07,0", "a\\b: 2,1,1,0 | -",
+                           "x' OR '1'='1: 2,1,1,0 | -", "华北电网十个字的母: 2,1,1,0 | -",
+                           "华北电网十个字的母线: 2,1,1,0 | -"}));
     // What the records keep beside their labels (T9_3wx and "": no label, the zeros stored).
     EXPECT_EQ(std::make_tuple(Fetch<bus>("N2").V, Fetch<bus>("N2").Angle, Fetch<un>("G2").Pg,
                               Fetch<cp>("C2").Qi, Fetch<ln>("L2_ac").Pj, Fetch<ln>("L3_ac").Pi,
@@ -277,12 +287,15 @@ TEST_F(Labels, EveryFamilyShowsItsValuesPerUnitAndNamed)
     EXPECT_TRUE(feedback().messages().empty());
 
     // Named: powers times 100 MVA (one scale for every family: a generator and a line
-    // stand for them), voltages times the base voltage of their own level. N3's node has
-    // no level: the lookup says so and gives 1.
+    // stand for them), voltages times the base voltage of their own level, each bus's found
+    // by its own name. N3's node has no level: the lookup says so and gives 1.
     EXPECT_TRUE(PrepareRTLabelLFRData(db(), &m_rtdb, LABEL_MODE_NAMED, false, false));
     EXPECT_EQ(Slots<kv>("K220"), "2,1,224.4,0 | " + E);
-    EXPECT_EQ(Slots<bus>("N1"), "2,1,224.4,0 | " + E);
-    EXPECT_EQ(Slots<bus>("N3"), "2,1,1.05,0 | " + E);
+    EXPECT_EQ(ShownOf<bus>(), (std::vector<std::string>{
+                                  "N1: 2,1,224.4,0 | -", "N2: 2,1,0,0 | -", "N3: 2,1,1.05,0 | -",
+                                  "N3\\: 2,1,110,0 | -", "a\\b: 2,1,220,0 | -",
+                                  "x' OR '1'='1: 2,1,110,0 | -", "华北电网十个字的母: 2,1,220,0 | -",
+                                  "华北电网十个字的母线: 2,1,110,0 | -"}));
     EXPECT_EQ(feedback().texts(2),
               std::vector<std::string>{"无效的节点名，取基准电压值发生错误！"});
     EXPECT_EQ(Slots<un>("G1"), "8,1,75,12.5 | " + E);
@@ -414,41 +427,6 @@ INSTANTIATE_TEST_SUITE_P(
     [](const ::testing::TestParamInfo<LabelFault>& info) {
         return testsupport::FaultName(info.param.fault);
     });
-
-// Node names with quotes, backslashes and Chinese text of 20 bytes as the design counted
-// them: each bus is labelled with the base voltage of its own level, found by its own name.
-TEST_F(Labels, EachBusFindsTheLevelOfItsOwnNameWhateverTheNameHolds)
-{
-    Map({{0, 0, 0}});
-    for (const auto& [id, base] : {std::pair<const char*, float>{"K220", 220}, {"K110", 110}}) {
-        kv k;
-        k.id = id, k.Base_kV = base;
-        Put(k);
-    }
-    const std::pair<std::string, const char*> nodes[] = {{"x' OR '1'='1", "K110"},
-                                                         {"a\\b", "K220"},
-                                                         {"N3\\", "K110"},
-                                                         {"华北电网十个字的母线", "K110"},
-                                                         {"华北电网十个字的母", "K220"}};
-    int n = 0;
-    for (const auto& [name, level] : nodes) {
-        bus b;
-        b.id = name.c_str(), b.nd = name.c_str(), b.ibs = ++n, b.V = 1.0;
-        Put(b);
-        r_kv_nd rel;
-        rel.kv_id = level, rel.nd_id = name.c_str();
-        Put(rel);
-    }
-    m_rtdb.commit();
-    EXPECT_TRUE(PrepareRTLabelLFRData(db(), &m_rtdb, LABEL_MODE_NAMED, false, false));
-    m_rtdb.rollback();
-    EXPECT_TRUE(feedback().texts(2).empty()) << ::testing::PrintToString(feedback().texts(2));
-    for (const auto& [name, level] : nodes) {
-        EXPECT_EQ(Show(Fetch<bus>(name.c_str()).Slot[0]),
-                  std::string("2,1,") + (level == std::string("K110") ? "110" : "220") + ",0")
-            << name;
-    }
-}
 
 // Ten thousand lines and transformers of every kind, each kind with a label of its own
 // slot: every record shows its own end's power in the slot of its kind and nothing in the
