@@ -337,17 +337,15 @@ TEST(SwitchFlow, OnlyWhatReallyFlowsIntoANodeCounts)
     Switch("K4_brk", "D", "D0");
     Switch("K5_brk", "E", "E0");
     Flow(&rtdb);
-    const struct
-    {
-        const char* id;
-        float p, q;
-    } expected[] = {{"K1_brk", 10, 3},       {"K2_brk", 5.9f, 1.9f}, {"K3_brk", -2.9f, -0.8f},
-                    {"K4_brk", 0.98f, 0.1f}, {"KN_sw", 0, 0},        {"K5_brk", 0, 0}};
-    for (const auto& e : expected) {
-        const cb c = Fetch<cb>(e.id);
-        EXPECT_NEAR(c.P, e.p, 1e-5) << e.id;
-        EXPECT_NEAR(c.Q, e.q, 1e-5) << e.id;
+    // Each switch's flow as "id P,Q" to six significant digits.
+    std::vector<std::string> flows;
+    for (const char* id : {"K1_brk", "K2_brk", "K3_brk", "K4_brk", "KN_sw", "K5_brk"}) {
+        const cb c = Fetch<cb>(id);
+        const QString flow = QString("%1 %2,%3").arg(id).arg(c.P, 0, 'g', 6).arg(c.Q, 0, 'g', 6);
+        flows.push_back(flow.toStdString());
     }
+    EXPECT_EQ(flows, (std::vector<std::string>{"K1_brk 10,3", "K2_brk 5.9,1.9", "K3_brk -2.9,-0.8",
+                                               "K4_brk 0.98,0.1", "KN_sw 0,0", "K5_brk 0,0"}));
     rtdb.rollback();
     rtdb.close();
 }
