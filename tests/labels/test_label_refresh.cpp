@@ -332,32 +332,24 @@ TEST_F(Labels, OddRowsWriteNothingAndRealNumbersLoseTheirFraction)
 
 TEST_F(Labels, DifferencesNeverShowAnExactZero)
 {
-    // I and J powers, and the difference label of slot 0 in mode 0 and mode 32.
-    const struct
-    {
-        const char* id;
-        float pi, pj;
-        double perUnit, named;
-    } cases[] = {
-        {"Z_ac", 0, 0, -1e-07, -1e-07},      // 0 is not above 0
-        {"S_ac", 5e-10f, 0, 1e-07, 1e-07},   // inside the band either way
-        {"M_ac", 5e-09f, 0, 1e-07, 5e-07},   // scaled out of the band
-        {"N_ac", -5e-09f, 0, -1e-07, 5e-07}, // negated first, then banded
-    };
-    for (const auto& c : cases) {
-        Branch<ln>(c.id, c.pi, 0.25f, c.pj, 0, LN_INJOB);
+    // The difference label of slot 0 (Q: 0.25 - 0, its sign that of Pi) of four lines: Z's
+    // 0 is not above 0; S is inside the band either way; M is scaled out of the band when
+    // named; N is negated first, then banded.
+    const std::pair<const char*, float> pi[] = {
+        {"Z_ac", 0}, {"S_ac", 5e-10f}, {"M_ac", 5e-09f}, {"N_ac", -5e-09f}};
+    for (const auto& [id, p] : pi) {
+        Branch<ln>(id, p, 0.25f, 0, 0, LN_INJOB);
     }
     m_rtdb.commit();
     Map({{6, 0, 14}});
-    for (int mode : {0, LABEL_MODE_NAMED}) {
-        PrepareRTLabelLFRData(db(), &m_rtdb, mode, false, false);
-        for (const auto& c : cases) {
-            const LabelSlot s = Fetch<ln>(c.id).Slot[0];
-            const double sign = c.pi < 0 ? -1 : 1;
-            EXPECT_NEAR(s.Value1, mode ? c.named : c.perUnit, 1e-12) << c.id << " mode " << mode;
-            EXPECT_NEAR(s.Value2, sign * 0.25 * (mode ? 100 : 1), 1e-12) << c.id;
-        }
-    }
+    PrepareRTLabelLFRData(db(), &m_rtdb, 0, false, false);
+    EXPECT_EQ(ShownOf<ln>(), (std::vector<std::string>{
+                                 "M_ac: 8,1,1e-07,0.25 | - | -", "N_ac: 8,1,-1e-07,-0.25 | - | -",
+                                 "S_ac: 8,1,1e-07,0.25 | - | -", "Z_ac: 8,1,-1e-07,0.25 | - | -"}));
+    PrepareRTLabelLFRData(db(), &m_rtdb, LABEL_MODE_NAMED, false, false);
+    EXPECT_EQ(ShownOf<ln>(), (std::vector<std::string>{
+                                 "M_ac: 8,1,5e-07,25 | - | -", "N_ac: 8,1,5e-07,-25 | - | -",
+                                 "S_ac: 8,1,1e-07,25 | - | -", "Z_ac: 8,1,-1e-07,25 | - | -"}));
     EXPECT_EQ(Fetch<ln>("Z_ac").Slot[0].Value1, -1e-07) << "the double nearest to 1e-07";
 }
 
