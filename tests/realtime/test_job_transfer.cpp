@@ -147,7 +147,8 @@ TEST_F(JobTransfer, UpdateBackWritesStatesAndOperatingPointsWithTheExactStatemen
          " ('L1', 0, 0, 0, 1), ('L2', 1, 1, 1, 1), ('C1', 0, 0, 0, 3), ('X9', 1, 1, 1, 1)");
     Exec("INSERT INTO L3_1 (ID_Name, Valid, Ntype) VALUES ('T1', 0, 31), ('T9', 1, 1)");
     Exec("INSERT INTO L5_1 (ID_Name, Valid, Pg) VALUES ('G1', 0, 0)");
-    Exec("INSERT INTO LK_1 (ID_Name, Valid, Lbreak, Ntype) VALUES ('K1', 0, 1, 1), ('K2', 0, 0, 2)");
+    Exec("INSERT INTO LK_1 (ID_Name, Valid, Lbreak, Ntype) VALUES ('K1', 0, 1, 1), "
+         "('K2', 0, 0, 2)");
 
     StartStatementLog();
     CLFCalDataToRTDB job(1, db());
