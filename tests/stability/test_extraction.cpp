@@ -90,7 +90,6 @@ TEST_F(Extraction, TheLoadFlowCaseSchemePicksTheRowsInPerUnitWithTheCounters)
     // Shunt and series compensators count as AC lines, L3 too; each winding counts; Nbus
     // is the constant 1. The job had no ST_CASE row: it got one.
     EXPECT_EQ(Counters(), "1|1|1|5|1|10|2");
-    EXPECT_EQ(job.Ntrans, 10);
     EXPECT_EQ(Rows("SELECT Case_No FROM CDB_NETBUSMAPBAK"), std::vector<std::string>{"8"});
     EXPECT_EQ(Scalar("SHOW TABLES LIKE 'tmp'"), "tmp") << "the last family leaves tmp behind";
     EXPECT_EQ(feedback().texts(1),
