@@ -54,11 +54,11 @@ protected:
         Exec("UPDATE S6_7 SET Load_Model=4");
         Exec("UPDATE S7_7 SET X_Fixed=11");
     }
-    static double Base(const QString& table, const QString& column, const QString& name,
-                       const QString& group = "G")
+    // A column of the row of `name` in group G.
+    static double Base(const QString& table, const QString& column, const QString& name)
     {
-        return Value(QString("SELECT %1 FROM %2 WHERE ID_Name='%3' AND GrpName='%4'")
-                         .arg(column, table, name, group));
+        return Value(QString("SELECT %1 FROM %2 WHERE ID_Name='%3' AND GrpName='G'")
+                         .arg(column, table, name));
     }
     static testsupport::Snapshot Take() { return testsupport::Take(checker(), kWorkingCopies); }
     // Every table of the database, job tables and TLoad included.
