@@ -3,6 +3,7 @@
 #include "RecordAccess.h"
 #include "SampleNetwork.h"
 #include "Study.h"
+#include "TableSnapshots.h"
 
 namespace casetest {
 
@@ -32,10 +33,8 @@ void CaseSetTest::SetUp()
     ASSERT_GT(buses.select(last), 0);
     m_lastBus = buses->id;
     m_rtdb.commit();
-    Truncate({"ST_CASE",     "ST_CRIT",    "ST_FAULT",   "ST_UDCAL",   "ST_UPCAL",
-              "ST_DIST_INF", "ST_DIST_T1", "ST_DIST_T2", "ST_DIST_T3", "ST_DIST_T4",
-              "ST_DIST_T5",  "ST_DIST_T6", "ST_DIST_T7", "ST_DIST_T8", "ST_DIST_T9",
-              "ST_DIST_T10", "ST_OUT",     "ST_VAR_INF", "ST_ANACAL",  "ST_ANA_GRP"});
+    const QStringList caseTables = testsupport::TablesLike(checker(), "ST\\_%");
+    Truncate({caseTables.begin(), caseTables.end()});
     feedback().clear();
 }
 
@@ -56,6 +55,23 @@ void CaseSetTest::CaseRow(const QString& assignments)
 int CaseSetTest::BusOf(const char* node)
 {
     return testsupport::Fetch<dtsdb::nd>(node).ibs;
+}
+
+std::string CaseSetTest::Records()
+{
+    using namespace dtsdb;
+    const auto crit = All<stcrit>();
+    const auto out = All<st_out>();
+    const auto cases = All<case_st>();
+    auto n = [](auto v) { return std::to_string(v.size()); };
+    return "crit " + (crit.size() == 1 ? std::string(crit[0].ID_Name1) : n(crit)) + "|fault " +
+           n(All<stfault>()) + "|dist " + n(All<stdist>()) + "|out " +
+           (out.size() == 1 ? std::to_string(out[0].AnaFunc) : n(out)) + "|var " +
+           n(All<stvar_inf>()) + "|gi " + n(All<stana_gi>()) + "|grp " + n(All<stana_grp>()) +
+           "|case " +
+           (cases.size() == 1
+                ? std::to_string(cases[0].Nfault) + "/" + std::to_string(cases[0].Ndist)
+                : "-");
 }
 
 std::vector<std::string> CaseSetTest::BusesFrom(int firstId)

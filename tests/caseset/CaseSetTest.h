@@ -42,6 +42,7 @@ protected:
     // The case row of kCase with the given extra columns, e.g. "Ctrl_Fault=1,T_Total=5".
     static void CaseRow(const QString& assignments);
     static int BusOf(const char* node);
+    static std::string B(const char* node) { return std::to_string(BusOf(node)); }
     template <class T> static std::vector<T> All()
     {
         std::vector<T> out;
@@ -53,6 +54,10 @@ protected:
         }
         return out;
     }
+    // The records of the case: the criteria's ID_Name1 (or their count), the counts of the
+    // other kinds, st_out's AnaFunc (or the count), the case record's Nfault/Ndist ("-"
+    // without a record).
+    static std::string Records();
     // Names of the bs records from `firstId` on, "id:name", in id order.
     static std::vector<std::string> BusesFrom(int firstId);
     int lastBus() const { return m_lastBus; }

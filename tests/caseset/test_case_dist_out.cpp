@@ -55,7 +55,6 @@ protected:
     {
         Exec(QString("INSERT INTO %1 (Case_No,%2) VALUES %3").arg(table, columns, values));
     }
-    static std::string B(const char* node) { return std::to_string(BusOf(node)); }
 };
 
 TEST_F(Disturbance, EveryKindIntoItsRecordsAndCounts)
@@ -219,9 +218,7 @@ TEST_F(Disturbance, LoadRangesThroughTheWorkingTable)
     EXPECT_EQ(sent[5], "SELECT DISTINCT Node_Name FROM L6_5");
     const std::string insert = "INSERT INTO DT6 (ID_Name,Load_Name,Nrange,Sub_Type,Ref_Name,"
                                "V_Crit,K_Ratio,T_Delay,ID_No,T_Start,T_End) VALUES( 'ALL','";
-    const std::string values = "',-1,1,'',0.700000,0.200000,0.300000,-1,1.000000,2.000000 )";
     EXPECT_EQ(sent[7].substr(0, insert.size()), insert);
-    EXPECT_EQ(sent[7].substr(sent[7].size() - values.size()), values);
     EXPECT_EQ(sent[9].substr(0, insert.size()), insert) << "the second load, refused";
     EXPECT_EQ(sent.back(), "DROP TABLE IF EXISTS DT6");
     EXPECT_TRUE(Disturbances().empty());
@@ -337,25 +334,24 @@ TEST_F(Outputs, SettingsVariablesAndAnalysisGroups)
           0. + o.MDTFau, 0. + o.DTLF, 0. + o.DTOUT, 0. + o.DTFau, 0. + o.DTMON, 0. + o.DTMRef}) {
         out << static_cast<float>(v) << '|';
     }
-    EXPECT_EQ(out.str(), "2|4|5|1|3|-1|" + std::to_string(BusOf("N3")) + "|-1|-1|" +
-                             std::to_string(BusOf("N14")) + "|6|7|8|0.01|0.02|0.03|0.04|0.05|");
+    EXPECT_EQ(out.str(), "2|4|5|1|3|-1|" + B("N3") + "|-1|-1|" + B("N14") +
+                             "|6|7|8|0.01|0.02|0.03|0.04|0.05|");
 
     // Types 1 to 7 and 12 in that order, each by Var_ID. Generator angles find their bus
     // through the load-flow case's generators (0 for an unknown one); branch outputs name
     // their record by kind, a three-winding one by its winding in the load-flow case.
-    const auto b = [](const char* n) { return std::to_string(BusOf(n)); };
     EXPECT_EQ(Vars(), (std::vector<std::string>{
-                          "1:1::" + b("N7") + ":0:11:21",
-                          "1:2::" + b("N2G") + ":0:12:22",
-                          "2:1:N3:" + b("N3") + ":-1:11:21",
-                          "7:1:L1_ac:" + b("N1") + ":" + b("N2") + ":11:21",
-                          "7:2:S1_sc:" + b("N1") + ":" + b("N2") + ":12:22",
-                          "7:3:T1_2w:" + b("N4") + ":" + b("N7") + ":13:23",
-                          "7:4:P1_sf:" + b("N4") + ":" + b("N9") + ":14:24",
-                          "7:5:T3W_3w2:" + b("N7") + ":" + b("N8") + ":15:25",
-                          "7:6::" + b("N7") + ":" + b("N9") + ":16:26",
-                          "7:7::" + b("N1") + ":" + b("N2") + ":17:27",
-                          "12:1:N4:" + b("N4") + ":-1:11:21",
+                          "1:1::" + B("N7") + ":0:11:21",
+                          "1:2::" + B("N2G") + ":0:12:22",
+                          "2:1:N3:" + B("N3") + ":-1:11:21",
+                          "7:1:L1_ac:" + B("N1") + ":" + B("N2") + ":11:21",
+                          "7:2:S1_sc:" + B("N1") + ":" + B("N2") + ":12:22",
+                          "7:3:T1_2w:" + B("N4") + ":" + B("N7") + ":13:23",
+                          "7:4:P1_sf:" + B("N4") + ":" + B("N9") + ":14:24",
+                          "7:5:T3W_3w2:" + B("N7") + ":" + B("N8") + ":15:25",
+                          "7:6::" + B("N7") + ":" + B("N9") + ":16:26",
+                          "7:7::" + B("N1") + ":" + B("N2") + ":17:27",
+                          "12:1:N4:" + B("N4") + ":-1:11:21",
                       }));
     const stvar_inf v = All<stvar_inf>()[2];
     EXPECT_STREQ(v.Coord_Name, "C1");
@@ -386,10 +382,7 @@ TEST_F(Outputs, SettingsVariablesAndAnalysisGroups)
     feedback().clear();
     EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 1);
     EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{"暂稳作业没有输出信息！"}));
-    EXPECT_EQ(All<st_out>().size(), 1u);
-    EXPECT_EQ(All<st_out>()[0].AnaFunc, 1);
-    EXPECT_EQ(All<stvar_inf>().size(), 11u);
-    EXPECT_EQ(All<stana_gi>().size(), 2u);
+    EXPECT_EQ(Records(), "crit 0|fault 1|dist 0|out 1|var 11|gi 2|grp 4|case 3/0");
 
     // A load-flow case without job tables: the lookups fail with their words, the rows
     // stand with what they have.

@@ -21,9 +21,8 @@ const std::string kT6 = "查询暂稳扰动dist_t6信息发生错误！";
 const std::string kFaultQuery = "查询暂稳故障信息表发生错误！";
 const std::string kCaseQuery = "查询暂稳作业信息发生错误！";
 const std::string kCountUpdate = "更新暂稳作业信息发生错误！";
-// What the whole case gives: the criteria's ID_Name1 (OLD for the record that stood
-// before), then the record counts, st_out's AnaFunc (9 for the one that stood before),
-// and the case record's Nfault/Ndist ("-" without a record).
+// What the whole case gives (Records()); OLD and AnaFunc 9 are the criteria and output
+// records that stood before.
 const std::string kLoaded = "crit L1|fault 2|dist 1|out 2|var 1|gi 1|grp 1|case 2/2";
 
 } // namespace
@@ -45,24 +44,7 @@ void PrintTo(const SetUpFault& f, std::ostream* os)
 }
 
 class SetUpFaults : public CaseSetTest, public ::testing::WithParamInterface<SetUpFault>
-{
-protected:
-    static std::string Records()
-    {
-        const auto crit = All<stcrit>();
-        const auto out = All<st_out>();
-        const auto cases = All<case_st>();
-        auto n = [](auto v) { return std::to_string(v.size()); };
-        return "crit " + (crit.size() == 1 ? std::string(crit[0].ID_Name1) : n(crit)) + "|fault " +
-               n(All<stfault>()) + "|dist " + n(All<stdist>()) + "|out " +
-               (out.size() == 1 ? std::to_string(out[0].AnaFunc) : n(out)) + "|var " +
-               n(All<stvar_inf>()) + "|gi " + n(All<stana_gi>()) + "|grp " + n(All<stana_grp>()) +
-               "|case " +
-               (cases.size() == 1
-                    ? std::to_string(cases[0].Nfault) + "/" + std::to_string(cases[0].Ndist)
-                    : "-");
-    }
-};
+{};
 
 TEST_P(SetUpFaults, TheFailedStepReportsTheOthersLoadAndTheNextRunLoadsTheWholeCase)
 {

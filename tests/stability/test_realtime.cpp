@@ -33,20 +33,12 @@ svc FetchSvc(const char* name)
     return *c;
 }
 
-// The 38 stability fields of a DC line, in record order.
-std::string DcText(const dln& d)
+// Values in the given order, each followed by a blank; an int as an integer (no fraction),
+// so that a swap or an int/real mix-up shows.
+std::string Joined(std::initializer_list<double> values)
 {
     std::ostringstream s;
-    for (double v : {0. + d.DC_Model,  0. + d.reg_type, 0. + d.reg_fon,      0. + d.reg_par,
-                     0. + d.reg_set,   0. + d.Amax_D,   0. + d.Amin_D,       0. + d.Ireg_fon,
-                     0. + d.Ireg_par,  0. + d.Ireg_set, 0. + d.Vreg_fon,     0. + d.Vreg_par,
-                     0. + d.Vreg_set,  0. + d.Greg_fon, 0. + d.Greg_par,     0. + d.Greg_set,
-                     0. + d.Bmax_D,    0. + d.Bmin_D,   0. + d.Im_Percent,   0. + d.Vlow_Perc,
-                     0. + d.Idmax_kA,  0. + d.Idmin_kA, 0. + d.dKi_Perc,     0. + d.dKj_Perc,
-                     0. + d.dTi_s,     0. + d.dTj_s,    0. + d.V_relay_Perc, 0. + d.T_relay,
-                     0. + d.Type_fadc, 0. + d.K_fadc,   0. + d.Ts_fadc,      0. + d.Te_fadc,
-                     0. + d.Tdo,       0. + d.Tda,      0. + d.Tdb,          0. + d.Tdc,
-                     0. + d.N_rs,      0. + d.V_rs_Perc}) {
+    for (double v : values) {
         s << v << ' ';
     }
     return s.str();
@@ -124,49 +116,50 @@ TEST_F(Realtime, StabilityValuesGoIntoTheRecordsFoundByTheirIds)
     CSTCalDataToRTDB job(kJob, db());
     EXPECT_EQ(job.ImportSDataToRTDB(), 0) << "missing records cost messages, not failure";
 
+    // Lines and series capacitors by id, the load-flow fields kept; shunts in cp under the
+    // bare name, Ntype 3 and any other alike, no B0_Half there; transformers' ZCtype, R0, X0,
+    // the winding without a row keeping what it had.
     const ln l = Fetch<ln>("L1_ac");
-    EXPECT_EQ(std::vector<float>({l.R0, l.X0, l.B0_Half, l.R1}),
-              std::vector<float>({0.25f, 0.75f, 0.02f, 0.01f}))
-        << "the load-flow fields stay";
+    const cp c1 = Fetch<cp>("C1");
+    auto zrx = [](const char* id) {
+        const xf x = Fetch<xf>(id);
+        return Joined({0. + x.ZCtype, x.R0, x.X0});
+    };
+    EXPECT_EQ((std::vector<std::string>{Joined({l.R0, l.X0, l.B0_Half, l.R1}),
+                                        Joined({Fetch<ln>("S1_sc").X0}),
+                                        Joined({c1.R0, c1.X0, Fetch<cp>("C2").X0}), zrx("T1_2w"),
+                                        zrx("P1_sf"), zrx("W1_3w1"), zrx("W1_3w2"), zrx("W1_3w3")}),
+              (std::vector<std::string>{"0.25 0.75 0.02 0.01 ", "-0.2 ", "0.5 20 5 ",
+                                        "1 0.002 0.04 ", "3 0.003 0.06 ", "1 0.01 0.1 ", "7 9 9 ",
+                                        "3 0.02 0.2 "}));
     EXPECT_EQ(l.q, LN_INJOB);
-    EXPECT_FLOAT_EQ(Fetch<ln>("S1_sc").X0, -0.2f);
-    // Shunts in cp under the bare name, Ntype 3 and any other alike; no B0_Half there.
-    EXPECT_FLOAT_EQ(Fetch<cp>("C1").R0, 0.5f);
-    EXPECT_FLOAT_EQ(Fetch<cp>("C1").X0, 20.0f);
-    EXPECT_FLOAT_EQ(Fetch<cp>("C2").X0, 5.0f);
 
-    EXPECT_EQ(Fetch<xf>("T1_2w").ZCtype, 1);
-    EXPECT_FLOAT_EQ(Fetch<xf>("T1_2w").X0, 0.04f);
-    EXPECT_EQ(Fetch<xf>("P1_sf").ZCtype, 3);
-    EXPECT_FLOAT_EQ(Fetch<xf>("W1_3w1").R0, 0.01f);
-    EXPECT_FLOAT_EQ(Fetch<xf>("W1_3w3").X0, 0.2f);
-    const xf untouched = Fetch<xf>("W1_3w2");
-    EXPECT_EQ(untouched.ZCtype, 7) << "the winding without a row keeps what it had";
-    EXPECT_FLOAT_EQ(untouched.R0, 9.0f);
-
-    // The DC line's 38 fields in order, integers (no fraction) where the record has them.
-    EXPECT_EQ(DcText(Fetch<dln>("DC1")), "1 2 3 4 5.5 6.5 7.5 8 9 10.5 11 12 13.5 14 15 16.5 "
-                                         "17.5 18.5 19.5 20.5 21.5 22.5 23.5 24.5 25.5 26.5 "
-                                         "27.5 28.5 29 30 31.5 32.5 33.5 34.5 35.5 36.5 37 38.5 ");
-
+    // The DC line's 38 fields in order, the generator's 14; the load's Z_Percent cut, not
+    // rounded to 13.
+    const dln d = Fetch<dln>("DC1");
+    EXPECT_EQ(Joined({0. + d.DC_Model,  0. + d.reg_type, 0. + d.reg_fon,      0. + d.reg_par,
+                      0. + d.reg_set,   0. + d.Amax_D,   0. + d.Amin_D,       0. + d.Ireg_fon,
+                      0. + d.Ireg_par,  0. + d.Ireg_set, 0. + d.Vreg_fon,     0. + d.Vreg_par,
+                      0. + d.Vreg_set,  0. + d.Greg_fon, 0. + d.Greg_par,     0. + d.Greg_set,
+                      0. + d.Bmax_D,    0. + d.Bmin_D,   0. + d.Im_Percent,   0. + d.Vlow_Perc,
+                      0. + d.Idmax_kA,  0. + d.Idmin_kA, 0. + d.dKi_Perc,     0. + d.dKj_Perc,
+                      0. + d.dTi_s,     0. + d.dTj_s,    0. + d.V_relay_Perc, 0. + d.T_relay,
+                      0. + d.Type_fadc, 0. + d.K_fadc,   0. + d.Ts_fadc,      0. + d.Te_fadc,
+                      0. + d.Tdo,       0. + d.Tda,      0. + d.Tdb,          0. + d.Tdc,
+                      0. + d.N_rs,      0. + d.V_rs_Perc}),
+              "1 2 3 4 5.5 6.5 7.5 8 9 10.5 11 12 13.5 14 15 16.5 17.5 18.5 19.5 20.5 21.5 22.5 "
+              "23.5 24.5 25.5 26.5 27.5 28.5 29 30 31.5 32.5 33.5 34.5 35.5 36.5 37 38.5 ");
     const un g = Fetch<un>("G1");
-    EXPECT_EQ(
-        std::vector<float>({0.f + g.Gen_Model, 0.f + g.Gen_Par, 0.f + g.AVR_Model, 0.f + g.AVR_Par,
-                            0.f + g.GOV_Model, 0.f + g.GOV_Par, 0.f + g.PSS_Model, 0.f + g.PSS_Par,
-                            g.Rate_MVA, g.Rate_MW, g.Xdp, g.Xdpp, g.X2, g.Tj}),
-        std::vector<float>({6, 1, 12, 2, 3, 4, 5, 7, 300, 270, 0.3f, 0.2f, 0.25f, 8}));
-
     const ld load = Fetch<ld>("D1");
-    EXPECT_EQ(load.Load_Model, 3);
-    EXPECT_EQ(load.Load_Par, 7);
-    EXPECT_EQ(load.Z_Percent, 12) << "cut, not rounded to 13";
+    EXPECT_EQ(Joined({0. + g.Gen_Model, 0. + g.Gen_Par, 0. + g.AVR_Model, 0. + g.AVR_Par,
+                      0. + g.GOV_Model, 0. + g.GOV_Par, 0. + g.PSS_Model, 0. + g.PSS_Par,
+                      g.Rate_MVA, g.Rate_MW, g.Xdp, g.Xdpp, g.X2, g.Tj, 0. + load.Load_Model,
+                      0. + load.Load_Par, 0. + load.Z_Percent}),
+              "6 1 12 2 3 4 5 7 300 270 0.3 0.2 0.25 8 3 7 12 ");
 
     // Valid 1 clears the out-of-service bit and leaves the others; 0, 2 and -1 set it.
     const svc v0 = FetchSvc("V0");
-    EXPECT_EQ(v0.q, 1u | 4u);
-    EXPECT_EQ(v0.Model, 2);
-    EXPECT_EQ(v0.Par_No, 5);
-    EXPECT_FLOAT_EQ(v0.X_Fixed, 10.0f);
+    EXPECT_EQ(Joined({0. + v0.q, 0. + v0.Model, 0. + v0.Par_No, v0.X_Fixed}), "5 2 5 10 ");
     for (const char* name : {"V1", "V2", "V3"}) {
         EXPECT_EQ(FetchSvc(name).q, SVC_OUTSERVICE) << name;
     }
