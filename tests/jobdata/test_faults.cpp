@@ -274,8 +274,6 @@ INSTANTIATE_TEST_SUITE_P(
         SaveBackFault{"Full", Fault::Full, false, {}, {}, kMended,
                       {kLines, "2 Fail to execute SQL: insert into CDB_PCAPREABAK(GrpName, *"},
                       "1/0/0", {102}},
-        SaveBackFault{"LockTimeoutAllOrNothing", Fault::LockTimeout, true, {}, {}, kMended,
-                      {kLines, kAtTPCR, kUndone}, "0/0/0", {}},
         // The group's row refused, after every family: the run ends there at level 3; the
         // families stay saved and flagged, the group unflagged.
         SaveBackFault{"RefusedGroupRow", std::nullopt, false,

@@ -16,7 +16,7 @@ QAtomicInt serial;
 
 std::string FaultName(Fault fault)
 {
-    static const char* const names[] = {"Killed", "MissingTable", "ReadOnly", "Full", "LockTimeout"};
+    static const char* const names[] = {"Killed", "MissingTable", "ReadOnly", "Full"};
     return names[int(fault)];
 }
 
@@ -91,23 +91,14 @@ QSqlDatabase* FaultInjector::Arm()
         }
         m_struck = true;
         return m_library;
-    case Fault::Killed:
-    case Fault::LockTimeout: {
+    case Fault::Killed: {
         const bool locked =
             m_hold == Hold::Table
                 ? run(m_blocker, QStringLiteral("LOCK TABLES %1 WRITE").arg(m_table))
                 : run(m_blocker, QStringLiteral("START TRANSACTION")) &&
-                      run(m_blocker, QString::fromLatin1(m_hold == Hold::SharedRows
-                                                             ? "SELECT * FROM %1 LOCK IN SHARE MODE"
-                                                             : "SELECT * FROM %1 FOR UPDATE")
-                                         .arg(m_table));
+                      run(m_blocker, QStringLiteral("SELECT * FROM %1 FOR UPDATE").arg(m_table));
         if (!locked) {
             return nullptr;
-        }
-        if (m_fault == Fault::LockTimeout) {
-            m_struck = run(*m_library, QStringLiteral("SET SESSION innodb_lock_wait_timeout=1, "
-                                                      "lock_wait_timeout=1"));
-            return m_struck ? m_library : nullptr;
         }
         QSqlQuery id(*m_library);
         if (!id.exec(QStringLiteral("SELECT CONNECTION_ID()")) || !id.next()) {
@@ -177,16 +168,10 @@ void FaultInjector::Disarm()
         run(m_admin, QStringLiteral("DROP TEMPORARY TABLE fault_rows"));
         break;
     case Fault::Killed:
-    case Fault::LockTimeout:
         run(m_blocker,
             m_hold == Hold::Table ? QStringLiteral("UNLOCK TABLES") : QStringLiteral("ROLLBACK"));
-        if (m_fault == Fault::LockTimeout) {
-            run(*m_library, QStringLiteral("SET SESSION innodb_lock_wait_timeout=DEFAULT, "
-                                           "lock_wait_timeout=DEFAULT"));
-        } else {
-            // The killed session is gone: the suite's connection starts a new one.
-            dbserver::ReopenConnection(*m_library);
-        }
+        // The killed session is gone: the suite's connection starts a new one.
+        dbserver::ReopenConnection(*m_library);
         break;
     }
 }

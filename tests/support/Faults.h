@@ -11,13 +11,10 @@
 //                 with rows of its own, so the server answers "The table ... is full";
 //                 Disarm puts it back into InnoDB with the rows it then holds, which on a
 //                 cluster reach every node
-//   LockTimeout   a second session holds a lock on the table and the transfer's session
-//                 waits one second for locks (innodb_lock_wait_timeout, lock_wait_timeout)
 //
 // The lock is on the rows (a locking read of every row in an open transaction: writes
-// wait, plain reads pass), on the rows shared (LOCK IN SHARE MODE: reads, locking ones
-// too, pass and the first write waits) or on the whole table (LOCK TABLES ... WRITE:
-// every statement on it waits). Disarm puts everything back; after a kill it opens the suite's
+// wait, plain reads pass) or on the whole table (LOCK TABLES ... WRITE: every statement
+// on it waits). Disarm puts everything back; after a kill it opens the suite's
 // connection again, so that the next run has a fresh session.
 
 #include "ServerConnection.h"
@@ -35,8 +32,8 @@
 
 namespace testsupport {
 
-enum class Fault { Killed, MissingTable, ReadOnly, Full, LockTimeout };
-enum class Hold { Rows, SharedRows, Table };
+enum class Fault { Killed, MissingTable, ReadOnly, Full };
+enum class Hold { Rows, Table };
 
 std::string FaultName(Fault fault);
 
