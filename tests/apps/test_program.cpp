@@ -30,12 +30,6 @@ StudyCommandLine::Outcome Parse(StudyCommandLine& cl, QStringList args,
     return cl.parse(args, environmentPassword);
 }
 
-ProgramRun RunProgram(const QStringList& args, const QProcessEnvironment& env =
-                                             QProcessEnvironment::systemEnvironment())
-{
-    return AtOnce({args}, env)[0];
-}
-
 QStringList Lines(const QString& path)
 {
     QFile f(path);
@@ -103,7 +97,7 @@ TEST_F(Program, RefusesInOneLineWithStatusTwoAndLeavesNothingBehind)
     const QString never = QString("t_never_%1").arg(QCoreApplication::applicationPid());
     const auto refused = [&](const QStringList& args, const QString& why,
                              const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment()) {
-        const ProgramRun r = RunProgram(args, env);
+        const ProgramRun r = AtOnce({args}, env)[0];
         EXPECT_EQ(r.status, 2) << args.join(' ').toStdString() << "\n" << r.err.toStdString();
         EXPECT_TRUE(r.err.startsWith("calcdata_demo: " + why) && r.err.count('\n') == 1)
             << r.err.toStdString();
@@ -162,7 +156,7 @@ TEST_F(Program, WritesTheResultTablesAsCsvAndKeepsTheDatabaseWhenAsked)
     ASSERT_TRUE(tmp.isValid());
     const QString out = tmp.filePath("results/ieee14");
     const QString kept = QString("t_kept_%1").arg(QCoreApplication::applicationPid());
-    const ProgramRun r = RunProgram({"--out", out, "--keep", "--database", kept, "--quiet"});
+    const ProgramRun r = AtOnce({{"--out", out, "--keep", "--database", kept, "--quiet"}})[0];
     ASSERT_EQ(r.status, 0) << r.err.toStdString();
     EXPECT_TRUE(r.err.isEmpty()) << "quiet: " << r.err.toStdString();
     EXPECT_TRUE(r.out.startsWith("the study's database " + kept + " stays on")) << r.out.toStdString();
@@ -196,9 +190,9 @@ TEST_F(Program, AChineseNetworkKeepsEveryNameFromTheFileToTheCsvFiles)
 {
     QTemporaryDir tmp;
     const QString kept = QString("t_cn_%1").arg(QCoreApplication::applicationPid());
-    const ProgramRun r = RunProgram({"--network", CALCDATA_SAMPLES_DIR "/cn_grid.json", "--group",
-                                     "华北电网运行方式调整", "--out", tmp.path(), "--keep",
-                                     "--database", kept});
+    const ProgramRun r = AtOnce({{"--network", CALCDATA_SAMPLES_DIR "/cn_grid.json", "--group",
+                                  "华北电网运行方式调整", "--out", tmp.path(), "--keep",
+                                  "--database", kept}})[0];
     ASSERT_EQ(r.status, 0) << r.err.toStdString();
     EXPECT_EQ(Scalar("SELECT GROUP_CONCAT(GrpName) FROM " + kept +
                      ".CDB_DATAGROUPBAK WHERE GrpName NOT LIKE 'BASE%'"),
@@ -254,7 +248,7 @@ TEST(StudyOnOtherServers, SetsUpItsSessionsTakesTheSchemasSpellingsWhereNeededAn
         QSqlDatabase::removeDatabase("other");
         ASSERT_GE(setup.lowerCaseTableNames, 0) << "the server answers";
 
-        const ProgramRun r = RunProgram({"--server", server, "--user", "root"});
+        const ProgramRun r = AtOnce({{"--server", server, "--user", "root"}})[0];
         ASSERT_EQ(r.status, 0) << r.err.toStdString();
         const QStringList lines = r.out.split('\n');
         EXPECT_EQ(lines.contains("the server compares table names by case "
