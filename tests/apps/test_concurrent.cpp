@@ -5,12 +5,11 @@
 
 #include "DbTest.h"
 #include "Faults.h"
+#include "ProgramRuns.h"
 #include "TableSnapshots.h"
 
 #include <QCoreApplication>
-#include <QProcess>
 #include <QRegularExpression>
-#include <QSqlError>
 #include <QSysInfo>
 #include <algorithm>
 #include <thread>
@@ -19,76 +18,9 @@ using namespace testsupport;
 
 namespace {
 
-struct Ended
-{
-    int status = -1;
-    QString out, err;
-};
-
-// Runs the study program once per argument list, all at once, and waits for them all.
-std::vector<Ended> AtOnce(const QList<QStringList>& runs)
-{
-    std::vector<std::unique_ptr<QProcess>> ps;
-    for (const QStringList& args : runs) {
-        ps.push_back(std::make_unique<QProcess>());
-        ps.back()->start(QStringLiteral(CALCDATA_DEMO_PROGRAM), args);
-    }
-    std::vector<Ended> ended;
-    for (auto& p : ps) {
-        Ended e;
-        if (p->waitForFinished(600000) && p->exitStatus() == QProcess::NormalExit) {
-            e.status = p->exitCode();
-        }
-        e.out = QString::fromUtf8(p->readAllStandardOutput());
-        e.err = QString::fromUtf8(p->readAllStandardError());
-        ended.push_back(e);
-    }
-    return ended;
-}
-
 QStringList Study(const QString& db, int job, const QString& group)
 {
     return {"--database", db, "--existing", "--job", QString::number(job), "--group", group};
-}
-
-// Per table of `db`: the row count and the sum of each row's CRC32 over every column but the
-// server's numbering (id, RowKey): equal for equal contents, whatever order the rows came in.
-// With `group`, the rows of that data group in the tables that have groups, GrpName left out.
-std::map<std::string, std::string> Sums(QSqlDatabase db, const QString& database,
-                                        const QString& like, const QString& group = QString())
-{
-    std::map<std::string, std::string> sums;
-    QSqlQuery tables(db);
-    tables.exec(QString("SELECT TABLE_NAME, GROUP_CONCAT(IF(COLUMN_NAME IN ('id', 'RowKey', '%1'), "
-                        "NULL, CONCAT('`', COLUMN_NAME, '`')) ORDER BY ORDINAL_POSITION), "
-                        "SUM(COLUMN_NAME='GrpName') FROM information_schema.COLUMNS WHERE "
-                        "TABLE_SCHEMA='%2' AND TABLE_NAME LIKE '%3' GROUP BY TABLE_NAME")
-                    .arg(group.isEmpty() ? "" : "GrpName", database, like));
-    while (tables.next()) {
-        if (!group.isEmpty() && tables.value(2).toInt() == 0) {
-            continue;
-        }
-        QSqlQuery q(db);
-        const QString table = tables.value(0).toString();
-        EXPECT_TRUE(
-            q.exec(QString("SELECT COUNT(*), COALESCE(SUM(CRC32(CONCAT_WS('|', %1))), 0) "
-                           "FROM `%2`.`%3` WHERE %4")
-                       .arg(tables.value(1).toString().isEmpty() ? "''" // GrpName alone
-                                                                 : tables.value(1).toString(),
-                            database, table, group.isEmpty() ? "1" : "GrpName='" + group + "'")) &&
-            q.next())
-            << q.lastError().text().toStdString();
-        sums[table.toStdString()] =
-            (q.value(0).toString() + ":" + q.value(1).toString()).toStdString();
-    }
-    EXPECT_FALSE(sums.empty()) << like.toStdString();
-    return sums;
-}
-
-std::map<std::string, std::string> Group(QSqlDatabase db, const QString& database,
-                                         const QString& group)
-{
-    return Sums(db, database, "cdb\\_%", group);
 }
 
 } // namespace
@@ -96,12 +28,44 @@ std::map<std::string, std::string> Group(QSqlDatabase db, const QString& databas
 class Concurrent : public DbTest
 {
 protected:
+    using Sum = std::vector<std::string>;
+    // Per table of `database` LIKE `like`, "table:rows:sum", the sum of its rows' CRC32s over
+    // every column but the server's numbering (id, RowKey): equal for equal contents, whatever
+    // order the rows came in. With `group`, that data group's rows of the tables that have
+    // groups, GrpName left out (a table of GrpName alone counts its rows).
+    static Sum Sums(const QString& database, const QString& like, const QString& group = {})
+    {
+        Sum sums;
+        for (const std::string& t :
+             Rows(QString("SELECT TABLE_NAME, COALESCE(GROUP_CONCAT(IF(COLUMN_NAME IN ('id', "
+                          "'RowKey', '%1'), NULL, CONCAT('`', COLUMN_NAME, '`')) ORDER BY "
+                          "ORDINAL_POSITION), 'NULL') FROM information_schema.COLUMNS WHERE "
+                          "TABLE_SCHEMA='%2' AND TABLE_NAME LIKE '%3' GROUP BY TABLE_NAME "
+                          "HAVING %4 ORDER BY TABLE_NAME")
+                      .arg(group.isEmpty() ? "" : "GrpName", database, like,
+                           group.isEmpty() ? "1" : "SUM(COLUMN_NAME='GrpName')"))) {
+            const QString table = QString::fromStdString(t).section('|', 0, 0);
+            const QString columns = QString::fromStdString(t).section('|', 1);
+            sums.push_back((table + ":" +
+                            Scalar(QString("SELECT CONCAT(COUNT(*), ':', COALESCE(SUM(CRC32("
+                                           "CONCAT_WS('|', %1))), 0)) FROM `%2`.`%3` WHERE %4")
+                                       .arg(columns, database, table,
+                                            group.isEmpty() ? "1" : "GrpName='" + group + "'")))
+                               .toStdString());
+        }
+        EXPECT_FALSE(sums.empty()) << like.toStdString();
+        return sums;
+    }
+    static Sum Group(const QString& database, const QString& group)
+    {
+        return Sums(database, "cdb\\_%", group);
+    }
     // A base database made by the study program (the IEEE 14-bus case, job 0 studied), kept.
     QString Base(const QString& name)
     {
         const QString db = name + QString::number(QCoreApplication::applicationPid());
         m_made << db;
-        const std::vector<Ended> made = AtOnce({{"--database", db, "--keep", "--quiet"}});
+        const auto made = AtOnce({{"--database", db, "--keep", "--quiet"}});
         EXPECT_EQ(made[0].status, 0) << made[0].err.toStdString();
         return db;
     }
@@ -111,15 +75,14 @@ protected:
             Exec("DROP DATABASE IF EXISTS " + db);
         }
     }
-    using Sum = std::map<std::string, std::string>;
     // Two studies of job 1 at once into the groups <g>1 and <g>2, the second with `second`
     // on its command line: both complete, one having waited; each group holds `expected`.
     void SameJob(const QString& base, const QStringList& second, const QString& g, const Sum& expected)
     {
-        const std::vector<Ended> runs = AtOnce({Study(base, 1, g + "1"), Study(base, 1, g + "2") + second});
+        const auto runs = AtOnce({Study(base, 1, g + "1"), Study(base, 1, g + "2") + second});
         for (int k = 0; k < 2; ++k) {
             EXPECT_EQ(runs[k].status, 0) << runs[k].err.toStdString();
-            EXPECT_EQ(Group(checker(), base, g + QString::number(k + 1)), expected);
+            EXPECT_EQ(Group(base, g + QString::number(k + 1)), expected);
         }
         m_out = runs[0].out + runs[1].out;
         EXPECT_EQ(m_out.count("正由主机"), 1);
@@ -128,16 +91,16 @@ protected:
     // refused with status 3 (its message in m_err); one group row, one writer's copies.
     void SameGroup(const QString& base, const QStringList& second, const QString& group, const Sum& expected)
     {
-        std::vector<Ended> runs = AtOnce({Study(base, 2, group), Study(base, 5, group) + second});
+        auto runs = AtOnce({Study(base, 2, group), Study(base, 5, group) + second});
         std::sort(runs.begin(), runs.end(),
-                  [](const Ended& a, const Ended& b) { return a.status < b.status; });
+                  [](const ProgramRun& a, const ProgramRun& b) { return a.status < b.status; });
         EXPECT_EQ(runs[0].status, 0) << runs[0].err.toStdString();
         EXPECT_EQ(runs[1].status, 3) << runs[1].err.toStdString();
         m_err = runs[1].err;
         EXPECT_EQ(Scalar(QString("SELECT COUNT(*) FROM %1.CDB_DATAGROUPBAK WHERE GrpName='%2'")
                              .arg(base, group)),
                   "1");
-        EXPECT_EQ(Group(checker(), base, group), expected);
+        EXPECT_EQ(Group(base, group), expected);
     }
     QStringList m_made;
     QString m_out, m_err;
@@ -151,7 +114,7 @@ TEST_F(Concurrent, FourStudiesAtOnceEqualTheFourInTurnAndTwoOnOneJobOrGroupNever
         four << Study(together, job, QString("G%1").arg(job));
         fourInTurn << Study(inTurn, job, QString("G%1").arg(job));
     }
-    for (const Ended& e : AtOnce(four)) {
+    for (const ProgramRun& e : AtOnce(four)) {
         EXPECT_EQ(e.status, 0) << e.err.toStdString();
     }
     for (const QStringList& run : fourInTurn) {
@@ -159,19 +122,19 @@ TEST_F(Concurrent, FourStudiesAtOnceEqualTheFourInTurnAndTwoOnOneJobOrGroupNever
     }
     // Every job, result, case and base table (the groups' copies with them) as in turn.
     for (const char* like : {"l%", "cdb\\_%"}) {
-        EXPECT_EQ(Sums(checker(), together, like), Sums(checker(), inTurn, like)) << like;
+        EXPECT_EQ(Sums(together, like), Sums(inTurn, like)) << like;
     }
 
     // One job at once: one of the two waits for it and then completes; the job's tables and
     // both groups' copies are one whole run's.
-    SameJob(together, {}, "H", Group(checker(), inTurn, "G1"));
-    EXPECT_EQ(Sums(checker(), together, "l%\\_1"), Sums(checker(), inTurn, "l%\\_1"));
+    SameJob(together, {}, "H", Group(inTurn, "G1"));
+    EXPECT_EQ(Sums(together, "l%\\_1"), Sums(inTurn, "l%\\_1"));
     EXPECT_TRUE(m_out.contains("作业 1 的潮流作业表 正由主机 " + QSysInfo::machineHostName()));
 
     // One new group (of the longest Chinese name) at once, on two jobs: one writer's copies
     // and one group row; the other run waits for the group and is refused, status 3.
     const QString cn = "华北电网运行方式调整";
-    SameGroup(together, {}, cn, Group(checker(), inTurn, "G2"));
+    SameGroup(together, {}, cn, Group(inTurn, "G2"));
     EXPECT_EQ(m_err, "calcdata_demo: 数据组 " + cn +
                          " 已存在（已由其他运行新建），本次新建数据组的回存未写入任何数据。\n");
 }
@@ -223,7 +186,7 @@ TEST_F(Concurrent, AStudyKilledInItsSaveBackLeavesNoLeaseThatStopsTheNext)
         if (whole) {
             EXPECT_EQ(BaseChecksums(checker()), before);
         }
-        const Ended next = AtOnce({Study(base, 1, group) << "--wait"
+        const ProgramRun next = AtOnce({Study(base, 1, group) << "--wait"
                                                          << "0"})[0];
         EXPECT_EQ(next.status, 0) << next.err.toStdString();
         EXPECT_TRUE(next.out.contains(
@@ -256,6 +219,6 @@ TEST_F(Concurrent, TwoAtOnceThroughTwoNodesOfACluster)
     const QString base = Base("t_nodes_");
     Exec("SET SESSION wsrep_sync_wait=1"); // the helpers read what node 2 committed
     const QStringList node2 = {"--server", "127.0.0.1:" + port2, "--user", "root"};
-    SameJob(base, node2, "N", Group(checker(), base, "NEW"));
-    SameGroup(base, node2, "N3", Group(checker(), base, "NEW"));
+    SameJob(base, node2, "N", Group(base, "NEW"));
+    SameGroup(base, node2, "N3", Group(base, "NEW"));
 }
