@@ -6,7 +6,6 @@
 #include "dialogs/CaseChoosers.h"
 #include "dialogs/WinDlgCalBusChoose.h"
 
-#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QSignalSpy>

@@ -10,7 +10,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QHeaderView>
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
