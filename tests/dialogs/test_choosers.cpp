@@ -94,10 +94,9 @@ TEST_F(Choosers, BusOkAcceptsAPrefixAndRefusesAnEmptyOrUnknownName)
     StartStatementLog();
     // The preselected name is found whatever its case and shown as given.
     WinDlgCalBusChoose job(1, 1, db(), "n2", true);
-    EXPECT_EQ(job.ListBox_BusName->count(), 2);
     EXPECT_EQ(Current(job.ListBox_BusName), "N2");
     EXPECT_EQ(job.LineEdit_BusName->text(), "n2");
-    // The other two fill their lists the same way, from the statements below.
+    // All three fill their lists as the typing test's chooser does, from the statements below.
     WinDlgCalBusChoose jobNodes(1, 1, db(), "", false);
     WinDlgCalBusChoose unknown(0, 1, db(), "zz", true);
     EXPECT_EQ(unknown.LineEdit_BusName->text(), "");
@@ -144,7 +143,6 @@ TEST_F(Choosers, ElementChooserLooksUpTheNodeAndStillClosesWhenTheLookupFails)
 
     // Any other column gives the chosen name itself.
     WinDlgCalEleTerm1Choose nodes(db(), "CDB_NODEBAK", "Node_Name", "ab1");
-    EXPECT_EQ(nodes.LineEdit_BusName->text(), "ab1");
     nodes.ToolButton_OK_clicked();
     EXPECT_EQ(nodes.result(), QDialog::Accepted);
     EXPECT_EQ(nodes.GetNodeName(), "ab1");
