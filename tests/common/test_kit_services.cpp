@@ -55,14 +55,12 @@ TEST(Conversions, FixedWidthNumbersCopiesBranchTypesRealTimeIdsAndTableTypes)
     EXPECT_EQ(buf[3], '\0') << "four bytes are cleared, as by ConvertTo4String";
     EXPECT_STREQ(ConvertTo2String(100, buf), "00");
 
-    std::memset(buf, 'x', sizeof buf);
-    EXPECT_STREQ(Strcopy(buf, nullptr), "");
-    std::memset(buf, 'x', sizeof buf);
     Strncopy(buf, nullptr, 0);
     EXPECT_EQ(buf[0], '\0') << "a null source empties the target even with a length of 0";
     std::memset(buf, 'x', sizeof buf);
     Strncopy(buf, "abcd", 4);
     EXPECT_EQ(std::string(buf, 5), "abcdx") << "no terminator at full length";
+    EXPECT_STREQ(Strcopy(buf, nullptr), "");
 
     for (const auto& [type, name] : std::vector<std::pair<int, QString>>{
              {4, "PCR"}, {5, "PCR"}, {6, "AC"}, {7, "DC"}, {9, "SCR"}, {10, "Tr2"}, {11, "SF"},

@@ -7,7 +7,6 @@
 #include <QDir>
 #include <QInputMethodEvent>
 #include <QListWidget>
-#include <QPixmap>
 #include <QTableWidget>
 #include <QTest>
 

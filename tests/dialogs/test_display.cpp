@@ -11,7 +11,6 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPen>
-#include <QPushButton>
 #include <QTest>
 #include <gtest/gtest.h>
 

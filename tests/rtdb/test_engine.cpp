@@ -75,25 +75,21 @@ TEST_F(Engine, QueriesCompareJoinAndOrderAsWrittenWithTheirOwnValues)
     Insert(Line("D", 1, 2.0f));
     Insert(Line("C", 2, 4.0f));
     using Ids_ = std::vector<std::string>;
+    const std::pair<std::function<void(dbQuery&)>, Ids_> cases[] = {
+        {[](dbQuery& q) { q = "lntype=", 1; }, {"B", "D"}}, // insertion order without order by
+        {[](dbQuery& q) { q = "order by id desc"; }, {"D", "C", "B", "A"}},
+        {[](dbQuery& q) { q = "lntype=", 2, " and id=", "C"; }, {"C"}},
+        {[](dbQuery& q) { q = "R1 >=", 2, "order by id asc "; }, {"B", "C", "D"}},
+        {[](dbQuery& q) { q = "R1 >", 2.5, "and R1 <", 4.0; }, {"B"}},
+        {[](dbQuery& q) { q = "R1 <=", 2.0f, "order by R1"; }, {"A", "D"}},
+        {[](dbQuery& q) { q = "id !=", "A", "and lntype = 2"; }, {"C"}},
+        {[](dbQuery& q) { q = "lntype=1 and id='D'"; }, {"D"}},
+        {[](dbQuery& q) { q = "order by lntype desc, R1"; }, {"A", "C", "D", "B"}}};
     dbQuery q;
-    q = "lntype=", 1;
-    EXPECT_EQ(Ids(q), (Ids_{"B", "D"})) << "insertion order without order by";
-    q = "order by id desc";
-    EXPECT_EQ(Ids(q), (Ids_{"D", "C", "B", "A"}));
-    q = "lntype=", 2, " and id=", "C";
-    EXPECT_EQ(Ids(q), (Ids_{"C"}));
-    q = "R1 >=", 2, "order by id asc ";
-    EXPECT_EQ(Ids(q), (Ids_{"B", "C", "D"}));
-    q = "R1 >", 2.5, "and R1 <", 4.0;
-    EXPECT_EQ(Ids(q), (Ids_{"B"}));
-    q = "R1 <=", 2.0f, "order by R1";
-    EXPECT_EQ(Ids(q), (Ids_{"A", "D"}));
-    q = "id !=", "A", "and lntype = 2";
-    EXPECT_EQ(Ids(q), (Ids_{"C"}));
-    q = "lntype=1 and id='D'";
-    EXPECT_EQ(Ids(q), (Ids_{"D"}));
-    q = "order by lntype desc, R1";
-    EXPECT_EQ(Ids(q), (Ids_{"A", "C", "D", "B"}));
+    for (std::size_t k = 0; k < std::size(cases); ++k) {
+        cases[k].first(q);
+        EXPECT_EQ(Ids(q), cases[k].second) << "query " << k;
+    }
 
     // A parameter given by reference is read when the query runs; one given by value is
     // copied, so its buffer may change or go.
@@ -134,7 +130,7 @@ TEST_F(Engine, QueriesCompareJoinAndOrderAsWrittenWithTheirOwnValues)
     EXPECT_TRUE(errors().empty());
 }
 
-TEST_F(Engine, BadQueriesAreErrorsAndNeverMatchEverything)
+TEST_F(Engine, BadQueriesAndMisuseAreErrorsAndNeverMatchOrWrite)
 {
     Insert(Line("A", 1, 1.0f));
     const std::pair<const char*, std::function<void(dbQuery&)>> cases[] = {
@@ -157,6 +153,39 @@ TEST_F(Engine, BadQueriesAreErrorsAndNeverMatchEverything)
         EXPECT_NE(errors()[0].message.find("on table ln"), std::string::npos)
             << errors()[0].message;
     }
+
+    // Misuse of a cursor or of a closed database is reported the same way.
+    clearErrors();
+    rtdb().commit();
+    dbCursor<ln> view; // view-only: no update, no removal
+    dbQuery q;
+    q = "id=", "A";
+    ASSERT_EQ(view.select(q), 1);
+    view->R1 = 99.0f;
+    EXPECT_FALSE(view.update());
+    view.removeAll();
+    dbCursor<ln> none(dbCursorForUpdate); // no select, or none found: no current record
+    EXPECT_FALSE(none.update());
+    q = "id=", "missing";
+    EXPECT_EQ(none.select(q), 0);
+    EXPECT_FALSE(none.update());
+    ASSERT_EQ(view.select(), 1);
+    EXPECT_FLOAT_EQ(view->R1, 1.0f) << "nothing was written";
+
+    // A closed database: selects find nothing and say why; inserts are refused.
+    rtdb().close();
+    EXPECT_EQ(view.select(), 0);
+    ln l = Line("B", 1, 1.0f);
+    EXPECT_FALSE(rtdb().insertRecord(&ln::dbDescriptor, nullptr, &l));
+    std::vector<int> codes;
+    for (const auto& e : errors()) {
+        codes.push_back(e.code);
+    }
+    EXPECT_EQ(codes, (std::vector<int>{dbReadOnlyCursor, dbReadOnlyCursor, dbNullReferenceError,
+                                       dbNullReferenceError, dbDatabaseOpenError,
+                                       dbDatabaseOpenError}));
+    ASSERT_TRUE(rtdb().open("again"));
+    EXPECT_EQ(view.select(), 0) << "a reopened database starts empty";
 }
 
 TEST_F(Engine, UpdatesKeepIndexesAndTextsCurrentAndOneThatChangesNothingLeavesNoTrace)
@@ -212,41 +241,6 @@ TEST_F(Engine, UpdatesKeepIndexesAndTextsCurrentAndOneThatChangesNothingLeavesNo
     EXPECT_TRUE(errors().empty());
 }
 
-TEST_F(Engine, MisuseIsReportedThroughTheErrorHandler)
-{
-    Insert(Line("A", 1, 1.0f));
-    rtdb().commit();
-    dbCursor<ln> view; // view-only: no update, no removal
-    dbQuery q;
-    q = "id=", "A";
-    ASSERT_EQ(view.select(q), 1);
-    view->R1 = 99.0f;
-    EXPECT_FALSE(view.update());
-    view.removeAll();
-    dbCursor<ln> none(dbCursorForUpdate); // no select, or none found: no current record
-    EXPECT_FALSE(none.update());
-    q = "id=", "missing";
-    EXPECT_EQ(none.select(q), 0);
-    EXPECT_FALSE(none.update());
-    ASSERT_EQ(view.select(), 1);
-    EXPECT_FLOAT_EQ(view->R1, 1.0f) << "nothing was written";
-
-    // A closed database: selects find nothing and say why; inserts are refused.
-    rtdb().close();
-    EXPECT_EQ(view.select(), 0);
-    ln l = Line("B", 1, 1.0f);
-    EXPECT_FALSE(rtdb().insertRecord(&ln::dbDescriptor, nullptr, &l));
-    std::vector<int> codes;
-    for (const auto& e : errors()) {
-        codes.push_back(e.code);
-    }
-    EXPECT_EQ(codes, (std::vector<int>{dbReadOnlyCursor, dbReadOnlyCursor, dbNullReferenceError,
-                                       dbNullReferenceError, dbDatabaseOpenError,
-                                       dbDatabaseOpenError}));
-    ASSERT_TRUE(rtdb().open("again"));
-    EXPECT_EQ(view.select(), 0) << "a reopened database starts empty";
-}
-
 // A record and its descriptor expand from one field list (offsetof in declaration order);
 // what the transfers rely on besides: the DC line's fifty-two results stand together as
 // doubles from Id10 to Qcjp, and a fresh record's texts are empty, never null.
@@ -263,9 +257,7 @@ TEST(RecordModel, TheDcLinesResultsAreFiftyTwoDoublesAndAFreshRecordsTextsAreEmp
         EXPECT_EQ(f[i].type, dbFieldDouble) << f[i].name;
     }
     xf x;
-    EXPECT_STREQ(x.id, "");
-    EXPECT_STREQ(x.Bus_Ctrl, "");
-    EXPECT_EQ(x.q, 0u);
+    EXPECT_EQ(std::string(x.id) + "|" + x.Bus_Ctrl + "|" + std::to_string(x.q), "||0");
 }
 
 // A row linked into its key's chain a second time (a key that changed while the row stayed
