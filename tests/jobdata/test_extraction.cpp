@@ -200,18 +200,15 @@ TEST_F(Extraction, AThreeWindingTransformerGivesThreeRowsWithItsControlOnOneWind
          "1.02,17,-17,3,9)");
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
     EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
+    // Per unit: R and X by Zb, Gm and Bm (on the first winding only) times 1e-6 * Zb.
     EXPECT_EQ(Rows("SELECT Ntype, Valid, I_Name, J_Name, ID_No, Owner, Mode_Ctrl, Par_No, "
-                   "Bus_Ctrl, Line_Ctrl, TapMax1, TapMax2, TapMin2, Vpos_Tap2 FROM L3_0 ORDER BY "
+                   "Bus_Ctrl, Line_Ctrl, TapMax1, TapMax2, TapMin2, Vpos_Tap2, ROUND(R1,12), "
+                   "ROUND(X1,12), ROUND(Gm,12), ROUND(Bm,12), ROUND(Tk,12) FROM L3_0 ORDER BY "
                    "Ntype"),
-              (std::vector<std::string>{"31|1|NS|NA|1|4|0|0||0|0|0|0|0",
-                                        "32|0|NS|NB|2|4|5|6|NB|7|0|17|-17|3",
-                                        "33|1|NS|NC|3|4|0|0||0|0|9|0|0"}));
-    EXPECT_NEAR(Value("SELECT R1 FROM L3_0 WHERE Ntype=32"), 0.02, 1e-12);
-    EXPECT_NEAR(Value("SELECT X1 FROM L3_0 WHERE Ntype=33"), 0.05, 1e-12);
-    EXPECT_NEAR(Value("SELECT Gm FROM L3_0 WHERE Ntype=31"), 10 * 1e-6 * 484, 1e-12);
-    EXPECT_NEAR(Value("SELECT Bm FROM L3_0 WHERE Ntype=31"), -20 * 1e-6 * 484, 1e-12);
-    EXPECT_EQ(Value("SELECT Gm FROM L3_0 WHERE Ntype=32"), 0.0);
-    EXPECT_NEAR(Value("SELECT Tk FROM L3_0 WHERE Ntype=33"), 0.95, 1e-12);
+              (std::vector<std::string>{
+                  "31|1|NS|NA|1|4|0|0||0|0|0|0|0|0.01|0.1|0.00484|-0.00968|1.05",
+                  "32|0|NS|NB|2|4|5|6|NB|7|0|17|-17|3|0.02|0.2|0|0|1",
+                  "33|1|NS|NC|3|4|0|0||0|0|9|0|0|0|0.05|0|0|0.95"}));
     EXPECT_EQ(Scalar("SELECT Ntrans FROM LF_CASE WHERE Case_No=0"), "3");
 }
 
