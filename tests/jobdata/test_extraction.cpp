@@ -117,15 +117,10 @@ TEST_F(Extraction, NamedUnitsAreConvertedByTheBusBaseVoltage)
     EXPECT_EQ(Scalar("SELECT Owner FROM L2_0 WHERE ID_Name='L1'"), "1") << "zone of the owner";
 
     const auto sent = SentStatements();
-    auto has = [&](const std::string& s) {
-        return std::find(sent.begin(), sent.end(), s) != sent.end();
-    };
-    EXPECT_TRUE(has("INSERT INTO tmp SELECT 0+substring(MAX(CONCAT(LPAD(a.Nlever,3,'0'),b.ID)),4) "
-                    "FROM CDB_GENERATBAK b,CDB_SCHEMEINFBAK c,CDB_SCHEMECONTBAK a where "
-                    "c.SchName='SCH' AND a.IDSch=c.ID AND b.GrpName=a.GrpName GROUP BY "
-                    "b.ID_Name"));
-    EXPECT_TRUE(has("UPDATE LF_CASE SET Nbus=36,Ngenerat=6,Nload=20,Nacline=43,Ndcline=0,"
-                    "Ntrans=0 WHERE\tCase_No=0"))
+    EXPECT_NE(std::find(sent.begin(), sent.end(),
+                        "UPDATE LF_CASE SET Nbus=36,Ngenerat=6,Nload=20,Nacline=43,Ndcline=0,"
+                        "Ntrans=0 WHERE\tCase_No=0"),
+              sent.end())
         << "the counts, with the tab before Case_No";
 }
 
