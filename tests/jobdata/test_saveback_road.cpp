@@ -259,15 +259,10 @@ TEST_F(SaveBackRoad, TnodeGoesInBatchesOf200AndOnlyTheJobsMissingNodesAreAdded)
     const QString node = "'节点''甲乙丙丁戊己庚\\\\'";
     Exec("INSERT INTO L1_0(Case_No, Node_Name, Bus_Name, Zone_No, PS_Name, Base_kV) VALUES "
          "(0, " + node + ", 'NEWB', 9, 'NEWS', 110), (0, 'NEWY', 'NEWB', 9, 'NEWS', 110)");
-    QString rows;
-    for (int k = 1; k <= 205; ++k) {
-        rows += QString("(0, %1, 'DX%2', 1, 'X%3', 0.01), ")
-                    .arg(80000 + k)
-                    .arg(k)
-                    .arg(k, 3, 10, QChar('0'));
-    }
-    Exec("INSERT INTO L6_0(Case_No, EleID, ID_Name, Valid, Node_Name, Pl) VALUES " + rows +
-         "(0, 80999, 'DN', 1, " + node + ", 0.02)");
+    Exec("INSERT INTO L6_0(Case_No, EleID, ID_Name, Valid, Node_Name, Pl) SELECT 0, 80000+seq, "
+         "CONCAT('DX', seq), 1, CONCAT('X', LPAD(seq, 3, '0')), 0.01 FROM seq_1_to_205");
+    Exec("INSERT INTO L6_0(Case_No, EleID, ID_Name, Valid, Node_Name, Pl) VALUES (0, 80999, 'DN', "
+         "1, " + node + ", 0.02)");
     StartStatementLog();
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
     job.SetStatementMode(SaveStatementMode::Mended);
