@@ -46,7 +46,7 @@ protected:
     }
 };
 
-TEST_F(Extraction, PerUnitSampleArrivesUnchangedWithCountsAndMessages)
+TEST_F(Extraction, PerUnitSampleGivesTheCountsThePowersPerUnitAndTheMessages)
 {
     Write(Load("ieee14.json"));
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
@@ -61,9 +61,10 @@ TEST_F(Extraction, PerUnitSampleArrivesUnchangedWithCountsAndMessages)
     EXPECT_EQ(Count("L1_0"), 19);
     EXPECT_EQ(Rows("SELECT Ntype, COUNT(*) FROM LK_0 GROUP BY Ntype"),
               (std::vector<std::string>{"1|5", "2|5"}));
-    // Line 20 also stands, spoiled, in a lower group and in a group outside the scheme.
+    // Line 20 also stands, spoiled (R1 doubled, tripled), in a lower group and in a group
+    // outside the scheme; the scheme's row is the published one.
     EXPECT_EQ(Count("CDB_ACLINEBAK WHERE ID_Name='L20'"), 3);
-    EXPECT_EQ(Count("L2_0 WHERE ID_Name='L20'"), 1);
+    EXPECT_EQ(Rows("SELECT R1 FROM L2_0 WHERE ID_Name='L20'"), std::vector<std::string>{"0.17093"});
     EXPECT_EQ(Count("L2_0 WHERE Ntype=3"), 1);
     // Powers per unit on the base; the slack's generator marked by its control mode.
     EXPECT_NEAR(Value("SELECT Pg FROM L5_0 WHERE ID_Name='G1'"), 2.324, 1e-12);
