@@ -61,5 +61,4 @@ TEST_F(RunTimeFrames, EveryDriverAndFamilyOfExtractionAndSaveBackShowsItsLine)
     EXPECT_EQ(FramesShown(), (std::vector<std::string>{"SaveL2DataToAC", "SaveL2DataToPCR",
                                                        "SaveL2DataToSCR", "SaveL3DataToT2W",
                                                        "SaveLDataToBaseDB"}));
-    QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS T2W");
 }
