@@ -1,8 +1,6 @@
 // Extraction and save-back under server faults.
 
-#include "DbTest.h"
 #include "Faults.h"
-#include "SampleNetwork.h"
 #include "SaveBackRoad.h"
 #include "common/SaveBackPattern.h"
 #include "loadflow/jobdata/LFCalDataTransfer.h"
@@ -12,15 +10,12 @@
 #include <optional>
 
 using testsupport::BaseChecksums;
-using testsupport::BaseTables;
-using testsupport::DbTest;
 using testsupport::Fault;
 using testsupport::FaultInjector;
 using testsupport::Hold;
 
 namespace {
 
-char kScheme[] = "SCH";
 const char* const kJobTables[] = {"L1_0", "L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"};
 
 // The job tables that still hold the marker row put in before a run: those the run
@@ -67,34 +62,18 @@ void PrintTo(const ExtractionFault& f, std::ostream* os)
     *os << testsupport::FaultName(f.fault);
 }
 
-// A suite's database whose only base data is the network below: every other working copy
-// of the base tables emptied.
-class ExtractionFaults : public DbTest, public ::testing::WithParamInterface<ExtractionFault>
+// On the save-back's network, extracted, with a marker row in every job table.
+class ExtractionFaults : public SaveBackRoad, public ::testing::WithParamInterface<ExtractionFault>
 {
 protected:
     void SetUp() override
     {
-        DbTest::SetUp();
-        std::vector<QString> copies{"LF_CASE"};
-        for (const QString& t : BaseTables(checker())) {
-            if (t.endsWith("BAK", Qt::CaseInsensitive)) {
-                copies.push_back(t);
-            }
-        }
-        Truncate(copies);
-        samples::Network net = samples::MakeSyntheticNetwork(100);
-        QString error;
-        ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error))
-            << error.toStdString();
-        CLFCalDataTransfer first(0, kScheme, db(), nullptr);
-        ASSERT_EQ(first.ImportLDataFromBaseDB(), 0);
+        SaveBackRoad::SetUp();
         m_lines = Count("L2_0");
-        ASSERT_GT(m_lines, 0);
         for (const char* t : kJobTables) {
             Exec(QString("INSERT INTO %1 (Case_No, %2) VALUES (0, 'MARK')")
                      .arg(t, QString(t).startsWith("L1") ? "Node_Name" : "ID_Name"));
         }
-        feedback().clear();
     }
     int m_lines = 0;
 };
