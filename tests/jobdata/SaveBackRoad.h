@@ -71,12 +71,6 @@ protected:
         return q.exec("SELECT @@in_transaction") && q.next() ? q.value(0).toInt() : -1;
     }
 
-    static bool Sent(const std::vector<std::string>& sent, const std::string& start)
-    {
-        return std::any_of(sent.begin(), sent.end(),
-                           [&](const std::string& s) { return s.rfind(start, 0) == 0; });
-    }
-
     void SetUp() override
     {
         DbTest::SetUp();
@@ -169,7 +163,23 @@ protected:
              "0, 'NEWN', 'N4', 1, 2)");
     }
 
-    static double Value(const QString& sql) { return Scalar(sql).toDouble(); }
+    // What a test expects of a base table: the rows `where` picks (and `order` sorts), their
+    // `columns` as "value|value", the rows joined by ';'.
+    struct Expected
+    {
+        const char *table, *where, *columns, *rows;
+    };
+    static void ExpectRows(const std::vector<Expected>& expected, const QString& order = "")
+    {
+        for (const Expected& e : expected) {
+            std::string rows;
+            for (const std::string& r : Rows(QString("SELECT %1 FROM %2 WHERE %3%4")
+                                                 .arg(e.columns, e.table, e.where, order))) {
+                rows += (rows.empty() ? "" : ";") + r;
+            }
+            EXPECT_EQ(rows, e.rows) << e.table << " WHERE " << e.where << ": " << e.columns;
+        }
+    }
 
     // The orphan warnings of ChangeEveryFamily, in the order of the families.
     static std::vector<std::string> OrphanWarnings(const std::string& group)

@@ -34,7 +34,7 @@ protected:
                   "CDB_ACLINEBAK", "CDB_TRANS_2WBAK", "CDB_SHIFTBAK", "CDB_GENERATBAK",
                   "CDB_LOADBAK", "CDB_PCAPREABAK", "CDB_DATAGROUPBAK", "CDB_SCHEMEINFBAK",
                   "CDB_SCHEMECONTBAK", "LF_CASE", "L1_0", "L2_0", "L3_0", "L4_0", "L5_0", "L6_0",
-                  "LK_0"});
+                  "LK_0", "CDB_BREAKERBAK", "CDB_ISOSWITCHBAK"});
         feedback().clear();
     }
     static double Value(const QString& sql) { return Scalar(sql).toDouble(); }
@@ -46,10 +46,9 @@ protected:
     }
 };
 
-TEST_F(Extraction, PerUnitSampleArrivesUnchangedWithCountsAndMessages)
+TEST_F(Extraction, PerUnitSampleGivesTheCountsThePowersPerUnitAndTheMessages)
 {
-    const samples::Network net = Load("ieee14.json");
-    Write(net);
+    Write(Load("ieee14.json"));
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
     EXPECT_DOUBLE_EQ(job.BasePower(), 100.0);
     EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
@@ -62,22 +61,11 @@ TEST_F(Extraction, PerUnitSampleArrivesUnchangedWithCountsAndMessages)
     EXPECT_EQ(Count("L1_0"), 19);
     EXPECT_EQ(Rows("SELECT Ntype, COUNT(*) FROM LK_0 GROUP BY Ntype"),
               (std::vector<std::string>{"1|5", "2|5"}));
-    // Line 20 also stands, spoiled, in a lower group and in a group outside the scheme.
+    // Line 20 also stands, spoiled (R1 doubled, tripled), in a lower group and in a group
+    // outside the scheme; the scheme's row is the published one.
     EXPECT_EQ(Count("CDB_ACLINEBAK WHERE ID_Name='L20'"), 3);
-    EXPECT_EQ(Count("L2_0 WHERE ID_Name='L20'"), 1);
+    EXPECT_EQ(Rows("SELECT R1 FROM L2_0 WHERE ID_Name='L20'"), std::vector<std::string>{"0.17093"});
     EXPECT_EQ(Count("L2_0 WHERE Ntype=3"), 1);
-    for (std::size_t k = 0; k < net.branches.size(); ++k) {
-        const samples::Branch& br = net.branches[k];
-        const QString third = br.transformer ? QString("Tk-%1").arg(br.ratio, 0, 'g', 17)
-                                             : QString("B1_Half-%1").arg(br.b / 2, 0, 'g', 17);
-        EXPECT_EQ(Scalar(QString("SELECT ABS(R1-%1)+ABS(X1-%2)+ABS(%3) < 1e-12 FROM %4 WHERE "
-                                 "ID_Name='%5%6'")
-                             .arg(br.r, 0, 'g', 17).arg(br.x, 0, 'g', 17).arg(third)
-                             .arg(br.transformer ? "L3_0" : "L2_0", br.transformer ? "T" : "L")
-                             .arg(k + 1)),
-                  "1")
-            << "branch " << k + 1;
-    }
     // Powers per unit on the base; the slack's generator marked by its control mode.
     EXPECT_NEAR(Value("SELECT Pg FROM L5_0 WHERE ID_Name='G1'"), 2.324, 1e-12);
     EXPECT_NEAR(Value("SELECT Pl FROM L6_0 WHERE Node_Name='N2'"), 0.217, 1e-12);
@@ -117,15 +105,10 @@ TEST_F(Extraction, NamedUnitsAreConvertedByTheBusBaseVoltage)
     EXPECT_EQ(Scalar("SELECT Owner FROM L2_0 WHERE ID_Name='L1'"), "1") << "zone of the owner";
 
     const auto sent = SentStatements();
-    auto has = [&](const std::string& s) {
-        return std::find(sent.begin(), sent.end(), s) != sent.end();
-    };
-    EXPECT_TRUE(has("INSERT INTO tmp SELECT 0+substring(MAX(CONCAT(LPAD(a.Nlever,3,'0'),b.ID)),4) "
-                    "FROM CDB_GENERATBAK b,CDB_SCHEMEINFBAK c,CDB_SCHEMECONTBAK a where "
-                    "c.SchName='SCH' AND a.IDSch=c.ID AND b.GrpName=a.GrpName GROUP BY "
-                    "b.ID_Name"));
-    EXPECT_TRUE(has("UPDATE LF_CASE SET Nbus=36,Ngenerat=6,Nload=20,Nacline=43,Ndcline=0,"
-                    "Ntrans=0 WHERE\tCase_No=0"))
+    EXPECT_NE(std::find(sent.begin(), sent.end(),
+                        "UPDATE LF_CASE SET Nbus=36,Ngenerat=6,Nload=20,Nacline=43,Ndcline=0,"
+                        "Ntrans=0 WHERE\tCase_No=0"),
+              sent.end())
         << "the counts, with the tab before Case_No";
 }
 
@@ -200,18 +183,15 @@ TEST_F(Extraction, AThreeWindingTransformerGivesThreeRowsWithItsControlOnOneWind
          "1.02,17,-17,3,9)");
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
     EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
+    // Per unit: R and X by Zb, Gm and Bm (on the first winding only) times 1e-6 * Zb.
     EXPECT_EQ(Rows("SELECT Ntype, Valid, I_Name, J_Name, ID_No, Owner, Mode_Ctrl, Par_No, "
-                   "Bus_Ctrl, Line_Ctrl, TapMax1, TapMax2, TapMin2, Vpos_Tap2 FROM L3_0 ORDER BY "
+                   "Bus_Ctrl, Line_Ctrl, TapMax1, TapMax2, TapMin2, Vpos_Tap2, ROUND(R1,12), "
+                   "ROUND(X1,12), ROUND(Gm,12), ROUND(Bm,12), ROUND(Tk,12) FROM L3_0 ORDER BY "
                    "Ntype"),
-              (std::vector<std::string>{"31|1|NS|NA|1|4|0|0||0|0|0|0|0",
-                                        "32|0|NS|NB|2|4|5|6|NB|7|0|17|-17|3",
-                                        "33|1|NS|NC|3|4|0|0||0|0|9|0|0"}));
-    EXPECT_NEAR(Value("SELECT R1 FROM L3_0 WHERE Ntype=32"), 0.02, 1e-12);
-    EXPECT_NEAR(Value("SELECT X1 FROM L3_0 WHERE Ntype=33"), 0.05, 1e-12);
-    EXPECT_NEAR(Value("SELECT Gm FROM L3_0 WHERE Ntype=31"), 10 * 1e-6 * 484, 1e-12);
-    EXPECT_NEAR(Value("SELECT Bm FROM L3_0 WHERE Ntype=31"), -20 * 1e-6 * 484, 1e-12);
-    EXPECT_EQ(Value("SELECT Gm FROM L3_0 WHERE Ntype=32"), 0.0);
-    EXPECT_NEAR(Value("SELECT Tk FROM L3_0 WHERE Ntype=33"), 0.95, 1e-12);
+              (std::vector<std::string>{
+                  "31|1|NS|NA|1|4|0|0||0|0|0|0|0|0.01|0.1|0.00484|-0.00968|1.05",
+                  "32|0|NS|NB|2|4|5|6|NB|7|0|17|-17|3|0.02|0.2|0|0|1",
+                  "33|1|NS|NC|3|4|0|0||0|0|9|0|0|0|0.05|0|0|0.95"}));
     EXPECT_EQ(Scalar("SELECT Ntrans FROM LF_CASE WHERE Case_No=0"), "3");
 }
 
@@ -266,13 +246,6 @@ TEST_F(Extraction, BadInputEndsWithTheDesignsMessagesAndLeavesTheBaseTablesAlone
     // The failed node table leaves Tnode on the library's connection, as designed.
     QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS Tnode");
     EXPECT_EQ(baseRows(), before) << "extraction never writes the base tables";
-
-    // An empty base database: empty job tables and zero counts.
-    Truncate({"CDB_ACLINEBAK", "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_PCAPREABAK", "CDB_TRANS_2WBAK",
-              "CDB_BREAKERBAK", "CDB_ISOSWITCHBAK", "CDB_NODEBAK", "CDB_BUSBAK"});
-    EXPECT_EQ(CLFCalDataTransfer(0, kScheme, db(), nullptr).ImportLDataFromBaseDB(), 0);
-    EXPECT_EQ(Rows("SELECT Nbus, Ngenerat, Nacline FROM LF_CASE WHERE Case_No=0"),
-              (std::vector<std::string>{"0|0|0"}));
 }
 
 TEST_F(Extraction, FailuresOfTheCaseRowAndTheUnit1InsertsShowTheDesignsMessages)

@@ -1,20 +1,14 @@
 // The run-time frames of extraction and save-back, in a build of the transfer with the
 // one switch on: every driver and family shows its line when it ends, on every exit.
 
-#include "DbTest.h"
-#include "SampleNetwork.h"
+#include "SaveBackRoad.h"
 #include "common/RunTimeLog.h"
-#include "loadflow/jobdata/LFCalDataTransfer.h"
 
 #include <QRegularExpression>
-
-using testsupport::DbTest;
 
 static_assert(kRunTimeLogEnabled, "this program is built with the run-time switch on");
 
 namespace {
-
-char kScheme[] = "SCH";
 
 // The function names of the run-time lines shown since the last clear, in order; a line
 // that does not read as the design writes it fails the test.
@@ -33,19 +27,12 @@ std::vector<std::string> FramesShown()
 
 } // namespace
 
-class RunTimeFrames : public DbTest
+// On the save-back's network.
+class RunTimeFrames : public SaveBackRoad
 {};
 
 TEST_F(RunTimeFrames, EveryDriverAndFamilyOfExtractionAndSaveBackShowsItsLine)
 {
-    Truncate({"CDB_SBBAK", "CDB_BUSBAK", "CDB_NODEBAK", "CDB_ACLINEBAK", "CDB_TRANS_2WBAK",
-              "CDB_GENERATBAK", "CDB_LOADBAK", "CDB_PCAPREABAK", "CDB_BREAKERBAK",
-              "CDB_ISOSWITCHBAK", "CDB_DATAGROUPBAK", "CDB_SCHEMEINFBAK", "CDB_SCHEMECONTBAK"});
-    samples::Network net;
-    QString error;
-    ASSERT_TRUE(samples::ReadNetworkJson(CALCDATA_SAMPLES_DIR "/ieee14.json", net, error));
-    ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error));
-    feedback().clear();
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
     ASSERT_EQ(job.ImportLDataFromBaseDB(), 0);
     EXPECT_EQ(FramesShown(),
@@ -74,5 +61,4 @@ TEST_F(RunTimeFrames, EveryDriverAndFamilyOfExtractionAndSaveBackShowsItsLine)
     EXPECT_EQ(FramesShown(), (std::vector<std::string>{"SaveL2DataToAC", "SaveL2DataToPCR",
                                                        "SaveL2DataToSCR", "SaveL3DataToT2W",
                                                        "SaveLDataToBaseDB"}));
-    QSqlQuery(*db()).exec("DROP TEMPORARY TABLE IF EXISTS T2W");
 }
