@@ -241,6 +241,8 @@ TEST_F(SaveBackOptions, APreviewForeseesAnInsertTheServerRefusesOnlyWhenItRunsIt
     SaveBackFamily gens;
     gens.changes = {"Create temporary Table TGen select a.EleID, a.ID_Name, a.Pg from L5_0 a, "
                     "CDB_GENERATBAK b where b.id=a.eleid and abs(a.Pg-b.Pg)>0.001000"};
+    // The values a preview lists are read by the in-place update, once the copy passed.
+    gens.inPlace = {"update CDB_GENERATBAK a, TGen b set a.Pg=b.Pg where a.id=b.eleid"};
     gens.drop = "drop table TGen";
     CSaveBackPattern pattern(db(), "Fail to execute SQL: %s");
     const struct
@@ -263,6 +265,7 @@ TEST_F(SaveBackOptions, APreviewForeseesAnInsertTheServerRefusesOnlyWhenItRunsIt
         EXPECT_EQ(p.result, 1);
         ASSERT_EQ(p.messages.size(), 1u);
         EXPECT_EQ(p.messages[0].why, QString(fault.why));
+        EXPECT_TRUE(p.changes.empty()) << "a refused copy saves nothing, so lists nothing";
         EXPECT_EQ(Count("CDB_GENERATBAK WHERE GrpName='NEW'"), 0);
         EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
 
