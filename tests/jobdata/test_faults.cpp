@@ -240,14 +240,6 @@ INSTANTIATE_TEST_SUITE_P(
                       {kLines, kShunts, "1 回存开关数目：1", "1 回存变化元件总数：3",
                        "1 回存新增元件总数：0", "3 执行新增数据组 NEW 出错！"},
                       "1/1/1", {102, 103, 112}},
-        // The last family that writes refused by the server.
-        SaveBackFault{"RefusedBreakersAllOrNothing", std::nullopt, true,
-                      {"CREATE TRIGGER no_breaker BEFORE INSERT ON CDB_BREAKERBAK FOR EACH ROW "
-                       "SIGNAL SQLSTATE '45000' SET MESSAGE_TEXT='no breaker'"},
-                      {"DROP TRIGGER no_breaker"}, kMended,
-                      {kLines, kShunts, "2 Fail to execute SQL: insert into CDB_BREAKERBAK(*",
-                       kUndone},
-                      "0/0/0", {}},
         // A working copy that a rollback cannot undo: refused before its first write.
         SaveBackFault{"NotTransactionalAllOrNothing", std::nullopt, true,
                       {"ALTER TABLE CDB_ACLINEBAK ENGINE=MyISAM"},
