@@ -2,21 +2,20 @@
 // built straight from a network file's per-unit data (read here with Qt's JSON classes or
 // a few regular expressions, not through the sample readers, the base database or the
 // records), solved with a plain Newton-Raphson. Every bus of the result tables must agree
-// within 1e-6 pu and 1e-4 degrees: on the IEEE samples, a small network with transformer
-// charging, taps on either side, a phase shifter, parallel circuits, out-of-service
-// branches and shunts, the public MATPOWER cases of samples/, and hand-made cases with the
-// quirks of real case files. The IEEE 14-bus case also in a host program whose locale writes
-// one half as "0,5" (the statements must not), with the study's save-back.
+// within 1e-6 pu and 1e-4 degrees, every branch's end flows within 1e-5 pu. The IEEE 14-bus
+// case also in a host program whose locale writes one half as "0,5" (the statements must
+// not), with the study's save-back and its report.
 
 #include "DbTest.h"
 #include "SampleNetwork.h"
 #include "Study.h"
+#include "StudyReport.h"
 #include "rtdb/rtdb.h"
 
 #include <Eigen/Sparse>
 #include <Eigen/SparseLU>
 #include <QFile>
-#include <QFileInfo>
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -24,15 +23,16 @@
 #include <QRegularExpression>
 #include <QSqlQuery>
 #include <QTemporaryDir>
+#include <QXmlStreamReader>
 #include <array>
 #include <clocale>
 #include <cmath>
 #include <complex>
 #include <functional>
-#include <cstdio>
 #include <map>
 #include <numeric>
 #include <tuple>
+#include <utility>
 
 namespace {
 
@@ -360,26 +360,70 @@ struct DecimalComma
     ~DecimalComma() { std::setlocale(LC_NUMERIC, "C"); }
 };
 
+// The cells of each table of the page by its id, and the pictures it shows; empty with
+// `error` set when the page is not well-formed.
+struct PageTables
+{
+    std::map<QString, std::vector<QStringList>> tables;
+    QStringList images;
+    QString error;
+};
+
+PageTables ReadPage(const QString& path)
+{
+    PageTables page;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        page.error = "cannot open " + path;
+        return page;
+    }
+    QXmlStreamReader xml(&file);
+    QString table;
+    bool newRow = false; // a row of the table's body starts with its first cell
+    while (!xml.atEnd()) {
+        xml.readNext();
+        if (xml.isStartElement() && xml.name() == u"table") {
+            table = xml.attributes().value("id").toString();
+        } else if (xml.isStartElement() && xml.name() == u"tr") {
+            newRow = true;
+        } else if (xml.isStartElement() && xml.name() == u"td") {
+            if (std::exchange(newRow, false)) {
+                page.tables[table].emplace_back();
+            }
+            page.tables[table].back() << xml.readElementText();
+        } else if (xml.isStartElement() && xml.name() == u"img") {
+            page.images << xml.attributes().value("src").toString();
+        }
+    }
+    if (xml.hasError()) {
+        page.error = xml.errorString();
+    }
+    return page;
+}
+
+int Pixels(const QImage& image, const QColor& colour)
+{
+    int n = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            n += image.pixelColor(x, y) == colour ? 1 : 0;
+        }
+    }
+    return n;
+}
+
 } // namespace
 
 class Exactness : public testsupport::DbTest
 {
 protected:
-    static void EmptyTables()
-    {
-        std::vector<QString> tables;
-        for (const std::string& t : Rows("SHOW TABLES")) {
-            tables.push_back(QString::fromStdString(t));
-        }
-        Truncate(tables);
-    }
-
-    // Runs the study on the network file in the suite's database, emptied first, compares,
-    // and hands the study, the network read and the reference to `more` for the checks of a
-    // case of its own. The reader must name what the file holds beyond the base tables as
-    // `notHeld` does, unless it is null.
+    // Runs the study on the network file (after `edit`, which leaves its solution as it is)
+    // in the suite's database, emptied first, compares, and hands the study, the network
+    // read and the reference to `more` for the checks of a case of its own. The reader must
+    // name what the file holds beyond the base tables as `notHeld` does, unless it is null.
     using More = std::function<void(demo::Study&, const samples::Network&, const Reference&)>;
-    void Check(const QString& path, const QStringList* notHeld = nullptr, const More& more = {})
+    void Check(const QString& path, const QStringList* notHeld = nullptr, const More& more = {},
+               const std::function<void(samples::Network&)>& edit = {})
     {
         SCOPED_TRACE(path.toStdString());
         const bool matpower = path.endsWith(".m");
@@ -391,7 +435,14 @@ protected:
                              : samples::ReadNetworkJson(path, net, error))
             << error.toStdString();
         EXPECT_EQ(told, notHeld ? *notHeld : told);
-        EmptyTables();
+        if (edit) {
+            edit(net);
+        }
+        std::vector<QString> tables;
+        for (const std::string& t : Rows("SHOW TABLES")) {
+            tables.push_back(QString::fromStdString(t));
+        }
+        Truncate(tables);
         dbDatabase rtdb;
         ASSERT_TRUE(rtdb.open("exactness"));
         demo::Study study(db(), &rtdb);
@@ -434,10 +485,6 @@ protected:
         EXPECT_EQ(branches, std::size_t(std::count_if(ref.branchNames.begin(), ref.branchNames.end(),
                                                       [](const QString& n) { return n[0] != 'Z'; })));
         EXPECT_LT(worstFlow, 1e-5);
-        std::printf("[ exactness ] %s: %zu buses, largest |dV| %.2e pu, |dAngle| %.2e deg; "
-                    "%zu branches, largest flow difference %.2e pu\n",
-                    qPrintable(QFileInfo(path).fileName()), buses, worstV, worstA, branches,
-                    worstFlow);
         if (more) {
             more(study, net, ref);
         }
@@ -484,15 +531,29 @@ TEST_F(Exactness, EveryBusAgreesWithAPlainNewtonRaphsonAndTheSolvedCaseReadsBack
 }
 
 // The save-back after the study: the mended statement mode runs to its end, taking a line out
-// and giving G2 10 % more; the faithful one stops at the transformers.
-TEST_F(Exactness, IeeeFourteenAgreesUnderADecimalCommaLocaleAndSavesBack)
+// and giving G2 10 % more; the faithful one stops at the transformers. Between the two, the
+// study's report with limits and ratings of the test's own: the page names every bus outside
+// its limits, ranks the branches as the result tables' flows do, is well-formed, and its
+// pictures carry each mark in its colour.
+TEST_F(Exactness, IeeeFourteenAgreesUnderADecimalCommaLocaleSavesBackAndReports)
 {
     DecimalComma comma;
     ASSERT_TRUE(comma.ok) << "no de_DE locale could be made (package locales)";
-    char half[16];
-    std::snprintf(half, sizeof half, "%.1f", 0.5);
-    ASSERT_STREQ(half, "0,5");
-    const More saveBack = [](demo::Study& study, const samples::Network&, const Reference&) {
+    // Published voltages: B6 1.07, B7 1.062, B8 1.09 lie above the file's Vmax of 1.06 and
+    // B1 sits on it; B14 (1.036) falls below a Vmin raised to 1.04; B2, held at 1.045,
+    // stands within rounding (1e-5 pu) of a Vmax lowered to 1.044995. Ratings: 200 MVA,
+    // but 60 for line L3 (73 MVA) and 40 for transformer T10 (46 MVA).
+    const auto limits = [](samples::Network& net) {
+        net.buses[13].vmin = 1.04;
+        net.buses[1].vmax = 1.044995;
+        for (samples::Branch& b : net.branches) {
+            b.rateMVA = 200;
+        }
+        net.branches[2].rateMVA = 60;
+        net.branches[9].rateMVA = 40;
+        ASSERT_TRUE(net.branches[9].transformer);
+    };
+    const More saveBack = [](demo::Study& study, const samples::Network& net, const Reference&) {
         const auto& n = study.counts();
         EXPECT_EQ((std::vector<int>{n.buses, n.lines, n.transformers, n.generators, n.shunts}),
                   (std::vector<int>{14, 17, 3, 5, 1}));
@@ -509,6 +570,49 @@ TEST_F(Exactness, IeeeFourteenAgreesUnderADecimalCommaLocaleAndSavesBack)
                         .toDouble(),
                     0.44, 1e-6);
         EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 1);
+
+        QTemporaryDir dir;
+        QString error;
+        const report::ReportInput in{&net, &study, db(), "NEW", {}};
+        ASSERT_TRUE(report::WriteStudyReport(dir.filePath("report"), in, error))
+            << error.toStdString();
+        const PageTables page = ReadPage(dir.filePath("report/report.html"));
+        ASSERT_TRUE(page.error.isEmpty()) << page.error.toStdString();
+        EXPECT_EQ(page.images.join(' ').toStdString(),
+                  "voltage_profile.png branch_loading.png generators.png");
+        // Every bus outside, the farthest first; B1 at its Vmax is not.
+        QStringList outside;
+        for (const QStringList& row : page.tables.at("outside-limits")) {
+            outside << row.value(0);
+        }
+        EXPECT_EQ(outside.join(' ').toStdString(), "B8 B6 B14 B7");
+        EXPECT_EQ(page.tables.at("outside-limits")[2].value(4).toStdString(),
+                  "below Vmin by 0.0045");
+        // Against the test's ratings L3 leads (the file's rateA, as the tables rate no line
+        // without a base voltage: 73.33 MVA of 60), then T10 (the tables' Rate_MVA).
+        const std::vector<QStringList>& loading = page.tables.at("loading-table");
+        ASSERT_EQ(loading.size(), 20u);
+        EXPECT_EQ(loading[0].value(0).toStdString(), "L3");
+        EXPECT_EQ(loading[0].value(6).toStdString(), "122.2") << "|73.24 + j3.56| / 60";
+        EXPECT_EQ(loading[1].value(0).toStdString(), "T10");
+        EXPECT_EQ(loading[2].value(6).toStdString(), "79.1") << "L1: 158.2 MVA of 200";
+        // Each mark in its colour: the curve and two dashed limit lines (each about 1,500
+        // pixels) across the plot, four crosses of about 50 pixels beside the legend's one; two
+        // bars over the rating; one output (G1's Q of -16.5 Mvar against Qmin 0) outside its
+        // limits.
+        const QImage profile(dir.filePath("report/voltage_profile.png"));
+        EXPECT_GT(Pixels(profile, report::colour::voltage), 1500);
+        EXPECT_GT(Pixels(profile, report::colour::limit), 2500);
+        EXPECT_GT(Pixels(profile, report::colour::outside), 5 * 45);
+        const QImage bars(dir.filePath("report/branch_loading.png"));
+        const int over = Pixels(bars, report::colour::overBar);
+        EXPECT_GT(over, 2 * 500);
+        EXPECT_GT(Pixels(bars, report::colour::bar), over) << "18 bars of 327 % in all, 2 of 236 %";
+        const QImage gens(dir.filePath("report/generators.png"));
+        EXPECT_GT(Pixels(gens, report::colour::output), 9 * 80);
+        EXPECT_NEAR(Pixels(gens, report::colour::overBar), 90, 10);
+        EXPECT_GT(Pixels(gens, report::colour::range), 10 * 100);
+
         // A second change takes the next line in service out; both are out against the base.
         ASSERT_TRUE(study.ChangeAndSaveBack("OLD", SaveStatementMode::Faithful));
         EXPECT_EQ(study.saveBackResult(), 1);
@@ -519,7 +623,7 @@ TEST_F(Exactness, IeeeFourteenAgreesUnderADecimalCommaLocaleAndSavesBack)
                   (std::vector<std::string>{second + "|0", line + "|0"}));
         EXPECT_EQ(Count("CDB_GENERATBAK WHERE GrpName='OLD'"), 0);
     };
-    Check(CALCDATA_SAMPLES_DIR "/ieee14.json", nullptr, saveBack);
+    Check(CALCDATA_SAMPLES_DIR "/ieee14.json", nullptr, saveBack, limits);
 }
 
 // A case of several thousand buses kept outside the repository, named by the variable
