@@ -679,11 +679,6 @@ TEST_F(Exactness, QuirksOfRealCaseFilesAreReadAsMatpowerReadsThem)
         {"a transformer written with ratio 0 between two base voltages",
          {{"0.98\t0\t1;", "0\t0\t1;"}}, {},
          "SELECT GROUP_CONCAT(ID_Name, ':', Tk) FROM CDB_TRANS_2WBAK", "T4:1"},
-        {"a negative reactance, series compensation, in ohms on 230 kV",
-         {{"%BUS%", "\t5\t1\t10\t0\t0\t0\t1\t1\t0\t230\t1\t1.1\t0.9;\n"},
-          {"%BRANCH%", "\t2\t5\t0.01\t0.12\t0.05\t0\t0\t0\t0\t0\t1;\n"
-                       "\t5\t3\t0\t-0.05\t0\t0\t0\t0\t0\t0\t1;\n"}},
-         {}, "SELECT X1 FROM CDB_ACLINEBAK WHERE ID_Name='L6'", "-26.45"},
         {"a branch of zero impedance, a closed breaker that joins its buses",
          {{"%BUS%", "\t5\t1\t10\t0\t0\t0\t2\t1\t0\t230\t2\t1.1\t0.9;\n"},
           {"%BRANCH%", "\t3\t5\t0\t0\t0.2\t0\t0\t0\t0\t0\t1;\n"}},
