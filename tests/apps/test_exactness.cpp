@@ -372,12 +372,8 @@ struct PageTables
 PageTables ReadPage(const QString& path)
 {
     PageTables page;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        page.error = "cannot open " + path;
-        return page;
-    }
-    QXmlStreamReader xml(&file);
+    QFile file(path); // a page that cannot be read is one that is not well-formed
+    QXmlStreamReader xml(file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());
     QString table;
     bool newRow = false; // a row of the table's body starts with its first cell
     while (!xml.atEnd()) {
