@@ -8,12 +8,10 @@
 #include "StudyOptions.h"
 #include "common/Session.h"
 
-#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSqlError>
 #include <QTemporaryDir>
 #include <cstdio>
 #include <thread>
