@@ -9,8 +9,7 @@
 //   ReadOnly      the transfer runs as a user with SELECT (and temporary tables) only
 //   Full          the table is moved to the MEMORY engine at its smallest size and filled
 //                 with rows of its own, so the server answers "The table ... is full";
-//                 Disarm puts it back into InnoDB with the rows it then holds, which on a
-//                 cluster reach every node
+//                 Disarm puts it back into InnoDB with the rows it then holds
 //
 // The lock is on the rows (a locking read of every row in an open transaction: writes
 // wait, plain reads pass) or on the whole table (LOCK TABLES ... WRITE: every statement

@@ -41,7 +41,7 @@ Snapshot Take(QSqlDatabase db, const std::vector<const char*>& tables)
 }
 
 static std::string ChangeText(const QString& table, const QString& element, const QString& column,
-                       const QString& before, const QString& after)
+                              const QString& before, const QString& after)
 {
     return QStringList{table.toUpper(), element, column.toLower(), before, after}
         .join('|')
