@@ -24,10 +24,9 @@ TEST(RunTimeFrame, SwitchedOffShowsNothingAndOnShowsTheLineAtLevelMinusOne)
     {
         CRunTimeLogT<true> frame("SaveLDataToBaseDB");
     }
-    const auto msgs = FeedbackRecorder::instance().messages();
-    ASSERT_EQ(msgs.size(), 1u);
-    EXPECT_EQ(msgs[0].level, -1);
-    EXPECT_EQ(msgs[0].text.rfind("函数SaveLDataToBaseDB运行时间为：0.", 0), 0u) << msgs[0].text;
+    const auto shown = FeedbackRecorder::instance().texts(-1);
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(shown[0].rfind("函数SaveLDataToBaseDB运行时间为：0.", 0), 0u) << shown[0];
 }
 
 TEST_F(DbTest, MultiInsertSendsFullBatchesAndTheRestOnExecAndDropsWhatWaitsOnAChangeOrFailure)
