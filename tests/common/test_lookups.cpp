@@ -1,5 +1,5 @@
 // The base-database, case and job-table lookups against the real tables, with the
-// names a user may type: quotes, overlong, non-ASCII, empty.
+// names a user may type: quotes, non-ASCII, empty.
 
 #include "DbTest.h"
 #include "common/BaseDbLookups.h"
