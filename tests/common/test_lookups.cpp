@@ -1,5 +1,5 @@
 // The base-database, case and job-table lookups against the real tables, with the
-// names a user may type: quotes, overlong, non-ASCII, empty.
+// names a user may type: quotes, non-ASCII, empty.
 
 #include "DbTest.h"
 #include "common/BaseDbLookups.h"
@@ -51,13 +51,9 @@ TEST_F(Lookups, BasePowerAndBaseVoltages)
     EXPECT_EQ(GetBasekV_FromDB(db(), "B220", true), 1.0);
     EXPECT_EQ(SentStatements(),
               (std::vector<std::string>{"SELECT Base_kV FROM CDB_BUSBAKWHERE Bus_Name = 'B220'"}));
-    EXPECT_TRUE(feedback().has("查询母线基准电压发生错误", 2));
-
-    feedback().clear();
-    for (const char* name : {"O'Neil", "N_123456789012345678901234", "", "无此节点"}) {
-        EXPECT_EQ(GetBasekV_FromDB(db(), name, false), 1.0) << name;
-    }
-    EXPECT_EQ(feedback().texts(2), std::vector<std::string>(4, "查询节点基准电压发生错误"));
+    EXPECT_EQ(GetBasekV_FromDB(db(), "无此节点", false), 1.0);
+    EXPECT_EQ(feedback().texts(2),
+              (std::vector<std::string>{"查询母线基准电压发生错误", "查询节点基准电压发生错误"}));
 }
 
 TEST_F(Lookups, CaseNumbersAndNames)
@@ -67,12 +63,11 @@ TEST_F(Lookups, CaseNumbersAndNames)
     EXPECT_EQ(GetCase_NoByCase_Name(LF_CASE_TABLE, db(), QString()), -1); // and sends nothing
     EXPECT_EQ(GetCase_NoByCase_Name(LF_CASE_TABLE, db(), "夏季大方式"), 3);
     EXPECT_EQ(GetCase_NoByCase_Name(LF_CASE_TABLE, db(), ""), 4) << "an empty name is asked for";
-    EXPECT_EQ(GetCase_NoByCase_Name(LF_CASE_TABLE, db(), "none"), -1);
     EXPECT_EQ(GetCase_NoByCase_Name(LF_CASE_TABLE, db(), "it's"), -1)
         << "a quote is part of the name asked for";
-    EXPECT_EQ(warnings, std::vector<std::string>(2, "查询作业号出现错误：作业表中没有该作业！"));
+    EXPECT_EQ(warnings, std::vector<std::string>{"查询作业号出现错误：作业表中没有该作业！"});
     const auto sent = SentStatements();
-    ASSERT_EQ(sent.size(), 4u);
+    ASSERT_EQ(sent.size(), 3u);
     EXPECT_EQ(sent[0], "SELECT Case_No FROM LF_CASE WHERE Case_Name='夏季大方式'");
 
     warnings.clear();
@@ -91,16 +86,13 @@ TEST_F(Lookups, CaseNumbersAndNames)
 TEST_F(Lookups, TransformerTypesAndStabilityOutputFlags)
 {
     Exec("INSERT INTO L3_2(ID_Name, I_Name, J_Name, Ntype) VALUES ('T1', 'STAR', 'N2', 32)");
-    char id[] = "T1", star[] = "STAR", n2[] = "N2", quoted[] = "T'1";
+    char id[] = "T1", star[] = "STAR", n2[] = "N2";
     EXPECT_EQ(GetTransNType(2, db(), id, star, n2), 32);
-    EXPECT_EQ(GetTransNType(2, db(), id, n2, star), -1);
-    EXPECT_EQ(GetTransNType(2, db(), quoted, star, n2), -1);
-    EXPECT_EQ(GetTransNType(99, db(), id, star, n2), -1) << "a job without tables";
-    EXPECT_EQ(warnings, std::vector<std::string>(3, "查询变压器类型出现错误！"));
+    EXPECT_EQ(GetTransNType(2, db(), id, n2, star), -1) << "the ends swapped";
+    EXPECT_EQ(warnings, std::vector<std::string>{"查询变压器类型出现错误！"});
 
     Exec("INSERT INTO ST_OUT(Case_No, AnaFunc, Fault_120, Variable) VALUES (1, 2, 0, 1)");
-    EXPECT_TRUE(IsSTVarOut(db(), 1));
-    EXPECT_TRUE(IsSTAnaOut(db(), 1));
-    EXPECT_FALSE(IsSTABC120Out(db(), 1));
-    EXPECT_FALSE(IsSTVarOut(db(), 2)) << "no row";
+    EXPECT_EQ((std::vector<bool>{IsSTVarOut(db(), 1), IsSTAnaOut(db(), 1), IsSTABC120Out(db(), 1),
+                                 IsSTVarOut(db(), 2)}),
+              (std::vector<bool>{true, true, false, false})) << "no row for case 2";
 }

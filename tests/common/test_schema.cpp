@@ -52,9 +52,6 @@ TEST_F(ServerSettings, TheSessionSetUpLeavesAModeThatAcceptsWhatAStrictServerRef
               (std::vector<std::string>{"N_123456789012345678|20|60"}));
     ASSERT_TRUE(Run("INSERT INTO L5_0(ID_Name, Pg) SELECT 'G0', 1/0"));
     EXPECT_EQ(Count("L5_0 WHERE ID_Name='G0' AND Pg IS NULL"), 1);
-
-    ASSERT_TRUE(Run("SET SESSION sql_mode=@@GLOBAL.sql_mode"));
-    EXPECT_TRUE(SetUpSession(db()).ok());
 }
 
 TEST_F(ServerSettings, TheSchemasSpellingOfATableNameGoesOutWhereTheServerComparesByCase)

@@ -1,17 +1,12 @@
 // The configuration file's parsers on any input, the first byte choosing which (one corpus,
 // corpus/fuzz_configfile, holds the inputs of all three):
-// 0: ParseString with any separators (the first bytes of the rest, at most nine of them
-//    kept) over any text: each token is non-empty and holds no separator, the tokens
-//    appear in the text in order, and a second, shorter run leaves the earlier tokens
-//    behind the count.
+// 0: ParseString with any separators (the first bytes of the rest) over any text.
 // 1: ParseString::mstrncpy with any length and any source: it copies a prefix of at most
 //    `length` bytes (none for a length of 0 or below), ends the target behind it, and when
 //    it drops a byte it is the last of the bytes walked, whose count of bytes other than
 //    0x80 was odd.
 // 2: Ccfgfile::loadConfig on any file content: the rest is written to a file of this
-//    process and loaded. What a load may give: no key or value with a blank at either end
-//    (both are trimmed), no '=' in a value (the value is the text between the first two
-//    separators); a load into a copy merges again, and the map can be saved.
+//    process and loaded.
 
 #include "FuzzCheck.h"
 #include "common/ConfigFile.h"

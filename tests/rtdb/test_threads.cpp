@@ -40,16 +40,12 @@ void Write(ln& r, int g, const std::string& text)
 
 } // namespace
 
-class Threads : public RtdbTest
-{};
-
-TEST_F(Threads, AReaderSeesOnlyCommittedStatesWhileAWriterCommitsAndRollsBack)
+TEST_F(RtdbTest, AReaderSeesOnlyCommittedStatesWhileAWriterCommitsAndRollsBack)
 {
     for (int k = 0; k < kRecords; ++k) {
         ln r;
         const std::string id = Id(k);
         r.id = id.c_str();
-        r.lntype = 1;
         r.Type = "0";
         Insert(r);
     }
@@ -84,7 +80,6 @@ TEST_F(Threads, AReaderSeesOnlyCommittedStatesWhileAWriterCommitsAndRollsBack)
             if (abandon) {
                 ln extra;
                 extra.id = "EXTRA";
-                extra.lntype = 1;
                 Write(extra, g, text);
                 rtdb().insertRecord(&ln::dbDescriptor, nullptr, &extra);
                 rtdb().rollback();
@@ -133,6 +128,5 @@ TEST_F(Threads, AReaderSeesOnlyCommittedStatesWhileAWriterCommitsAndRollsBack)
     do {
         EXPECT_EQ(Generation(*c), lastCommitted.load());
     } while (c.next());
-    EXPECT_EQ(lastCommitted.load(), kTransactions % 4 == 0 ? kTransactions - 1 : kTransactions);
     EXPECT_TRUE(errors().empty());
 }

@@ -38,11 +38,6 @@ void DbTest::TearDownTestSuite()
     s_db.reset();
 }
 
-QSqlDatabase DbTest::checker()
-{
-    return s_checker;
-}
-
 void DbTest::SetUp()
 {
     if (!s_failure.empty()) {
@@ -53,16 +48,6 @@ void DbTest::SetUp()
                      << s_failure;
     }
     InstallRecorders();
-}
-
-QSqlDatabase* DbTest::db()
-{
-    return s_db->db();
-}
-
-dbserver::ScratchDatabase& DbTest::scratch()
-{
-    return *s_db;
 }
 
 void DbTest::Exec(const QString& sql)

@@ -30,9 +30,9 @@ protected:
     // The suite's connection, as the library is given it. The helpers below run on a
     // second connection to the same database, so that the statement log of this one
     // holds what the library sent and nothing else.
-    static QSqlDatabase* db();
-    static QSqlDatabase checker();
-    static dbserver::ScratchDatabase& scratch();
+    static QSqlDatabase* db() { return s_db->db(); }
+    static QSqlDatabase checker() { return s_checker; }
+    static dbserver::ScratchDatabase& scratch() { return *s_db; }
 
     // Runs a statement; a failure fails the test with the server's text.
     static void Exec(const QString& sql);
@@ -42,7 +42,6 @@ protected:
     static int Count(const QString& from);
     // All rows of a query, columns joined by '|', for compact assertions.
     static std::vector<std::string> Rows(const QString& sql);
-    // Empties the named tables.
     static void Truncate(const std::vector<QString>& tables);
 
     // The statements this suite's connection sends, as the server logged them.
@@ -53,7 +52,6 @@ protected:
     static void StartStatementLog();
     static std::vector<std::string> SentStatements();
 
-    // Convenience views of the recorders.
     static FeedbackRecorder& feedback() { return FeedbackRecorder::instance(); }
     static BoxRecorder& boxes() { return BoxRecorder::instance(); }
 

@@ -31,11 +31,6 @@ FaultInjector::FaultInjector(dbserver::ScratchDatabase& scratch, QSqlDatabase* l
     m_user = QStringLiteral("ro_%1_%2").arg(::getpid()).arg(n);
 }
 
-FaultInjector::~FaultInjector()
-{
-    Disarm();
-}
-
 void FaultInjector::SetFiller(const QString& fill, const QString& unfill)
 {
     m_fill = fill;

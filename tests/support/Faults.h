@@ -9,8 +9,7 @@
 //   ReadOnly      the transfer runs as a user with SELECT (and temporary tables) only
 //   Full          the table is moved to the MEMORY engine at its smallest size and filled
 //                 with rows of its own, so the server answers "The table ... is full";
-//                 Disarm puts it back into InnoDB with the rows it then holds, which on a
-//                 cluster reach every node
+//                 Disarm puts it back into InnoDB with the rows it then holds
 //
 // The lock is on the rows (a locking read of every row in an open transaction: writes
 // wait, plain reads pass) or on the whole table (LOCK TABLES ... WRITE: every statement
@@ -43,7 +42,7 @@ public:
     // `library` is the connection the transfer normally runs on.
     FaultInjector(dbserver::ScratchDatabase& scratch, QSqlDatabase* library, Fault fault,
                   const QString& table, Hold hold = Hold::Rows);
-    ~FaultInjector();
+    ~FaultInjector() { Disarm(); }
     FaultInjector(const FaultInjector&) = delete;
     FaultInjector& operator=(const FaultInjector&) = delete;
 
@@ -51,19 +50,15 @@ public:
     // server refuses it), and the one that takes them out again.
     void SetFiller(const QString& fill, const QString& unfill);
 
-    // Readies the fault; the connection to give the transfer (the library's, or the
-    // read-only user's). Null with Error() set when the fault cannot be readied.
-    QSqlDatabase* Arm();
-    // Puts the table, the locks, the user and the library's connection back.
-    void Disarm();
     // Arms the fault, runs `transfer` on the connection to give it, disarms. A failure when
     // the fault could not be armed or never took effect.
     ::testing::AssertionResult Run(const std::function<void(QSqlDatabase*)>& transfer);
-    // Killed: whether the kill was done. The other faults: whether they were armed.
-    bool Struck() const { return m_struck; }
-    const QString& Error() const { return m_error; }
 
 private:
+    // The connection to give the transfer (the library's, or the read-only user's); null
+    // with m_error set when the fault cannot be readied.
+    QSqlDatabase* Arm();
+    void Disarm();
     bool run(QSqlDatabase& db, const QString& sql);
 
     dbserver::ScratchDatabase& m_scratch;
@@ -80,7 +75,7 @@ private:
     std::thread m_killer;
     std::atomic<bool> m_stop{false};
     std::atomic<bool> m_killed{false};
-    bool m_struck = false;
+    bool m_struck = false; // Killed: the kill was done; the other faults: they were armed
     bool m_armed = false;
 };
 

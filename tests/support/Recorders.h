@@ -63,7 +63,6 @@ public:
     void record(const char* text, int level) { Shown::record({text ? text : "", level}); }
 };
 
-// Every modal box.
 class BoxRecorder : public Shown<Box>
 {
 public:

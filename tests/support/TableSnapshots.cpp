@@ -40,8 +40,8 @@ Snapshot Take(QSqlDatabase db, const std::vector<const char*>& tables)
     return s;
 }
 
-std::string ChangeText(const QString& table, const QString& element, const QString& column,
-                       const QString& before, const QString& after)
+static std::string ChangeText(const QString& table, const QString& element, const QString& column,
+                              const QString& before, const QString& after)
 {
     return QStringList{table.toUpper(), element, column.toLower(), before, after}
         .join('|')

@@ -25,16 +25,12 @@ struct TableRow
 // table -> id -> row
 using Snapshot = std::map<QString, std::map<qlonglong, TableRow>>;
 
-// Every row of `tables`, read on `db`.
 Snapshot Take(QSqlDatabase db, const std::vector<const char*>& tables);
 
-// A change as "TABLE|element|column|before|after".
-std::string ChangeText(const QString& table, const QString& element, const QString& column,
-                       const QString& before, const QString& after);
 std::vector<std::string> Sorted(std::vector<std::string> v);
 
-// What a run wrote between two snapshots: the values that changed in rows that stood
-// before (as ChangeText), and the rows that did not stand before ("TABLE|name"), sorted.
+// What a run wrote between two snapshots, sorted: the values that changed in rows that
+// stood before ("TABLE|element|column|before|after"), the rows that did not ("TABLE|name").
 void Diff(const Snapshot& before, const Snapshot& after, std::vector<std::string>& changes,
           std::vector<std::string>& added);
 
@@ -52,8 +48,7 @@ std::map<std::string, std::string> Checksums(QSqlDatabase db, const QStringList&
 // Those of `tables` that stand on the connection `db` (temporary ones included).
 std::vector<std::string> TablesLeft(QSqlDatabase* db, const std::vector<const char*>& tables);
 
-// A preview's lists in Diff's form, sorted: its changes as ChangeText, its additions as
-// "TABLE|name".
+// A preview's lists in Diff's form, sorted.
 std::vector<std::string> PreviewChanges(const SaveBackPreview& p);
 std::vector<std::string> PreviewAdditions(const SaveBackPreview& p);
 // Messages as "level text", in order: a preview's, and those the library showed.
