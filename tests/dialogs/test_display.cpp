@@ -73,9 +73,7 @@ TEST(CurveCanvas, GridStepsAndTheScaleAreWholePixelsAndTicksAndTheScaleCountFrom
     QList<QLineF> lines;
     for (QGraphicsItem* item : canvas.Grid()) {
         lines << Line(item);
-        const QPen pen = static_cast<QGraphicsLineItem*>(item)->pen();
-        EXPECT_EQ(pen.color(), QColor(Qt::black));
-        EXPECT_EQ(pen.width(), 1);
+        EXPECT_EQ(static_cast<QGraphicsLineItem*>(item)->pen(), QPen(Qt::black, 1));
     }
     EXPECT_EQ(lines, (QList<QLineF>{{40, 260, 360, 260}, {40, 200, 360, 200}, {40, 140, 360, 140},
                                     {40, 80, 360, 80},   {40, 20, 360, 20},   {40, 20, 40, 260},
@@ -113,9 +111,7 @@ TEST(CurveCanvas, CurveSegmentsRedrawWithoutDoublingAndRefreshLeavesTheGrid)
     ASSERT_EQ(canvas.Curve().size(), 2) << "a redraw replaces the segments";
     EXPECT_EQ(Line(canvas.Curve()[0]), QLineF(200, 140, 40, 260)) << "list order, unsorted";
     EXPECT_EQ(Line(canvas.Curve()[1]), QLineF(40, 260, 360, 20));
-    const QPen pen = static_cast<QGraphicsLineItem*>(canvas.Curve()[0])->pen();
-    EXPECT_EQ(pen.color(), QColor(Qt::red));
-    EXPECT_EQ(pen.width(), 2);
+    EXPECT_EQ(static_cast<QGraphicsLineItem*>(canvas.Curve()[0])->pen(), QPen(Qt::red, 2));
 
     canvas.DrawCoordLines();
     const auto grid = canvas.Grid();
