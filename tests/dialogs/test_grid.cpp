@@ -244,12 +244,10 @@ TEST(CalDataGrid, UserEditsAreCheckedByColumnTypeAndCodeFillsAreNot)
 TEST(CalDataGrid, FieldInfoWidthsAndNames)
 {
     CDataTable table(2, 3);
-    table.setColumnWidth(1, 50);
     CFieldInfo field(&table);
     EXPECT_EQ(std::make_tuple(field.GetIndexPos(), field.GetColumnWidth(), field.IsPriKey()),
               std::make_tuple(-1, 1, false));
     field.SetIndexPos(1);
-    field.SetColumnWidth(50, true);
     field.SetColumnWidth(0, true);
     EXPECT_EQ(table.columnWidth(1), 1) << "1 is the floor";
     field.SetColumnWidth(50, false);
