@@ -16,7 +16,6 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
-#include <memory>
 
 using namespace dialogtest;
 using testsupport::BoxRecorder;
@@ -155,7 +154,7 @@ TEST_F(FindFixture, WholeCellsHiddenColumnsAndTheHistory)
 
 namespace {
 
-// A grid the way a module makes one: its own table name, columns and cells.
+// A grid the way a module makes one: its own table name, column types and cells.
 class TestGrid : public WinDlgRTDBCalData
 {
 public:
@@ -165,20 +164,15 @@ public:
     {
         table_CalData->setColumnCount(5);
         table_CalData->setHorizontalHeaderLabels({"整数", "实数", "不检查", "名称", "只读"});
-        for (int c = 0; c < 5; ++c) {
-            columns.push_back(std::make_unique<CFieldInfo>(table_CalData));
-            columns.back()->SetIndexPos(c);
-            columns.back()->SetColumnWidth(56, true);
-        }
         table_CalData->setColumnReadOnly(4, true);
         for (CalDataFieldInfo* f : fields) {
             m_pFieldList->append(f);
         }
         for (int c = 0; c < 5; ++c) {
             table_CalData->setText(0, c, QStringList({"12", "1.5", "7", "L1", "RO"})[c]);
+            table_CalData->setColumnWidth(c, 56);
         }
     }
-    std::vector<std::unique_ptr<CFieldInfo>> columns;
     CalDataFieldInfo integer{0, 1}, real{0, 2}, unchecked{1, 1};
     QList<CalDataFieldInfo*> fields{&integer, &real, &unchecked};
     const CHandleGraphInfo& Info() const { return m_GraphInfo; }
