@@ -90,7 +90,7 @@ TEST_F(FindFixture, ShortcutsToggleTheOptionsAndCtrlNSearchesWithThem)
     EXPECT_EQ(QPoint(table.currentRow(), table.currentColumn()), QPoint(2, 2));
 }
 
-TEST_F(FindFixture, SearchesFromTheCellAfterTheCurrentOneInEitherDirection)
+TEST_F(FindFixture, SearchesFromTheNextCellEitherWayWholeCellsHiddenColumnsAndTheHistory)
 {
     // Case ignored by default: the text is kept in upper case afterwards.
     EXPECT_EQ(FindFrom("abc", 0, 0), QPoint(0, 1));
@@ -110,12 +110,8 @@ TEST_F(FindFixture, SearchesFromTheCellAfterTheCurrentOneInEitherDirection)
     EXPECT_EQ(FindFrom("z", 2, 1), QPoint(2, 1));
     EXPECT_EQ(FindFrom("a0", 2, 2), QPoint(0, 0));
     EXPECT_EQ(FindFrom("nowhere", 1, 1), QPoint(-9, -9));
-}
 
-TEST_F(FindFixture, WholeCellsHiddenColumnsAndTheHistory)
-{
     dlg.checkBox_WholeWord->setChecked(true);
-    dlg.checkBox_Rotate->setChecked(true);
     EXPECT_EQ(FindFrom(" abc ", 0, 0), QPoint(1, 0)) << "ABC, not xABCy or abcd";
     // A hidden read-only column is passed over; hidden editable and visible read-only
     // columns are searched.
@@ -135,7 +131,7 @@ TEST_F(FindFixture, WholeCellsHiddenColumnsAndTheHistory)
     for (int k = 0; k < dlg.comboBox_Text->count(); ++k) {
         history << dlg.comboBox_Text->itemText(k);
     }
-    EXPECT_EQ(history, QStringList({" abc ", "abc", ""}));
+    EXPECT_EQ(history, QStringList({"abc", "a0", "z", "nowhere", " abc ", ""}));
     // Return in the box takes its text as the search text, and keeps it in the history.
     dlg.comboBox_Text->lineEdit()->clear();
     QTest::keyClicks(dlg.comboBox_Text->lineEdit(), "b1");
