@@ -101,12 +101,12 @@ TEST_F(SaveBack, ListsTheGroupsAndChecksTheNameOfTwentyBytesWhateverTheBoxShows)
 TEST_F(SaveBack, AFailedGroupQueryLetsEveryNamePassAndADeletionStopsAtTheFirstRefusedTable)
 {
     Exec("RENAME TABLE CDB_DATAGROUPBAK TO groups_away");
-    SaveBackDialog blind(db());
+    SaveBackDialog dlg(db());
     Exec("RENAME TABLE groups_away TO CDB_DATAGROUPBAK");
     EXPECT_EQ(feedback().texts(2),
               (std::vector<std::string>{"Fail to execute SQL: SELECT GrpName FROM CDB_DATAGROUPBAK "}));
-    EXPECT_EQ(blind.listBox_DataGroup->count(), 0);
-    EXPECT_TRUE(blind.IsNewDataGroupValid("G1"));
+    EXPECT_EQ(dlg.listBox_DataGroup->count(), 0);
+    EXPECT_TRUE(dlg.IsNewDataGroupValid("G1"));
     feedback().clear();
 
     Exec("INSERT INTO CDB_ACLINEBAK(GrpName,ID_Name) VALUES ('G1','L1'),('G1','L2'),('G9','L3')");
@@ -114,7 +114,6 @@ TEST_F(SaveBack, AFailedGroupQueryLetsEveryNamePassAndADeletionStopsAtTheFirstRe
     Exec("INSERT INTO CDB_SVCBAK(GrpName,ID_Name) VALUES ('G1','S1')");
     Exec("INSERT INTO CDB_TRANS_3WBAK(GrpName,ID_Name) VALUES ('组二','T1')");
     Exec("INSERT INTO CDB_ACLINEBAK(GrpName,ID_Name) VALUES ('组二','L4')");
-    SaveBackDialog dlg(db());
     StartStatementLog();
     // Not every table with groups is among those emptied: CDB_SVCBAK keeps S1.
     EXPECT_EQ(dlg.DelDBGroup("G1"), 4) << "the group row, two lines and a load";
