@@ -160,7 +160,7 @@ TEST_F(Choosers, ElementChooserLooksUpTheNodeAndStillClosesWhenTheLookupFails)
     EXPECT_EQ(noNode.GetNodeName(), "");
 }
 
-TEST_F(Choosers, CaseSearchFindsByPrefixAndGivesTheWholeName)
+TEST_F(Choosers, CaseSearchFindsByPrefixInTheLocalesOrderAndGivesTheWholeName)
 {
     Exec("INSERT INTO LF_CASE(Case_No,Case_Name) VALUES (0,'Aa0'),(1,'b1'),(2,'Abd'),(3,'Abc')");
     WinDlgCaseNoSearch dlg(db(), "LF_CASE");
@@ -185,22 +185,19 @@ TEST_F(Choosers, CaseSearchFindsByPrefixAndGivesTheWholeName)
     });
     ASSERT_EQ(dlg.exec(), QDialog::Accepted);
     EXPECT_EQ(dlg.GetCaseName(), "Abc");
-}
 
-// Under zh_CN the cases stand as that locale sorts them: Chinese first, in pinyin order, then
-// Latin letters with case ignored (Qt 6's own sort: upper case first, Chinese by code point),
-// and a typed prefix finds the first in that order.
-TEST_F(Choosers, CaseNamesStandInTheLocalesOrder)
-{
+    // Under zh_CN the cases stand as that locale sorts them: Chinese first, in pinyin order,
+    // then Latin letters with case ignored (Qt 6's own sort: upper case first, Chinese by code
+    // point), and a typed prefix finds the first in that order.
     const QLocale before;
     QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::China));
     // By code point 上 < 北 < 安; in pinyin 安 (an) < 北 (bei) < 上 (shang).
     Exec("INSERT INTO ST_CASE(Case_No,Case_Name) VALUES (1,'上海'),(2,'北京南'),(3,'ABE'),"
          "(6,'安庆'),(7,'Abd'),(10,'abc'),(12,'北京')");
-    WinDlgCaseNoSearch dlg(db(), "ST_CASE");
-    EXPECT_EQ(Texts(dlg.ListBox_ParNo), QStringList({"安庆", "北京", "北京南", "上海", "abc", "Abd", "ABE"}));
-    CommitText(dlg.LineEdit_ParNo, "北");
-    EXPECT_EQ(Current(dlg.ListBox_ParNo), "北京");
+    WinDlgCaseNoSearch cn(db(), "ST_CASE");
+    EXPECT_EQ(Texts(cn.ListBox_ParNo), QStringList({"安庆", "北京", "北京南", "上海", "abc", "Abd", "ABE"}));
+    CommitText(cn.LineEdit_ParNo, "北");
+    EXPECT_EQ(Current(cn.ListBox_ParNo), "北京");
     QLocale::setDefault(before);
 }
 
