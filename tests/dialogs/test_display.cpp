@@ -24,7 +24,6 @@ class Canvas : public CDlgCurveCanvas
 public:
     using CDlgCurveCanvas::AddCurveLegend;
     using CDlgCurveCanvas::CalculateX;
-    using CDlgCurveCanvas::CalculateY;
     using CDlgCurveCanvas::CDlgCurveCanvas;
     using CDlgCurveCanvas::DrawCurve;
     using CDlgCurveCanvas::Refresh;

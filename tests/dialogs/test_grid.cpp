@@ -37,11 +37,9 @@ struct FindFixture : ::testing::Test
     void SetUp() override
     {
         testsupport::InstallRecorders();
-        const char* cells[3][3] = {{"a0", "xABCy", "c0"}, {"ABC", "b1", "abcd"}, {"c2", "z", "abc"}};
-        for (int r = 0; r < 3; ++r) {
-            for (int c = 0; c < 3; ++c) {
-                table.setText(r, c, cells[r][c]);
-            }
+        const char* cells[] = {"a0", "xABCy", "c0", "ABC", "b1", "abcd", "c2", "z", "abc"};
+        for (int k = 0; k < 9; ++k) {
+            table.setText(k / 3, k % 3, cells[k]);
         }
         dlg.setTable(&table);
     }
@@ -179,9 +177,9 @@ void Edit(CDataTable* table, int row, int col, const QString& text)
 {
     ClickCell(table, row, col);
     QTest::keyClick(table, Qt::Key_F2);
-    QWidget* editor = QApplication::focusWidget();
-    ASSERT_TRUE(qobject_cast<QLineEdit*>(editor)) << "no editor opened";
-    static_cast<QLineEdit*>(editor)->selectAll();
+    auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    ASSERT_TRUE(editor) << "no editor opened";
+    editor->selectAll();
     QTest::keyClick(editor, Qt::Key_Backspace);
     QTest::keyClicks(editor, text);
     // The delegate commits and closes its editor from the event loop.
