@@ -89,9 +89,9 @@ TEST(CurveCanvas, GridStepsAndTheScaleAreWholePixelsAndTicksAndTheScaleCountFrom
     canvas.SetMaxMinValue(10, 10, 5, 0);
     canvas.SetXYLabels("", "V");
     canvas.DrawCoord();
-    EXPECT_EQ(canvas.Texts().mid(0, 4), (QStringList{" 0.0@30,265", " 1.7@136,265",
-                                                     " 3.3@242,265", " 5.0@348,265"}));
-    EXPECT_EQ(canvas.Texts().size(), 10);
+    EXPECT_EQ(canvas.Texts(), (QStringList{" 0.0@30,265", " 1.7@136,265", " 3.3@242,265",
+                                           " 5.0@348,265", " 0.0@10,255", " 2.5@10,195",
+                                           " 5.0@10,135", " 7.5@10,75", "10.0@10,15", "V@20,2"}));
     EXPECT_EQ(canvas.CalculateX(5.0), 360) << "(5 / 5) * 320 + 40: the minimum is not subtracted";
 }
 
