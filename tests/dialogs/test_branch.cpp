@@ -264,8 +264,8 @@ TEST_F(BranchChooser, ChineseNamesOfTenCharactersAreTypedAndKeptChosen)
     WhenShown(&dlg, [&] {
         // The name typed; the ends, the name and the other list shown after Return. The cut
         // node is no stored I side, so its list is empty; a name not found clears it all.
-        const QString typed[][2] = {{n[1], a + "|" + b + "|" + n[1] + "|" + b},
-                                    {n[2], c.left(10) + "|" + b + "|" + n[2] + "|"},
+        const QString typed[][2] = {{n[2], c.left(10) + "|" + b + "|" + n[2] + "|"},
+                                    {n[1], a + "|" + b + "|" + n[1] + "|" + b},
                                     {"十一个字的支路名称之乙", "|||"},
                                     {n[3], a + "|" + b + "|" + n[3] + "|" + b}};
         for (const auto& t : typed) {
