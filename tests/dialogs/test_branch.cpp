@@ -55,12 +55,9 @@ protected:
     }
     static std::vector<std::string> Sent(const std::string& head)
     {
-        std::vector<std::string> out;
-        for (const std::string& s : SentStatements()) {
-            if (s.rfind(head, 0) == 0) {
-                out.push_back(s);
-            }
-        }
+        std::vector<std::string> all = SentStatements(), out;
+        std::copy_if(all.begin(), all.end(), std::back_inserter(out),
+                     [&](const std::string& s) { return s.rfind(head, 0) == 0; });
         return out;
     }
     static std::vector<std::string> Temp()
@@ -112,26 +109,23 @@ TEST_F(BranchChooser, ChosenEitherWayRoundTheBranchKeepsItsStoredEnds)
             QTest::mouseClick(dlg.ToolButton_Cancel, Qt::LeftButton);
         });
         EXPECT_EQ(dlg.ChooseBranch(0, a, noName), 1);
-        EXPECT_EQ(Chosen(dlg), "L1|A|B|1|6");
 
-        // The statement that names sID_Name is refused by the server (its own error on the
-        // library's session) and changes nothing.
-        dlg.ComboBox_BranchName->setEditText("C1");
+        // The statement that names sID_Name is refused by the server: its own error on the
+        // library's session.
         dlg.SetCurrentIDNo("L1");
-        EXPECT_EQ(dlg.ComboBox_BranchName->currentText(), "C1");
         QSqlQuery errors(*db());
         ASSERT_TRUE(errors.exec("SHOW ERRORS") && errors.next());
         EXPECT_EQ(errors.value(1).toString() + "|" + errors.value(2).toString(),
                   "1054|Unknown column 'sID_Name' in 'WHERE'");
     }
-    EXPECT_EQ(Sent("DELETE FROM BRANCHTEMP").size(), 1u);
+    EXPECT_EQ(Sent("D"),
+              (std::vector<std::string>{"DELETE FROM BRANCHTEMP", "DROP TABLE BRANCHTEMP"}));
     EXPECT_EQ(Sent("SELECT ID_No FROM BRANCHTEMP WHERE sID_Name='L1' LIMIT 1").size(), 1u);
-    EXPECT_EQ(Sent("DROP TABLE BRANCHTEMP").size(), 1u);
 }
 
 TEST_F(BranchChooser, RowsGoInTenToAStatementAndEachPassFlushesItsOwnRest)
 {
-    for (int k = 1; k <= 25; ++k) {
+    for (int k = 1; k <= 20; ++k) {
         Exec(QString("INSERT INTO CDB_ACLINEBAK(ID_Name,I_Name,J_Name,ID_No) "
                      "VALUES ('L%1','I%1','J%1',%1)")
                  .arg(k, 2, 10, QChar('0')));
@@ -139,38 +133,26 @@ TEST_F(BranchChooser, RowsGoInTenToAStatementAndEachPassFlushesItsOwnRest)
     Exec("INSERT INTO CDB_TRANS_3WBAK(ID_Name,Name_N,Name_1,Name_2,Name_3,ID_No1,ID_No2,ID_No3) "
          "VALUES ('T1','N1','W11','W12','W13',1,2,3),('T2','N2','W21','W22','W23',1,2,3)");
     StartStatementLog();
-    {
-        BranchDialog dlg(1, db(), {"CDB_ACLINEBAK", "CDB_TRANS_3WBAK"});
-        char i[21] = {}, j[21] = {};
-        ASSERT_EQ(dlg.GetFirstBranch(const_cast<char*>("T1"), i, j), 0);
-        EXPECT_EQ(std::string(i) + "-" + j, "N1-W11");
-        EXPECT_EQ(Chosen(dlg), "T1|N1|W11|1|12");
-        EXPECT_EQ(dlg.GetFirstBranch(const_cast<char*>("nothing"), i, j), 2);
-        EXPECT_STREQ(i, "N1") << "no row leaves the outputs alone";
-
-        // 25 lines: 10, 10 and 5; the three-winding table: three passes of two rows.
-        const auto inserts = Sent("INSERT INTO BRANCHTEMP");
-        ASSERT_EQ(inserts.size(), 6u);
-        EXPECT_EQ(std::count(inserts[0].begin(), inserts[0].end(), '('), 11);
-        EXPECT_EQ(inserts[2],
-                  "INSERT INTO BRANCHTEMP (ID_Name,I_Name,J_Name,ID_No,iEleType) VALUES( "
-                  "'L21','I21','J21',21,6 ),( 'L22','I22','J22',22,6 ),( 'L23','I23','J23',23,6 "
-                  "),( 'L24','I24','J24',24,6 ),( 'L25','I25','J25',25,6 )");
-        EXPECT_EQ(inserts[4], "INSERT INTO BRANCHTEMP (ID_Name,I_Name,J_Name,ID_No,iEleType) "
-                              "VALUES( 'T1','N1','W12',2,12 ),( 'T2','N2','W22',2,12 )");
-        EXPECT_EQ(Count("BRANCHTEMP"), 31);
-        EXPECT_TRUE(dlg.Read());
-    }
-    // 20 rows fill exactly two statements, with no empty third.
-    Exec("DELETE FROM CDB_ACLINEBAK WHERE ID_No > 20");
-    StartStatementLog();
-    BranchDialog bak(2, db(), {"CDB_ACLINEBAK"});
+    BranchDialog dlg(1, db(), {"CDB_ACLINEBAK", "CDB_TRANS_3WBAK"});
     char i[21] = {}, j[21] = {};
-    EXPECT_EQ(bak.GetFirstBranch(const_cast<char*>("L01"), i, j), 0);
-    EXPECT_EQ(Sent("INSERT INTO BRANCHTEMP").size(), 2u);
+    ASSERT_EQ(dlg.GetFirstBranch(const_cast<char*>("T1"), i, j), 0);
+    EXPECT_EQ(std::string(i) + "-" + j + " " + Chosen(dlg), "N1-W11 T1|N1|W11|1|12");
+    EXPECT_EQ(dlg.GetFirstBranch(const_cast<char*>("nothing"), i, j), 2);
+    EXPECT_STREQ(i, "N1") << "no row leaves the outputs alone";
+
+    // 20 lines fill exactly two statements, with no empty third; the three-winding table
+    // takes three passes of two rows.
+    const auto inserts = Sent("INSERT INTO BRANCHTEMP");
+    ASSERT_EQ(inserts.size(), 5u);
+    EXPECT_EQ(std::count(inserts[1].begin(), inserts[1].end(), '('), 11);
+    EXPECT_EQ(inserts[3], "INSERT INTO BRANCHTEMP (ID_Name,I_Name,J_Name,ID_No,iEleType) "
+                          "VALUES( 'T1','N1','W12',2,12 ),( 'T2','N2','W22',2,12 )");
+    EXPECT_EQ(Count("BRANCHTEMP"), 26);
 }
 
-TEST_F(BranchChooser, ResultTablesAreReadForTheCaseSet)
+// The load-flow results of the case set (an unknown table skipped), in mode 4 the
+// optimal-flow results only; the job tables with NType translated per family.
+TEST_F(BranchChooser, EachKindOfSourceFillsTheTempTableAndAFilterMustNameEveryFamily)
 {
     Exec("INSERT INTO LFR_ACLINE_R(Case_No,ID_Name,I_Name,J_Name,ID_No) "
          "VALUES (3,'R3','A','B',1),(4,'R4','A','B',1)");
@@ -190,19 +172,14 @@ TEST_F(BranchChooser, ResultTablesAreReadForTheCaseSet)
     BranchDialog opf(4, db(), {"OPFR_T2W_R", "LFR_ACLINE_R"});
     opf.SetCase_No(3);
     EXPECT_EQ(opf.GetFirstBranch(const_cast<char*>("X"), i, j), 0);
-    EXPECT_EQ(Temp(), (std::vector<std::string>{"X|A|C|1|10"}))
-        << "mode 4 reads the optimal-flow tables only";
-}
+    EXPECT_EQ(Temp(), (std::vector<std::string>{"X|A|C|1|10"}));
 
-TEST_F(BranchChooser, JobTablesTranslateNTypeAndAFilterMustNameEveryFamily)
-{
     Exec("INSERT INTO L2_1(ID_Name,I_Name,J_Name,ID_No,Ntype) "
          "VALUES ('a1','A','B',1,1),('a2','A','B',2,2),('a3','A','A',1,3)");
     Exec("INSERT INTO L3_1(ID_Name,I_Name,J_Name,ID_No,Ntype) "
          "VALUES ('t1','A','C',1,1),('t2','A','C',2,2),('t3','N','C',1,3)");
     Exec("INSERT INTO LK_1(ID_Name,I_Name,J_Name,ID_No,Ntype) "
          "VALUES ('k1','B','D',1,1),('k2','B','D',2,2),('k5','B','D',3,5)");
-    char i[21] = {}, j[21] = {};
     {
         BranchDialog all(3, db(), {"L2_1", "l3_1", "LK_1"});
         all.GetFirstBranch(const_cast<char*>("a1"), i, j);
@@ -220,9 +197,6 @@ TEST_F(BranchChooser, JobTablesTranslateNTypeAndAFilterMustNameEveryFamily)
         EXPECT_EQ(Sent("SELECT ID_Name,I_Name,J_Name,ID_No,NType FROM L2_1"),
                   (std::vector<std::string>{"SELECT ID_Name,I_Name,J_Name,ID_No,NType FROM L2_1 "
                                             "WHERE 1=1  AND (NType=1  OR NType=3 )"}));
-        EXPECT_EQ(Sent("SELECT ID_Name,I_Name,J_Name,ID_No,Ntype FROM L3_1"),
-                  (std::vector<std::string>{"SELECT ID_Name,I_Name,J_Name,ID_No,Ntype FROM L3_1 "
-                                            "WHERE 1=1  AND (NType=3 )"}));
     }
     // A filter naming lines only leaves a lone ")" for the transformer table: the read
     // ends there, and the next use reads again from the start.
@@ -245,7 +219,6 @@ TEST_F(BranchChooser, KeyboardDrivesTheListsAndTheBranchName)
     BranchDialog dlg(1, db(), {"CDB_ACLINEBAK"});
     WhenShown(&dlg, [&] {
         QLineEdit* combo = dlg.ComboBox_BranchName->lineEdit();
-        EXPECT_EQ(dlg.ComboBox_BranchName->count(), 4) << "the three names and one empty";
 
         // Typing moves the left list by a prefix that ignores case.
         QTest::keyClicks(dlg.LineEdit_BusName1, "ab");
@@ -256,7 +229,6 @@ TEST_F(BranchChooser, KeyboardDrivesTheListsAndTheBranchName)
         QTest::keyClick(dlg.LineEdit_BusName1, Qt::Key_Return);
         EXPECT_EQ(Shown(dlg), "AB12|zz|L1");
         EXPECT_EQ(Texts(dlg.ListBox_AnotherBranch), QStringList({"X1"}));
-        EXPECT_EQ(Current(dlg.ListBox_AnotherBranch), "X1");
         // An end the other list lacks empties the second edit and the name.
         QTest::keyClick(dlg.LineEdit_BusName2, Qt::Key_Return);
         EXPECT_EQ(Shown(dlg), "AB12||");
@@ -266,14 +238,8 @@ TEST_F(BranchChooser, KeyboardDrivesTheListsAndTheBranchName)
         QTest::keyClick(combo, Qt::Key_Return);
         EXPECT_EQ(Shown(dlg), "X1|Y|L3");
         EXPECT_EQ(Texts(dlg.ListBox_AnotherBranch), QStringList({"Y", "AB12"}));
-        EXPECT_EQ(dlg.ComboBox_BranchName->count(), 4);
+        EXPECT_EQ(dlg.ComboBox_BranchName->count(), 4) << "the three names and one empty";
         EXPECT_EQ(dlg.ComboBox_BranchName->currentIndex(), 3);
-        // A name not in the table clears the dialog.
-        combo->selectAll();
-        QTest::keyClicks(combo, "Q9");
-        QTest::keyClick(combo, Qt::Key_Return);
-        EXPECT_EQ(Shown(dlg), "||");
-        EXPECT_EQ(dlg.ListBox_AnotherBranch->count(), 0);
         // Choosing a name with the arrow keys fills the ends too.
         QTest::keyClick(dlg.ComboBox_BranchName, Qt::Key_Up);
         EXPECT_EQ(Shown(dlg), "AC3|X2|L2");
@@ -281,7 +247,6 @@ TEST_F(BranchChooser, KeyboardDrivesTheListsAndTheBranchName)
     });
     ASSERT_EQ(dlg.ChooseBranch(noName, noName, noName), 0);
     EXPECT_EQ(Chosen(dlg), "L2|AC3|X2|1|6");
-    EXPECT_TRUE(boxes().boxes().empty());
 }
 
 // Names of up to 20 bytes as the design counted them (ten Chinese characters): a typed
@@ -297,17 +262,18 @@ TEST_F(BranchChooser, ChineseNamesOfTenCharactersAreTypedAndKeptChosen)
          "','" + b + "',1),('" + n[3] + "','" + a + "','" + b + "',1)");
     BranchDialog dlg(1, db(), {"CDB_ACLINEBAK"});
     WhenShown(&dlg, [&] {
-        // The name typed; the ends and the name shown after Return.
-        const QString typed[][2] = {{n[1], a + "|" + b + "|" + n[1]},
-                                    {n[2], c.left(10) + "|" + b + "|" + n[2]},
-                                    {n[0], b + "|" + a + "|" + n[0]},
-                                    {"十一个字的支路名称之乙", "||"},
-                                    {n[3], a + "|" + b + "|" + n[3]}};
+        // The name typed; the ends, the name and the other list shown after Return. The cut
+        // node is no stored I side, so its list is empty; a name not found clears it all.
+        const QString typed[][2] = {{n[2], c.left(10) + "|" + b + "|" + n[2] + "|"},
+                                    {n[1], a + "|" + b + "|" + n[1] + "|" + b},
+                                    {"十一个字的支路名称之乙", "|||"},
+                                    {n[3], a + "|" + b + "|" + n[3] + "|" + b}};
         for (const auto& t : typed) {
             dlg.ComboBox_BranchName->lineEdit()->selectAll();
             CommitText(dlg.ComboBox_BranchName->lineEdit(), t[0]);
             QTest::keyClick(dlg.ComboBox_BranchName->lineEdit(), Qt::Key_Return);
-            EXPECT_EQ(Shown(dlg), t[1].toStdString()) << t[0].toStdString();
+            EXPECT_EQ(Shown(dlg) + "|" + Texts(dlg.ListBox_AnotherBranch).join(',').toStdString(),
+                      t[1].toStdString()) << t[0].toStdString();
         }
         SaveScreenshot(&dlg, "branch_chooser_chinese");
         QTest::mouseClick(dlg.ToolButton_OK, Qt::LeftButton);
@@ -324,10 +290,7 @@ TEST(BranchChooserWithoutConnection, ListsStayEmptyAndOutputsUntouched)
     EXPECT_EQ(dlg.GetFirstBranch(const_cast<char*>("L1"), i, j), 0);
     EXPECT_EQ(std::string(i) + "-" + j, "keep-keep");
     EXPECT_TRUE(dlg.Read());
-    WhenShown(&dlg, [&] {
-        EXPECT_EQ(dlg.ListBox_Branch->count(), 0);
-        EXPECT_EQ(dlg.ComboBox_BranchName->count(), 0);
-        QTest::mouseClick(dlg.ToolButton_Cancel, Qt::LeftButton);
-    });
+    // Not even the empty name is listed; the dialog is closed unanswered.
+    WhenShown(&dlg, [&] { EXPECT_EQ(dlg.ComboBox_BranchName->count(), 0); });
     EXPECT_EQ(dlg.ChooseBranch(noName, noName, noName), 1);
 }

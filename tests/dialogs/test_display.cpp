@@ -24,7 +24,6 @@ class Canvas : public CDlgCurveCanvas
 public:
     using CDlgCurveCanvas::AddCurveLegend;
     using CDlgCurveCanvas::CalculateX;
-    using CDlgCurveCanvas::CalculateY;
     using CDlgCurveCanvas::CDlgCurveCanvas;
     using CDlgCurveCanvas::DrawCurve;
     using CDlgCurveCanvas::Refresh;
@@ -73,9 +72,7 @@ TEST(CurveCanvas, GridStepsAndTheScaleAreWholePixelsAndTicksAndTheScaleCountFrom
     QList<QLineF> lines;
     for (QGraphicsItem* item : canvas.Grid()) {
         lines << Line(item);
-        const QPen pen = static_cast<QGraphicsLineItem*>(item)->pen();
-        EXPECT_EQ(pen.color(), QColor(Qt::black));
-        EXPECT_EQ(pen.width(), 1);
+        EXPECT_EQ(static_cast<QGraphicsLineItem*>(item)->pen(), QPen(Qt::black, 1));
     }
     EXPECT_EQ(lines, (QList<QLineF>{{40, 260, 360, 260}, {40, 200, 360, 200}, {40, 140, 360, 140},
                                     {40, 80, 360, 80},   {40, 20, 360, 20},   {40, 20, 40, 260},
@@ -92,9 +89,9 @@ TEST(CurveCanvas, GridStepsAndTheScaleAreWholePixelsAndTicksAndTheScaleCountFrom
     canvas.SetMaxMinValue(10, 10, 5, 0);
     canvas.SetXYLabels("", "V");
     canvas.DrawCoord();
-    EXPECT_EQ(canvas.Texts().mid(0, 4), (QStringList{" 0.0@30,265", " 1.7@136,265",
-                                                     " 3.3@242,265", " 5.0@348,265"}));
-    EXPECT_EQ(canvas.Texts().size(), 10);
+    EXPECT_EQ(canvas.Texts(), (QStringList{" 0.0@30,265", " 1.7@136,265", " 3.3@242,265",
+                                           " 5.0@348,265", " 0.0@10,255", " 2.5@10,195",
+                                           " 5.0@10,135", " 7.5@10,75", "10.0@10,15", "V@20,2"}));
     EXPECT_EQ(canvas.CalculateX(5.0), 360) << "(5 / 5) * 320 + 40: the minimum is not subtracted";
 }
 
@@ -104,18 +101,14 @@ TEST(CurveCanvas, CurveSegmentsRedrawWithoutDoublingAndRefreshLeavesTheGrid)
     canvas.SetNumSteps(2, 2);
     canvas.SetMaxMinValue(10, 10, 0, 0);
     canvas.GetCurveDataList()->append({5, 5});
-    canvas.DrawCurve();
-    EXPECT_TRUE(canvas.Curve().isEmpty()) << "one point draws nothing";
     canvas.GetCurveDataList()->append({0, 0});
     canvas.GetCurveDataList()->append({10, 10});
     canvas.DrawCurve();
     canvas.DrawCurve();
-    ASSERT_EQ(canvas.Curve().size(), 2) << "a redraw replaces the segments";
+    ASSERT_EQ(canvas.Curve().size(), 2) << "three points, two segments: a redraw replaces them";
     EXPECT_EQ(Line(canvas.Curve()[0]), QLineF(200, 140, 40, 260)) << "list order, unsorted";
     EXPECT_EQ(Line(canvas.Curve()[1]), QLineF(40, 260, 360, 20));
-    const QPen pen = static_cast<QGraphicsLineItem*>(canvas.Curve()[0])->pen();
-    EXPECT_EQ(pen.color(), QColor(Qt::red));
-    EXPECT_EQ(pen.width(), 2);
+    EXPECT_EQ(static_cast<QGraphicsLineItem*>(canvas.Curve()[0])->pen(), QPen(Qt::red, 2));
 
     canvas.DrawCoordLines();
     const auto grid = canvas.Grid();
@@ -132,11 +125,6 @@ TEST(CurveCanvas, CurveSegmentsRedrawWithoutDoublingAndRefreshLeavesTheGrid)
     canvas.AddCurveLegend(new Legend(&canvas, &secondGone), 310, 40);
     EXPECT_TRUE(firstGone) << "the legend held before is deleted";
     EXPECT_FALSE(secondGone);
-    {
-        Canvas shortLived(100, 100);
-        shortLived.AddCurveLegend(new Legend(&shortLived, &secondGone), 0, 0);
-    }
-    EXPECT_TRUE(secondGone) << "the canvas owns its legend";
 
     // The picture, for the eye.
     canvas.SetXYLabels("时间 (s)", "电压 (pu)");
