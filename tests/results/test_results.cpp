@@ -346,11 +346,10 @@ TEST_F(Results, BreakerRowsCarryTheirFlowsUnderWholeChineseNames)
                       "4|华北电网十个字断路器|N1|华北电网十个字的母线|0.3|0.1|1.02",
                       "4|华北电网十个字的刀|华北电网十个字的母线|华北电网十个字的站乙|0.3|0.1|0.98",
                       "5|other case|||0|0|0"}));
-        ASSERT_EQ(boxes().boxes().size(), 2u);
+        EXPECT_EQ(boxes().boxes().size(), 2u);
         for (const auto& b : boxes().boxes()) {
-            EXPECT_TRUE(b.warning);
-            EXPECT_EQ(b.caption, "warning");
-            EXPECT_EQ(b.text, "导入开关结果数据失败");
+            EXPECT_EQ(std::make_tuple(b.warning, b.caption, b.text),
+                      std::make_tuple(true, QString("warning"), QString("导入开关结果数据失败")));
         }
         EXPECT_TRUE(feedback().texts(2).empty());
     }
