@@ -156,11 +156,6 @@ template <class T> std::string Slots(const T& r)
     }
     return out;
 }
-template <class T> std::string Slots(const char* id)
-{
-    return Slots(Fetch<T>(id));
-}
-const std::string E = "-";
 
 // Every record of the classes that shows a label, as "id: slots", sorted by id; a record
 // with no slot written is left out, so the list says too which records show nothing.
@@ -283,7 +278,7 @@ TEST_F(Labels, EveryFamilyShowsItsValuesPerUnitAndNamed)
     // stand for them), voltages times the base voltage of their own level, each bus's found
     // by its own name. N3's node has no level: the lookup says so and gives 1.
     EXPECT_TRUE(PrepareRTLabelLFRData(db(), &m_rtdb, LABEL_MODE_NAMED, false, false));
-    EXPECT_EQ(Slots<kv>("K220"), "2,1,224.4,0 | " + E);
+    EXPECT_EQ(Slots(Fetch<kv>("K220")), "2,1,224.4,0 | -");
     EXPECT_EQ(ShownOf<bus>(), (std::vector<std::string>{
                                   "N1: 2,1,224.4,0 | -", "N2: 2,1,0,0 | -", "N3: 2,1,1.05,0 | -",
                                   "N3\\: 2,1,110,0 | -", "a\\b: 2,1,220,0 | -",
@@ -291,8 +286,8 @@ TEST_F(Labels, EveryFamilyShowsItsValuesPerUnitAndNamed)
                                   "华北电网十个字的母线: 2,1,110,0 | -"}));
     EXPECT_EQ(feedback().texts(2),
               std::vector<std::string>{"无效的节点名，取基准电压值发生错误！"});
-    EXPECT_EQ(Slots<un>("G1"), "8,1,75,12.5 | " + E);
-    EXPECT_EQ(Slots<ln>("L4_ac"), "8,1,-200,-40 | 8,1,200,50 | 8,1,400,90");
+    EXPECT_EQ(Slots(Fetch<un>("G1")), "8,1,75,12.5 | -");
+    EXPECT_EQ(Slots(Fetch<ln>("L4_ac")), "8,1,-200,-40 | 8,1,200,50 | 8,1,400,90");
 }
 
 // Rows that name no family, no slot or no quantity of their family write nothing (and
@@ -361,7 +356,7 @@ TEST_F(Labels, ChangedRowsOnlyAndTheResetOfTheMarks)
     EXPECT_EQ(Count("RTLABELMAP WHERE MChanged = 1"), 3) << "the marks stay";
 
     EXPECT_TRUE(PrepareRTLabelLFRData(db(), &m_rtdb, 0, false, true));
-    EXPECT_EQ(Slots<ln>("L1_ac"), "8,1,0.5,0.1 | 8,1,-0.4,-0.05 | " + E);
+    EXPECT_EQ(Slots(Fetch<ln>("L1_ac")), "8,1,0.5,0.1 | 8,1,-0.4,-0.05 | -");
     EXPECT_EQ(Count("RTLABELMAP WHERE MChanged = 1"), 0) << "configuration 5 too";
     const std::string select =
         "SELECT Ele_OrderNo,Label_OrderNo,RT_No,Label_Type FROM RTLABELMAP WHERE LabelsConf_Num=4";
@@ -396,8 +391,8 @@ TEST_P(LabelFaults, TheRefreshKeepsTheLabelsItWroteAndEveryMarkItCouldNotReset)
     }
     m_rtdb.rollback();
     EXPECT_TRUE(feedback().messages().empty());
-    EXPECT_EQ(Show(Fetch<ln>("L1_ac").Slot[0]), f.labelled ? "8,1,0.5,0.1" : E);
-    EXPECT_EQ(Show(Fetch<un>("G1").Slot[0]), f.labelled ? "8,1,0.75,0.125" : E);
+    EXPECT_EQ(Show(Fetch<ln>("L1_ac").Slot[0]), f.labelled ? "8,1,0.5,0.1" : "-");
+    EXPECT_EQ(Show(Fetch<un>("G1").Slot[0]), f.labelled ? "8,1,0.75,0.125" : "-");
     EXPECT_EQ(Count("RTLABELMAP WHERE MChanged = 1"), 2) << "neither run resets the marks";
 }
 

@@ -16,7 +16,6 @@ using testsupport::Fetch;
 using testsupport::Hold;
 using testsupport::Put;
 
-// Job 1's tables emptied and a real-time database of records, per test.
 class JobTransfer : public testsupport::DbTest
 {
 protected:
