@@ -173,14 +173,23 @@ TEST_F(Results, TheSolutionGoesIntoTheTablesAndComesBack)
     EXPECT_TRUE(feedback().texts(2).empty());
 }
 
-TEST_F(Results, BusesAreRebuiltWithPlaceholdersThatNeverReachTheTables)
+// Stored results into the records and out again as another case: the buses rebuilt with
+// placeholders that never reach the tables, and a DC line's end sums.
+TEST_F(Results, BusesAreRebuiltWithPlaceholdersAndDcLineEndSumsAreDerived)
 {
     Level("K1");
     Put(bs()); // an old record, gone after the rebuild
+    dln d;
+    d.id = "DC1", d.I_Name = "N1", d.J_Name = "N2", d.Pj = 7.0f;
+    Put(d);
     m_rtdb.commit();
     Exec("DELETE FROM LFR_BS_R");
     Exec("INSERT INTO LFR_BS_R(Case_No, Bus_Name, V, Angle, ibs, ikv, iisland) VALUES "
          "(1,'X',1.01,-2,2,0,0),(1,'Y',0.99,-5,5,0,0)");
+    Exec("DELETE FROM LFR_DCLINE_R");
+    Exec("INSERT INTO LFR_DCLINE_R(Case_No, ID_Name, Owner, OP_Mode, Id10, Id20, Pd1i, Pd2i, "
+         "Pd1j, Pd2j, Qd1i, Qd2i, Qd1j, Qcjp, ibs, zbs) VALUES "
+         "(1,'DC1',3,1,1.5,0.5,100,0,-98,0,0.75,0.5,4,9.25,5,6)");
     // A stored physical bus without its record fails the bus family, first of all.
     Exec("DELETE FROM LFR_BUS_R");
     Exec("INSERT INTO LFR_BUS_R(Case_No, Bus_Name, V, Angle, ibs) VALUES (1,'NOBUS',1,0,2)");
@@ -198,12 +207,20 @@ TEST_F(Results, BusesAreRebuiltWithPlaceholdersThatNeverReachTheTables)
     } while (c.next());
     EXPECT_EQ(got, (std::vector<std::string>{"NULL0:-1", "NULL1:-1", "X:0", "NULL3:-1",
                                              "NULL4:-1", "Y:0"}));
+    const dln r = Fetch<dln>("DC1");
+    // Pi is written twice and keeps the J-end sum; Qi is -(Qd1i + Qd2i); Pj is written by
+    // nothing.
+    EXPECT_EQ(std::make_tuple(r.Pi, r.Qi, r.Pj, r.Qj, r.Ii, r.Qcjp, std::string(r.Owner), r.ibs),
+              std::make_tuple(-98.0f, -1.25f, 7.0f, 4.0f, 2.0f, 9.25, std::string("3"), 5));
 
-    // Back into the table as case 9: the placeholders stay out of it.
+    // Back into the tables as case 9: the placeholders stay out of them.
     CLFResultDataTransfer out9(9, db(), &m_rtdb, false, 0);
     EXPECT_EQ(out9.ImportRTDBDataToLFResultDB(), 0);
     EXPECT_EQ(Rows("SELECT Bus_Name, ibs, iisland FROM LFR_BS_R WHERE Case_No=9 ORDER BY ibs"),
               (std::vector<std::string>{"X|2|0", "Y|5|0"}));
+    EXPECT_EQ(Rows("SELECT ID_Name, Owner, OP_Mode, Pd1i, Pd1j, Qcjp, ibs, zbs FROM "
+                   "LFR_DCLINE_R WHERE Case_No=9"),
+              (std::vector<std::string>{"DC1|3|1|100|-98|9.25|5|6"}));
     m_rtdb.rollback();
     EXPECT_EQ(c.select(q), 0) << "the emptying was committed, the inserts were not";
 
@@ -213,32 +230,6 @@ TEST_F(Results, BusesAreRebuiltWithPlaceholdersThatNeverReachTheTables)
     EXPECT_EQ(out.ImportRTDBDataToLFResultDB(), 1);
     EXPECT_TRUE(feedback().has("实时库中没有母线数据", 2));
     EXPECT_EQ(Count("LFR_BS_R WHERE Case_No=1"), 2);
-}
-
-TEST_F(Results, DcLineEndSumsAreDerivedAsDesigned)
-{
-    dln d;
-    d.id = "DC1", d.I_Name = "N1", d.J_Name = "N2", d.Pj = 7.0f;
-    Put(d);
-    m_rtdb.commit();
-    Exec("DELETE FROM LFR_DCLINE_R");
-    Exec("INSERT INTO LFR_DCLINE_R(Case_No, ID_Name, Owner, OP_Mode, Id10, Id20, Pd1i, Pd2i, "
-         "Pd1j, Pd2j, Qd1i, Qd2i, Qd1j, Qcjp, ibs, zbs) VALUES "
-         "(2,'DC1',3,1,1.5,0.5,100,0,-98,0,0.75,0.5,4,9.25,5,6)");
-    CLFResultDataTransfer in(2, db(), &m_rtdb, false, 0);
-    in.ImportLFResultDataToRTDB();
-    const dln r = Fetch<dln>("DC1");
-    // Pi is written twice and keeps the J-end sum; Qi is -(Qd1i + Qd2i); Pj is written by
-    // nothing.
-    EXPECT_EQ(std::make_tuple(r.Pi, r.Qi, r.Pj, r.Qj, r.Ii, r.Qcjp, std::string(r.Owner), r.ibs),
-              std::make_tuple(-98.0f, -1.25f, 7.0f, 4.0f, 2.0f, 9.25, std::string("3"), 5));
-
-    Level("K");
-    CLFResultDataTransfer out(3, db(), &m_rtdb, false, 0);
-    EXPECT_EQ(out.ImportRTDBDataToLFResultDB(), 0);
-    EXPECT_EQ(Rows("SELECT ID_Name, Owner, OP_Mode, Pd1i, Pd1j, Qcjp, ibs, zbs FROM "
-                   "LFR_DCLINE_R WHERE Case_No=3"),
-              (std::vector<std::string>{"DC1|3|1|100|-98|9.25|5|6"}));
 }
 
 TEST(SwitchFlow, OnlyWhatReallyFlowsIntoANodeCounts)
