@@ -132,7 +132,7 @@ protected:
     dbDatabase m_rtdb;
 };
 
-TEST_F(Results, TheSolutionGoesIntoTheTablesAndComesBack)
+TEST_F(Results, TheSolutionGoesOutAndComesBackInEveryModeAndARefusedBatchCostsItsFamily)
 {
     SmallNetwork();
     m_rtdb.commit();
@@ -171,6 +171,38 @@ TEST_F(Results, TheSolutionGoesIntoTheTablesAndComesBack)
     EXPECT_EQ(std::make_tuple(Fetch<ln>("L1_ac").Pi, Fetch<ln>("L1_ac").ibs, Fetch<un>("G1").Qg),
               std::make_tuple(0.5f, 1, 0.125f));
     EXPECT_TRUE(feedback().texts(2).empty());
+
+    // An infinite power on the lines (L2 is dead, and writes no row): the live one's batch
+    // is refused, the driver goes on.
+    ChangeAll<ln>([](ln& r) { r.Pi = std::numeric_limits<float>::infinity(); });
+    ChangeAll<bs>([](bs& r) { r.ikv = r.id == 2 ? 7 : r.ikv; }); // 7: outside the levels
+    m_rtdb.commit();
+    CLFResultDataTransfer opt(5, db(), &m_rtdb, true, 0);
+    EXPECT_EQ(opt.ImportRTDBDataToLFResultDB(), 0);
+    EXPECT_EQ(feedback().texts(2), std::vector<std::string>{kXAcline});
+    EXPECT_EQ(Rows("SELECT Bus_Name, KV, Base_kV FROM OPFR_BS_R WHERE Case_No=5 ORDER BY "
+                   "Bus_Name"),
+              (std::vector<std::string>{"B0|K220|220", "B1|K220|220", "B2||0"}))
+        << "a level number outside the list gives an empty level";
+    EXPECT_EQ(Rows("SELECT ID_Name, Pg FROM OPFR_GEN_R WHERE Case_No=5"),
+              (std::vector<std::string>{"G1|0.75"}));
+
+    // Mode 2 brings values back and leaves the topology words alone; bs in place by id.
+    Exec("DELETE FROM LFR_GEN_R");
+    Exec("DELETE FROM LFR_BS_R");
+    Exec("INSERT INTO LFR_GEN_R(Case_No, ID_Name, Pg, Qg, ibs, q, topflags, Bus_Name) VALUES "
+         "(8, 'G1', 0.3, 0.2, 5, 99, 99, 'N1')");
+    Exec("INSERT INTO LFR_BS_R(Case_No, Bus_Name, V, Angle, ibs) VALUES (8, 'X', 0.97, -1, 1)");
+    CLFResultDataTransfer values(8, db(), &m_rtdb, false, 2);
+    EXPECT_EQ(values.ImportLFResultDataToRTDB(), 0);
+    const un g = Fetch<un>("G1");
+    EXPECT_EQ(std::make_tuple(g.Pg, g.ibs, g.q), std::make_tuple(0.3f, 1, 0u));
+    dbCursor<bs> b;
+    dbQuery q;
+    q = "id=", 1;
+    ASSERT_EQ(b.select(q), 1);
+    EXPECT_DOUBLE_EQ(b->V, 0.97);
+    EXPECT_STREQ(b->name, "B1") << "updated in place, not rebuilt";
 }
 
 // Stored results into the records and out again as another case: the buses rebuilt with
@@ -377,42 +409,6 @@ TEST_F(Results, ThreeWindingRowsFoldTheirWindingsAndSkipDeadTransformers)
                    "Rate_MVA2, P3, V3, z3bs, ibs FROM LFR_T3W_R WHERE Case_No=6"),
               (std::vector<std::string>{
                   "T1|NS|s|N1|1|0|0|0|0|1|0|0|0|0|100|2|0|4|N2|2|-0.5|0.25|1.02|200|0|1.03|4|1"}));
-}
-
-TEST_F(Results, OptimalAndValuesOnlyModesAndRowsTheServerRefuses)
-{
-    SmallNetwork();
-    // An infinite power on the lines (L2 is dead, and writes no row): the live one's batch
-    // is refused, the driver goes on.
-    ChangeAll<ln>([](ln& r) { r.Pi = std::numeric_limits<float>::infinity(); });
-    ChangeAll<bs>([](bs& r) { r.ikv = r.id == 2 ? 7 : r.ikv; }); // 7: outside the levels
-    m_rtdb.commit();
-    CLFResultDataTransfer opt(5, db(), &m_rtdb, true, 0);
-    EXPECT_EQ(opt.ImportRTDBDataToLFResultDB(), 0);
-    EXPECT_EQ(feedback().texts(2), std::vector<std::string>{kXAcline});
-    EXPECT_EQ(Rows("SELECT Bus_Name, KV, Base_kV FROM OPFR_BS_R WHERE Case_No=5 ORDER BY "
-                   "Bus_Name"),
-              (std::vector<std::string>{"B0|K220|220", "B1|K220|220", "B2||0"}))
-        << "a level number outside the list gives an empty level";
-    EXPECT_EQ(Rows("SELECT ID_Name, Pg FROM OPFR_GEN_R WHERE Case_No=5"),
-              (std::vector<std::string>{"G1|0.75"}));
-
-    // Mode 2 brings values back and leaves the topology words alone; bs in place by id.
-    Exec("DELETE FROM LFR_GEN_R");
-    Exec("DELETE FROM LFR_BS_R");
-    Exec("INSERT INTO LFR_GEN_R(Case_No, ID_Name, Pg, Qg, ibs, q, topflags, Bus_Name) VALUES "
-         "(8, 'G1', 0.3, 0.2, 5, 99, 99, 'N1')");
-    Exec("INSERT INTO LFR_BS_R(Case_No, Bus_Name, V, Angle, ibs) VALUES (8, 'X', 0.97, -1, 1)");
-    CLFResultDataTransfer values(8, db(), &m_rtdb, false, 2);
-    EXPECT_EQ(values.ImportLFResultDataToRTDB(), 0);
-    const un g = Fetch<un>("G1");
-    EXPECT_EQ(std::make_tuple(g.Pg, g.ibs, g.q), std::make_tuple(0.3f, 1, 0u));
-    dbCursor<bs> b;
-    dbQuery q;
-    q = "id=", 1;
-    ASSERT_EQ(b.select(q), 1);
-    EXPECT_DOUBLE_EQ(b->V, 0.97);
-    EXPECT_STREQ(b->name, "B1") << "updated in place, not rebuilt";
 }
 
 // Names from the records arrive whole: quotes and backslashes, and Chinese names of 20 bytes
