@@ -1,4 +1,4 @@
-// A load-flow job into the real-time records and back, invalidation, and both ways under
+// A load-flow job into the real-time records, invalidated, and back, and both ways under
 // server faults and with record names that hold quotes, backslashes and Chinese text.
 
 #include "DbTest.h"
@@ -43,7 +43,7 @@ protected:
     dbDatabase m_rtdb;
 };
 
-TEST_F(JobTransfer, ImportOverwritesInputsAndFlagsOfStandingRecords)
+TEST_F(JobTransfer, ImportOverwritesInputsAndFlagsOfStandingRecordsThatInvalidationTakesOut)
 {
     Put<nd>("N1", ND_OUTSERVICE);
     Put<ln>("L1_ac", LN_IOPEN);
@@ -56,6 +56,9 @@ TEST_F(JobTransfer, ImportOverwritesInputsAndFlagsOfStandingRecords)
     Put<ld>("D1");
     Put<cb>("K1_sw");
     Put<dln>("DC1");
+    bs b0;
+    b0.id = 0, b0.q = 77;
+    Put(b0);
     m_rtdb.commit();
 
     Exec("INSERT INTO L1_1 (Node_Name) VALUES ('N1'), ('N9')");
@@ -125,6 +128,20 @@ TEST_F(JobTransfer, ImportOverwritesInputsAndFlagsOfStandingRecords)
                                        "实时数据库中没有id为'N9'的节点数据！",
                                    }));
 
+    // Invalidation takes the records out of the job (their other bits stay) and forces the
+    // topology bits only when asked.
+    EXPECT_EQ(job.InValidateLFCalDataInRTDB(false), 0);
+    EXPECT_EQ(make_tuple(Fetch<ln>("L1_ac").q, Fetch<nd>("N1").q, Fetch<cb>("K1_sw").q,
+                         Fetch<ln>("L1_ac").topflags, Fetch<cb>("K1_sw").topflags),
+              make_tuple(LN_JOPEN | LN_OUTSERVICE, ND_OUTSERVICE, CB_OPEN | CB_OUTSERVICE, 0u, 0u));
+    EXPECT_EQ(job.InValidateLFCalDataInRTDB(true), 0);
+    EXPECT_EQ(make_tuple(Fetch<ln>("L1_ac").topflags, Fetch<un>("G1").topflags,
+                         Fetch<cb>("K1_sw").topflags),
+              make_tuple(LN_TOP_INVALID, UN_TOP_INVALID, CB_TOP_INVALID));
+    dbCursor<bs> b;
+    ASSERT_EQ(b.select(), 1);
+    EXPECT_EQ(b->q, 77) << "bs is not touched";
+
     // Nothing was committed: the caller's rollback takes it all back.
     m_rtdb.rollback();
     EXPECT_EQ(Fetch<nd>("N1").q, ND_OUTSERVICE);
@@ -172,30 +189,6 @@ TEST_F(JobTransfer, UpdateBackWritesStatesAndOperatingPointsWithTheExactStatemen
                   "UPDATE L2_1 SET Valid=1,I_Break=1,J_Break=1 WHERE ID_Name='C1' AND NType=3"}));
     EXPECT_TRUE(boxes().boxes().empty());
     EXPECT_TRUE(feedback().messages().empty());
-}
-
-TEST_F(JobTransfer, InvalidationClearsMarksAndForcesTopologyBitsOnlyWhenAsked)
-{
-    Put<ln>("L1_ac", LN_INJOB);
-    Put<cb>("K1_brk", CB_INJOB);
-    Put<nd>("N1", ND_INJOB);
-    Put<un>("G1", UN_INJOB);
-    bs b0;
-    b0.id = 0, b0.q = 77;
-    Put(b0);
-    CLFCalDataToRTDB job(1, db());
-    using std::make_tuple;
-    EXPECT_EQ(job.InValidateLFCalDataInRTDB(false), 0);
-    EXPECT_EQ(make_tuple(Fetch<ln>("L1_ac").q, Fetch<ln>("L1_ac").topflags, Fetch<nd>("N1").q,
-                         Fetch<cb>("K1_brk").q),
-              make_tuple(LN_OUTSERVICE, 0u, ND_OUTSERVICE, CB_OUTSERVICE));
-    EXPECT_EQ(job.InValidateLFCalDataInRTDB(true), 0);
-    EXPECT_EQ(make_tuple(Fetch<ln>("L1_ac").topflags, Fetch<un>("G1").topflags,
-                         Fetch<cb>("K1_brk").topflags),
-              make_tuple(LN_TOP_INVALID, UN_TOP_INVALID, CB_TOP_INVALID));
-    dbCursor<bs> b;
-    ASSERT_EQ(b.select(), 1);
-    EXPECT_EQ(b->q, 77) << "bs is not touched";
 }
 
 TEST_F(JobTransfer, OddJobRowsAreReportedOrTakenAsTheyStand)
