@@ -457,11 +457,6 @@ TEST_F(Results, RecordNamesArriveWholeAndACutOneCostsOnlyItsOwnTable)
 
 // ---- Results under server faults on the generators' result table, written and read ----
 
-template <class F> std::string FaultTestName(const ::testing::TestParamInfo<F>& info)
-{
-    return testsupport::FaultName(info.param.fault);
-}
-
 struct GenFault
 {
     Fault fault;
@@ -541,4 +536,6 @@ INSTANTIATE_TEST_SUITE_P(
         // reading is all the way back does.
         GenFault{Fault::ReadOnly, {kXAcline, kXPcr, kXGen, kXLoad, kXT2w}, 7, "0.5|0.75|0.5",
                  Hold::Rows, {}, true}),
-    FaultTestName<GenFault>);
+    [](const ::testing::TestParamInfo<GenFault>& info) {
+        return testsupport::FaultName(info.param.fault);
+    });
