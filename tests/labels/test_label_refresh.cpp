@@ -222,13 +222,38 @@ protected:
     dbDatabase m_rtdb;
 };
 
-TEST_F(Labels, EveryFamilyShowsItsValuesPerUnitAndNamed)
+TEST_F(Labels, OddRowsWriteNothingAndEveryFamilyShowsItsValuesPerUnitAndNamed)
 {
+    Network();
+    m_rtdb.commit();
+    // Rows that name no family, no slot or no quantity of their family write nothing (and
+    // leave the record whole: a slot past the last would land on its fields); 5 reads as 4
+    // and 9 as 8. A map whose numbers are stored as reals is read as the suite always read
+    // it: the fraction goes (8.6 is 8, not 9).
+    Exec("ALTER TABLE RTLABELMAP MODIFY Ele_OrderNo DOUBLE, MODIFY RT_No DOUBLE, "
+         "MODIFY Label_Type DOUBLE");
+    Map({{3, 0, 8}, {13, 0, 8}, {-1, 0, 8}, {6, 3, 8}, {6, -1, 8}, {1, 1, 8}, {10, 2, 10},
+         {11, 1, 15}, {9, 2, 15}, {6, 2, 10}, {5, 0, 0}, {9, 0, 8}});
+    Exec("INSERT INTO RTLABELMAP(Ele_OrderNo,RT_No,Label_Type,LabelsConf_Num) "
+         "VALUES (6.6,1.5,8.6,4)");
+    EXPECT_TRUE(PrepareRTLabelLFRData(db(), &m_rtdb, 0, false, false));
+    m_rtdb.rollback();
+    // Only the real row (family 6, slot 1, type 8: the AC lines' I end), 9 as 8 (the series
+    // element's I end in slot 0) and 5 as 4 (the shunts' slot 0) write; family 7 is not named.
+    EXPECT_EQ(Shown(), (std::vector<std::string>{
+                           "C1: 8,1,0,-0.05 | - | - | -", "C2: 8,1,0,0 | - | - | -",
+                           "L1_ac: - | 8,1,0.5,0.1 | -", "L2_ac: - | 8,1,0,0 | -",
+                           "L4_ac: - | 8,1,-2,-0.4 | -", "S1_sc: 8,1,0.2,0.02 | - | -"}));
+    const ln l1 = Fetch<ln>("L1_ac");
+    EXPECT_EQ(std::make_tuple(l1.lntype, l1.Qj), std::make_tuple(1, -0.08f));
+    Exec("ALTER TABLE RTLABELMAP MODIFY Ele_OrderNo INT DEFAULT 0, MODIFY RT_No INT DEFAULT 0, "
+         "MODIFY Label_Type INT DEFAULT 0");
+
+    Truncate({"RTLABELMAP"});
     Map({{0, 0, 0},   {1, 0, 0},   {2, 0, 0},   {4, 0, 0},   {6, 0, 8},   {6, 1, 9},
          {6, 2, 14},  {8, 0, 14},  {8, 1, 8},   {7, 0, 8},   {7, 1, 9},   {7, 2, 14},
          {10, 0, 8},  {10, 1, 14}, {11, 0, 9},  {12, 0, 8},  {12, 0, 10}, {12, 1, 9},
          {12, 2, 14}, {12, 2, 15}, {12, 2, 16}});
-    Network();
     EXPECT_TRUE(PrepareRTLabelLFRData(db(), &m_rtdb, 0, false, false));
     m_rtdb.rollback(); // what follows was committed by the refresh
 
@@ -287,34 +312,6 @@ TEST_F(Labels, EveryFamilyShowsItsValuesPerUnitAndNamed)
               std::vector<std::string>{"无效的节点名，取基准电压值发生错误！"});
     EXPECT_EQ(Slots(Fetch<un>("G1")), "8,1,75,12.5 | -");
     EXPECT_EQ(Slots(Fetch<ln>("L4_ac")), "8,1,-200,-40 | 8,1,200,50 | 8,1,400,90");
-}
-
-// Rows that name no family, no slot or no quantity of their family write nothing (and
-// leave the record whole: a slot past the last would land on its fields); 5 reads as 4 and
-// 9 as 8. A map whose numbers are stored as reals is read as the suite always read it:
-// the fraction goes (8.6 is 8, not 9).
-TEST_F(Labels, OddRowsWriteNothingAndRealNumbersLoseTheirFraction)
-{
-    Network();
-    m_rtdb.commit();
-    Exec("ALTER TABLE RTLABELMAP MODIFY Ele_OrderNo DOUBLE, MODIFY RT_No DOUBLE, "
-         "MODIFY Label_Type DOUBLE");
-    Map({{3, 0, 8}, {13, 0, 8}, {-1, 0, 8}, {6, 3, 8}, {6, -1, 8}, {1, 1, 8}, {10, 2, 10},
-         {11, 1, 15}, {9, 2, 15}, {6, 2, 10}, {5, 0, 0}, {9, 0, 8}});
-    Exec("INSERT INTO RTLABELMAP(Ele_OrderNo,RT_No,Label_Type,LabelsConf_Num) "
-         "VALUES (6.6,1.5,8.6,4)");
-    EXPECT_TRUE(PrepareRTLabelLFRData(db(), &m_rtdb, 0, false, false));
-    m_rtdb.rollback();
-    // Only the real row (family 6, slot 1, type 8: the AC lines' I end), 9 as 8 (the series
-    // element's I end in slot 0) and 5 as 4 (the shunts' slot 0) write; family 7 is not named.
-    EXPECT_EQ(Shown(), (std::vector<std::string>{
-                           "C1: 8,1,0,-0.05 | - | - | -", "C2: 8,1,0,0 | - | - | -",
-                           "L1_ac: - | 8,1,0.5,0.1 | -", "L2_ac: - | 8,1,0,0 | -",
-                           "L4_ac: - | 8,1,-2,-0.4 | -", "S1_sc: 8,1,0.2,0.02 | - | -"}));
-    const ln l1 = Fetch<ln>("L1_ac");
-    EXPECT_EQ(std::make_tuple(l1.lntype, l1.Qj), std::make_tuple(1, -0.08f));
-    Exec("ALTER TABLE RTLABELMAP MODIFY Ele_OrderNo INT DEFAULT 0, MODIFY RT_No INT DEFAULT 0, "
-         "MODIFY Label_Type INT DEFAULT 0");
 }
 
 TEST_F(Labels, DifferencesNeverShowAnExactZero)
