@@ -209,7 +209,6 @@ TEST_F(JobTransfer, OddJobRowsAreReportedOrTakenAsTheyStand)
     EXPECT_EQ(std::make_tuple(g.q, g.Pg), std::make_tuple(UN_INJOB, 0.2f));
     // On the way back the row no record names goes out of service.
     EXPECT_EQ(job.UpdateL5DataFromRTDB(), 0);
-    EXPECT_TRUE(boxes().boxes().empty());
     EXPECT_EQ(Rows("SELECT ID_Name, Valid FROM L5_1 ORDER BY Pg"),
               (std::vector<std::string>{"|0", "机组一二三四五六|1"}));
 }
