@@ -222,7 +222,7 @@ protected:
     dbDatabase m_rtdb;
 };
 
-TEST_F(Labels, OddRowsWriteNothingAndEveryFamilyShowsItsValuesPerUnitAndNamed)
+TEST_F(Labels, OddRowsWriteNothingRealsLoseTheirFractionEveryFamilyShowsPerUnitAndNamed)
 {
     Network();
     m_rtdb.commit();
