@@ -169,7 +169,7 @@ TEST_F(JobTransfer, UpdateBackWritesStatesAndOperatingPointsWithTheExactStatemen
     StartStatementLog();
     CLFCalDataToRTDB job(1, db());
     EXPECT_EQ(job.UpdateLDataFromRTDB(), 0);
-    // Every statement in order, each family's blanket one first (L2, X9, T9 and K2 stay at
+    // Every statement in order, each family's blanket one first (L2, X9, T9 and K2 end at
     // 0); the server's log keeps a statement without its trailing blank.
     EXPECT_EQ(SentStatements(),
               (std::vector<std::string>{
