@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <new>
+#include <tuple>
 
 namespace {
 
@@ -51,10 +52,8 @@ TEST(LabelsEleDataMap, NodesCompareByOrderThenNameAndCarryTheRest)
     EXPECT_TRUE(c < zh) << "byte-wise names: a multi-byte name sorts after ASCII";
 
     CMysqlEleDataNode def, copy(b);
-    EXPECT_EQ(def.Order, -1);
-    EXPECT_TRUE(def.Name.empty());
-    EXPECT_EQ(copy.Text[1], "q");
-    EXPECT_EQ(copy.Tag, 2);
+    EXPECT_EQ(std::make_tuple(def.Order, def.Name, copy.Text[1], copy.Tag),
+              std::make_tuple(-1, std::string(), std::string("q"), 2));
     // != goes through the virtual ==.
     struct AllEqual : CMysqlEleDataNode
     {
