@@ -3,6 +3,9 @@
 #include "RtdbTest.h"
 #include "common/Conversions.h"
 #include "common/RealtimeLookups.h"
+#include "common/TableTypes.h"
+
+#include <QStringList>
 
 using namespace dtsdb;
 using testsupport::RtdbTest;
@@ -63,15 +66,23 @@ TEST_F(RtdbTest, LookupsFindTheNodesBusAndLevelAndSayWhichStepFoundNothing)
 
 TEST(RealtimeIds, SuffixesByFamilyAndTableTypesByName)
 {
-    // Every family's suffix and the winding numbers 31 to 33 are the kit's test's; one below
-    // them gives the name alone.
-    EXPECT_EQ(GetNameInRealDB("X", 12, 0), "X");
-    EXPECT_EQ((std::vector<int>{TableNameToType("CDB_ACLINE"), TableNameToType("CDB_ISOSWITCH"),
-                                TableNameToType("CDB_PSTATIONBAK")}),
-              (std::vector<int>{102, 120, 117}));
-    // The suffix too is compared case-sensitively; the data-group table is passed to the flag,
-    // never looked up.
-    for (const char* other : {"CDB_ACLINEbak", "CDB_DATAGROUP", "CDB_AC", ""}) {
+    const std::pair<int, int> ids[] = {{6, 0}, {8, 0}, {10, 5}, {11, 0}, {12, 31}, {12, 33},
+                                       {12, 34}, {12, 0}, {13, 0}, {14, 0}, {4, 0}, {7, 0}};
+    QStringList got;
+    for (const auto& [type, sub] : ids) {
+        got << GetNameInRealDB("X", type, sub);
+    }
+    // A winding number out of range gives the name alone, as a shunt and a DC line have it.
+    EXPECT_EQ(got, QStringList({"X_ac", "X_sc", "X_2w", "X_sf", "X_3w1", "X_3w3", "X", "X",
+                                "X_brk", "X_sw", "X", "X"}));
+    EXPECT_EQ(TableNameToType("CDB_ACLINE"), 102);
+    EXPECT_EQ(TableNameToType("CDB_ACLINEBAK"), 102);
+    EXPECT_EQ(TableNameToType("CDB_NODEBAK"), CDB_TYPE_NODE);
+    EXPECT_EQ(TableNameToType("CDB_ISOSWITCH"), 120);
+    EXPECT_EQ(TableNameToType("CDB_PSTATIONBAK"), 117);
+    // Compared case-sensitively; the data-group table is passed to the flag, never looked up.
+    for (const char* other : {"cdb_acline", "CDB_ACLINEbak", "CDB_ACLINEBAKBAK", "CDB_DATAGROUP",
+                              "CDB_AC", ""}) {
         EXPECT_EQ(TableNameToType(other), -1) << other;
     }
 }
