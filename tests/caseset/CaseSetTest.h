@@ -20,10 +20,8 @@
 // The single families of the transfer, for tests that look at one step alone.
 struct CaseSetProbe
 {
-    static int Case(CSTCaseDataTransfer& t) { return t.ImportCase_STDataToRTDB(); }
     static int Faults(CSTCaseDataTransfer& t) { return t.ImportFAULTDataToRTDB(); }
     static int UserModels(CSTCaseDataTransfer& t) { return t.ImportUDCAL_STDataToRTDB(); }
-    static int UserPrograms(CSTCaseDataTransfer& t) { return t.ImportUPCAL_STDataToRTDB(); }
     static int Disturbances(CSTCaseDataTransfer& t) { return t.ImportDISTDataToRTDB(); }
 };
 
