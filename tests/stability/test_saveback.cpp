@@ -224,7 +224,6 @@ TEST_F(SaveBack, MendedRunIntoAGroupSavesEveryFamilyWithItsValues)
     EXPECT_EQ(Scalar("SELECT Gen_Model FROM CDB_GENERATBAK WHERE GrpName='NEW'"), "7");
     EXPECT_EQ(Scalar("SELECT Load_Model FROM CDB_LOADBAK WHERE GrpName='NEW'"), "4");
     EXPECT_EQ(Count("CDB_SVCBAK WHERE GrpName='NEW'"), 0);
-    // The source rows of group G stay as they were.
     EXPECT_DOUBLE_EQ(Base("CDB_ACLINEBAK", "R0", "L1"), 0.25);
     EXPECT_DOUBLE_EQ(Base("CDB_DCLINEBAK", "Tdo", "DC1"), 0.5);
 
