@@ -201,8 +201,8 @@ TEST_F(Disturbance, LoadRangesThroughTheWorkingTable)
     };
 
     // All loads of the load-flow case (-1): the second load breaks the UNIQUE on ID_Name,
-    // so the row fails with 3, writes nothing, and DT6 is dropped (each load below makes
-    // it anew, and a create on one left standing is refused).
+    // so the row fails with 3, writes nothing, and DT6 is dropped after it as after every
+    // row (dropped before each create too, so only the statement shows it).
     Inf(6, "ANY", "", -1);
     Load("ST_DIST_T6", t6, "(3,-1,1,'ALL','ANY','',0.7,0.2,0.3,0,0,1,2)");
     StartStatementLog();
