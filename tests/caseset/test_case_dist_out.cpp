@@ -22,24 +22,20 @@ std::string DistText(const stdist& d)
     return s.str();
 }
 
-std::vector<std::string> Disturbances()
-{
-    std::vector<std::string> out;
-    dbCursor<stdist> c;
-    if (c.select() > 0) {
-        do {
-            out.push_back(DistText(*c));
-            EXPECT_EQ(c->Valid, 1);
-        } while (c.next());
-    }
-    return out;
-}
-
 } // namespace
 
 class Disturbance : public CaseSetTest
 {
 protected:
+    static std::vector<std::string> Disturbances()
+    {
+        std::vector<std::string> out;
+        for (const stdist& d : All<stdist>()) {
+            out.push_back(DistText(d));
+            EXPECT_EQ(d.Valid, 1);
+        }
+        return out;
+    }
     static void Inf(int type, const char* bus, const char* id = "", int idNo = 0,
                     const char* i = "", const char* j = "", int valid = 1)
     {

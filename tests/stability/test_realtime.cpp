@@ -16,14 +16,6 @@ namespace {
 
 constexpr int kJob = 7;
 
-void PutSvc(const char* name, unsigned int q)
-{
-    svc r;
-    r.id_name = name;
-    r.q = q;
-    testsupport::Put(r);
-}
-
 // Values in the given order, each followed by a blank; an int as an integer (no fraction),
 // so that a swap or an int/real mix-up shows.
 std::string Joined(std::initializer_list<double> values)
@@ -68,9 +60,11 @@ protected:
         testsupport::Put<dln>("DC1");
         testsupport::Put<un>("G1");
         testsupport::Put<ld>("D1");
-        PutSvc("V0", 1 | 2 | 4);
-        for (const char* name : {"V1", "V2", "V3"}) {
-            PutSvc(name, 0);
+        for (const char* name : {"V0", "V1", "V2", "V3"}) {
+            svc r;
+            r.id_name = name;
+            r.q = std::string(name) == "V0" ? 1 | 2 | 4 : 0; // 2: out of service
+            testsupport::Put(r);
         }
         m_rtdb.commit();
         feedback().clear();
