@@ -2,7 +2,6 @@
 
 #include "CaseSetTest.h"
 
-#include <QStringList>
 #include <sstream>
 
 using namespace dtsdb;

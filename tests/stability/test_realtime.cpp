@@ -2,7 +2,6 @@
 
 #include "DbTest.h"
 #include "RecordAccess.h"
-#include "records/NetworkRecords.h"
 #include "records/RecordFlags.h"
 #include "stability/jobdata/STCalDataToRTDB.h"
 

@@ -3,7 +3,6 @@
 #include "Faults.h"
 #include "StabilityNetwork.h"
 #include "TableSnapshots.h"
-#include "common/Feedback.h"
 #include "common/RunGuard.h"
 #include "common/SaveBackStatements.h"
 #include "platform/CDatabase.h"
