@@ -56,8 +56,6 @@ TEST_F(Extraction, TheLoadFlowCaseSchemePicksTheRowsInPerUnitWithTheCounters)
               (std::vector<std::string>{"C1:3:N3:N3:1:0:20:0", "L1:1:N1:N2:1:0.25:0.75:0.02",
                                         "L2:1:N1:N3:2:0.01:0.1:0.0484",
                                         "S1:2:N1:N2:1:0.001:-0.2:0"}));
-    EXPECT_EQ(Scalar("SELECT EleID FROM S2_7 WHERE ID_Name='L2'"),
-              Scalar("SELECT ID FROM CDB_ACLINEBAK WHERE ID_Name='L2'"));
 
     // S3 as "ID_Name:Ntype:I_Name:J_Name:ID_No:ZCtype:R0:X0": zero-sequence connections coded,
     // T2 ("NO") left out; T3, P2 and W1 in ohms at 220 kV. A winding a row, from the star
