@@ -51,8 +51,7 @@ std::string CritText(const stcrit& k)
 
 } // namespace
 
-class CaseAndFaults : public CaseSetTest
-{};
+using CaseAndFaults = CaseSetTest;
 
 TEST_F(CaseAndFaults, EveryFieldOfCaseCriteriaAndFaultsCommittedAndASecondLoadDoublesBothCounts)
 {
@@ -230,8 +229,7 @@ TEST_F(CaseAndFaults, RunStateUpdateIsRefusedAsDesignedAndWritesWhenAskedFor)
     EXPECT_EQ(Rows("SELECT Calculate,UDOUT,CAL_DATE,CAL_TIME,UD_TIME,Nup FROM ST_CASE"),
               (std::vector<std::string>{"2|1|2024-06-02|12:00:00|35|6"}));
 }
-class UserModels : public CaseSetTest
-{};
+using UserModels = CaseSetTest;
 
 TEST_F(UserModels, ModelsAddTheirBusesAndTheProgramStepEmptiesThem)
 {
