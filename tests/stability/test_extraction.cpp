@@ -26,7 +26,6 @@ std::vector<std::string> Heads(const std::vector<std::string>& messages)
 class Extraction : public StabilityTest
 {
 protected:
-    // The job's element counters in ST_CASE.
     static std::string Counters()
     {
         const auto rows = Rows("SELECT CONCAT_WS('|', Nbus, Ngenerat, Nload, Nacline, Ndcline, "
