@@ -77,13 +77,10 @@ std::string CaseSetTest::Records()
 std::vector<std::string> CaseSetTest::BusesFrom(int firstId)
 {
     std::vector<std::string> out;
-    dbCursor<dtsdb::bs> c;
-    dbQuery q;
-    q = "id>=", firstId, "order by id";
-    if (c.select(q) > 0) {
-        do {
-            out.push_back(std::to_string(c->id) + ":" + c->name);
-        } while (c.next());
+    for (const dtsdb::bs& b : All<dtsdb::bs>()) {
+        if (b.id >= firstId) {
+            out.push_back(std::to_string(b.id) + ":" + b.name);
+        }
     }
     return out;
 }

@@ -20,10 +20,8 @@
 // The single families of the transfer, for tests that look at one step alone.
 struct CaseSetProbe
 {
-    static int Case(CSTCaseDataTransfer& t) { return t.ImportCase_STDataToRTDB(); }
     static int Faults(CSTCaseDataTransfer& t) { return t.ImportFAULTDataToRTDB(); }
     static int UserModels(CSTCaseDataTransfer& t) { return t.ImportUDCAL_STDataToRTDB(); }
-    static int UserPrograms(CSTCaseDataTransfer& t) { return t.ImportUPCAL_STDataToRTDB(); }
     static int Disturbances(CSTCaseDataTransfer& t) { return t.ImportDISTDataToRTDB(); }
 };
 
@@ -58,7 +56,7 @@ protected:
     // other kinds, st_out's AnaFunc (or the count), the case record's Nfault/Ndist ("-"
     // without a record).
     static std::string Records();
-    // Names of the bs records from `firstId` on, "id:name", in id order.
+    // Names of the bs records from `firstId` on, "id:name", in the order they were added.
     static std::vector<std::string> BusesFrom(int firstId);
     int lastBus() const { return m_lastBus; }
 

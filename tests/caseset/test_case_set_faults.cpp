@@ -138,11 +138,5 @@ INSTANTIATE_TEST_SUITE_P(
         SetUpFault{"CaseTable", Fault::MissingTable, "ST_CASE",
                    {"查询暂稳基于的潮流作业发生错误！", kFlag, kFlag, kCaseQuery, kFlag,
                     kCountUpdate, kCaseQuery, "ImportCase_STDataToRTDB"},
-                   "crit L1|fault 0|dist 0|out 2|var 1|gi 1|grp 1|case -"},
-        // The connection killed while it waits on the fault table: every statement after
-        // it is refused too.
-        SetUpFault{"Killed", Fault::Killed, "ST_FAULT",
-                   {kFaultQuery, kFlag, kCaseQuery, kFlag, kFlag, kFlag, kFlag, kFlag, kCountUpdate,
-                    kCaseQuery, "ImportCase_STDataToRTDB"},
-                   "crit L1|fault 0|dist 0|out 9|var 0|gi 0|grp 0|case -"}),
+                   "crit L1|fault 0|dist 0|out 2|var 1|gi 1|grp 1|case -"}),
     [](const ::testing::TestParamInfo<SetUpFault>& info) { return info.param.name; });

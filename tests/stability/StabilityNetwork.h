@@ -27,7 +27,6 @@ class StabilityTest : public testsupport::DbTest
 {
 protected:
     void SetUp() override;
-    static double Value(const QString& sql) { return Scalar(sql).toDouble(); }
     // The statement sent by the library that starts with `head`, or "" when none did.
     static std::string SentStartingWith(const std::string& head);
 };
