@@ -58,8 +58,6 @@ TEST_F(SaveBackOptions, APreviewIntoAGroupListsTheCopiesTheRowsItHoldsAndTheSwit
             << c.family.toStdString() << ' ' << c.element.toStdString();
     }
     ASSERT_EQ(held.changes.size(), 1u);
-    EXPECT_EQ(held.changes[0].element, "GU");
-    EXPECT_DOUBLE_EQ(held.changes[0].baseValue.toDouble(), 60.0);
     EXPECT_EQ(PreviewChanges(held), changes);
     EXPECT_EQ(preview.ChangedElements(), 12) << "the group's row is GU again";
     std::set<std::string> expected(copies);

