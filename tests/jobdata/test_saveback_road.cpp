@@ -23,7 +23,6 @@ TEST_F(SaveBackRoad, MendedInPlaceRunsEveryFamilyAndTheDriversEndAsItsPreviewSai
     job.SetStatementMode(SaveStatementMode::Mended);
     const SaveBackPreview preview = job.PreviewLDataToBaseDB("NEW", false);
     EXPECT_EQ(preview.result, 0) << preview.Report().toStdString();
-    EXPECT_TRUE(preview.refused.isEmpty());
     EXPECT_EQ(Checksums(), sums) << "no table of the database changed";
     EXPECT_TRUE(m_base.ModifiedTableTypes().empty()) << "no flag raised";
     EXPECT_TRUE(feedback().messages().empty()) << "the save-back's messages are kept, not shown";
@@ -116,8 +115,6 @@ TEST_F(SaveBackRoad, MendedIntoANewGroupCopiesEveryFamilyAndLeavesTheBaseRowsAsA
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
     job.SetStatementMode(SaveStatementMode::Mended);
     EXPECT_EQ(job.SaveLDataToBaseDB("NEW", true), 0);
-    EXPECT_EQ(feedback().texts(1)[11], "回存变化元件总数：13");
-    EXPECT_EQ(feedback().texts(2), OrphanWarnings("NEW"));
 
     // Each changed element: its base row as it was, a copy with the new values in the group,
     // in the base row's unit, with the columns a job does not carry copied where the copy
