@@ -58,7 +58,6 @@ TEST_F(Extraction, IeeeFourteenGivesItsCountsAndBadInputOrFailingTablesTheDesign
     };
     const std::string before = baseRows();
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
-    EXPECT_DOUBLE_EQ(job.BasePower(), 100.0);
     EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
 
     // 20 branches: 17 lines and 3 transformers; bus 9's capacitor is a shunt row of L2;
