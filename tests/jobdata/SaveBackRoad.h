@@ -65,11 +65,6 @@ protected:
     {
         return testsupport::Checksums(checker(), testsupport::TablesLike(checker(), "%"));
     }
-    static int InTransaction()
-    {
-        QSqlQuery q(*db());
-        return q.exec("SELECT @@in_transaction") && q.next() ? q.value(0).toInt() : -1;
-    }
 
     void SetUp() override
     {
