@@ -57,11 +57,6 @@ struct ExtractionFault
     std::vector<std::string> marked; // job tables the run left alone
 };
 
-void PrintTo(const ExtractionFault& f, std::ostream* os)
-{
-    *os << testsupport::FaultName(f.fault);
-}
-
 // On the save-back's network, extracted, with a marker row in every job table.
 class ExtractionFaults : public SaveBackRoad, public ::testing::WithParamInterface<ExtractionFault>
 {
@@ -147,11 +142,6 @@ struct SaveBackFault
     const char* copies;                // the group's rows of lines / shunts / breakers
     std::vector<int> flags;
 };
-
-void PrintTo(const SaveBackFault& f, std::ostream* os)
-{
-    *os << f.name;
-}
 
 class SaveBackFaults : public SaveBackRoad, public ::testing::WithParamInterface<SaveBackFault>
 {
