@@ -51,10 +51,6 @@ protected:
             QSqlQuery(*db).exec(QString("DROP TEMPORARY TABLE IF EXISTS %1").arg(t));
         }
     }
-    static testsupport::Snapshot TakeWorkingCopies()
-    {
-        return testsupport::Take(checker(), kWorkingCopies);
-    }
     // The save-back's work tables that stand on the library's connection.
     static std::vector<std::string> TablesLeft()
     {

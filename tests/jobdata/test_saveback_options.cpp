@@ -31,7 +31,7 @@ TEST_F(SaveBackOptions, APreviewIntoAGroupListsTheCopiesTheRowsItHoldsAndTheSwit
     Exec("UPDATE L5_0 SET Pg=0.6 WHERE ID_Name='GU'"); // 60 MW into the group first
     ASSERT_EQ(job.SaveLDataToBaseDB(group, true), 0);
     ChangeEveryFamily(); // GU to 50.0002 MW
-    const Snapshot before = TakeWorkingCopies();
+    const Snapshot before = Take(checker(), kWorkingCopies);
     m_base.ClearModifiedTableTypes();
     feedback().clear();
 
@@ -43,7 +43,7 @@ TEST_F(SaveBackOptions, APreviewIntoAGroupListsTheCopiesTheRowsItHoldsAndTheSwit
 
     // What stood and changed is the group's earlier copy of GU, as the preview said.
     std::vector<std::string> changes, added;
-    Diff(before, TakeWorkingCopies(), changes, added);
+    Diff(before, Take(checker(), kWorkingCopies), changes, added);
     SaveBackPreview held;
     std::set<std::string> copies;
     for (const SaveBackChange& c : preview.changes) {

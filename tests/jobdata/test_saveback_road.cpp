@@ -17,7 +17,7 @@ using namespace testsupport;
 TEST_F(SaveBackRoad, MendedInPlaceRunsEveryFamilyAndTheDriversEndAsItsPreviewSaid)
 {
     ChangeEveryFamily();
-    const Snapshot before = TakeWorkingCopies();
+    const Snapshot before = Take(checker(), kWorkingCopies);
     const auto sums = Checksums();
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
     job.SetStatementMode(SaveStatementMode::Mended);
@@ -51,7 +51,7 @@ TEST_F(SaveBackRoad, MendedInPlaceRunsEveryFamilyAndTheDriversEndAsItsPreviewSai
 
     EXPECT_EQ(job.SaveLDataToBaseDB("NEW", false), 0);
     std::vector<std::string> changes, added; // the preview's rows are the rows written
-    Diff(before, TakeWorkingCopies(), changes, added);
+    Diff(before, Take(checker(), kWorkingCopies), changes, added);
     EXPECT_EQ(PreviewChanges(preview), changes);
     EXPECT_EQ(PreviewAdditions(preview), added);
     EXPECT_EQ(preview.flags, m_base.ModifiedTableTypes());
@@ -162,7 +162,7 @@ TEST_F(SaveBackRoad, MendedIntoANewGroupCopiesEveryFamilyAndLeavesTheBaseRowsAsA
 TEST_F(SaveBackRoad, TheFaithfulDefaultStopsWhereTheServerRefusesTheDesignsTextAsItsPreviewSays)
 {
     ChangeEveryFamily();
-    const testsupport::Snapshot before = TakeWorkingCopies();
+    const testsupport::Snapshot before = Take(checker(), kWorkingCopies);
     CLFCalDataTransfer job(0, kScheme, db(), &m_base);
     const SaveBackPreview preview = job.PreviewLDataToBaseDB("NEW", false);
     EXPECT_EQ(preview.result, 1);
@@ -188,7 +188,7 @@ TEST_F(SaveBackRoad, TheFaithfulDefaultStopsWhereTheServerRefusesTheDesignsTextA
     EXPECT_EQ(TablesLeft(), std::vector<std::string>{"T2W"})
         << "the save-back's, as designed";
     std::vector<std::string> changes, added;
-    testsupport::Diff(before, TakeWorkingCopies(), changes, added);
+    testsupport::Diff(before, Take(checker(), kWorkingCopies), changes, added);
     EXPECT_EQ(testsupport::PreviewChanges(preview), changes) << "the three families before";
     EXPECT_EQ(testsupport::PreviewAdditions(preview), added);
     EXPECT_EQ(preview.flags, m_base.ModifiedTableTypes());
