@@ -51,10 +51,6 @@ protected:
             QSqlQuery(*db).exec(QString("DROP TEMPORARY TABLE IF EXISTS %1").arg(t));
         }
     }
-    static testsupport::Snapshot TakeWorkingCopies()
-    {
-        return testsupport::Take(checker(), kWorkingCopies);
-    }
     // The save-back's work tables that stand on the library's connection.
     static std::vector<std::string> TablesLeft()
     {
@@ -64,11 +60,6 @@ protected:
     static std::map<std::string, std::string> Checksums()
     {
         return testsupport::Checksums(checker(), testsupport::TablesLike(checker(), "%"));
-    }
-    static int InTransaction()
-    {
-        QSqlQuery q(*db());
-        return q.exec("SELECT @@in_transaction") && q.next() ? q.value(0).toInt() : -1;
     }
 
     void SetUp() override

@@ -128,15 +128,6 @@ TEST_F(ClusterSaveBack, ALineChangedThroughNode2DuringAWholeRunUndoesItOnEveryNo
         // Node 2's change stands; the generator, saved after the line, is not.
         EXPECT_EQ(LineAndGenerator(n), std::make_pair(0.5, 50.0)) << "node " << n;
     }
-
-    // The next run saves both, over node 2's value.
-    CLFCalDataTransfer again(0, kScheme, db(), &m_base);
-    again.SetStatementMode(SaveStatementMode::Mended);
-    again.SetAllOrNothing(true);
-    EXPECT_EQ(again.SaveLDataToBaseDB("G1", false), 0);
-    const auto saved = LineAndGenerator(3);
-    EXPECT_NEAR(saved.first, 0.01938 + 0.00011, 1e-12);
-    EXPECT_NEAR(saved.second, 50.0002, 1e-9);
 }
 
 TEST_F(ClusterSaveBack, Node1StoppedDuringAWholeRunLeavesNoneOfItAndRejoins)

@@ -57,11 +57,6 @@ struct ExtractionFault
     std::vector<std::string> marked; // job tables the run left alone
 };
 
-void PrintTo(const ExtractionFault& f, std::ostream* os)
-{
-    *os << testsupport::FaultName(f.fault);
-}
-
 // On the save-back's network, extracted, with a marker row in every job table.
 class ExtractionFaults : public SaveBackRoad, public ::testing::WithParamInterface<ExtractionFault>
 {
@@ -69,13 +64,11 @@ protected:
     void SetUp() override
     {
         SaveBackRoad::SetUp();
-        m_lines = Count("L2_0");
         for (const char* t : kJobTables) {
             Exec(QString("INSERT INTO %1 (Case_No, %2) VALUES (0, 'MARK')")
                      .arg(t, QString(t).startsWith("L1") ? "Node_Name" : "ID_Name"));
         }
     }
-    int m_lines = 0;
 };
 
 TEST_P(ExtractionFaults, TheRunReportsWhereItStoppedAndLeavesTheBaseTablesAlone)
@@ -91,7 +84,6 @@ TEST_P(ExtractionFaults, TheRunReportsWhereItStoppedAndLeavesTheBaseTablesAlone)
     }
     ExpectTexts(feedback().texts(2), f.errors);
     EXPECT_EQ(Marked(checker()), f.marked);
-    EXPECT_EQ(Count("L2_0"), m_lines + 1) << "the lines of the run before and the marker";
     EXPECT_EQ(BaseChecksums(checker()), before) << "a base table changed";
     QSqlQuery(*db()).exec("DROP TABLE IF EXISTS tmp");
 }
@@ -119,12 +111,18 @@ INSTANTIATE_TEST_SUITE_P(
             Fault::MissingTable,
             {"L2_0表可能不存在, 导入计算数据发生错误！", "按计算方案抽取交流线数据发生错误！"},
             {"L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"}},
-        // A user who may only read: nothing is written anywhere.
-        ExtractionFault{Fault::ReadOnly,
-                        {"L1_0表可能不存在, 导入计算数据发生错误！", kFamiliesFail, kFamiliesFail,
-                         kFamiliesFail, kFamiliesFail, kFamiliesFail, kFamiliesFail,
-                         "ImportL1DataFromBaseDB: 无法执行SQL语句 insert into L1_0*", kCaseCounts},
-                        {"L1_0", "L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"}}),
+        // A user who may only read: nothing is written anywhere; every family reports.
+        ExtractionFault{
+            Fault::ReadOnly,
+            {"L1_0表可能不存在, 导入计算数据发生错误！", kFamiliesFail, kFamiliesFail,
+             kFamiliesFail, kFamiliesFail, kFamiliesFail, kFamiliesFail,
+             "ImportL1DataFromBaseDB: 无法执行SQL语句 insert into L1_0(Case_No, EleID, Node_Name, "
+             "Bus_Name, Zone_No, PS_Name, Base_kV, Vmax_kV, Vmin_kV, SC1_MVA, SC3_MVA, ISBus) "
+             "select 0, a.id, a.Node_Name, a.Bus_Name, b.Zone_No, b.PS_Name, b.Base_kV, "
+             "b.Vmax_kV, b.Vmin_kV, b.SC1_MVA, b.SC3_MVA, a.ISPhyBus from CDB_NODEBAK a, "
+             "CDB_BUSBAK b, Tnode c where a.Bus_Name=b.Bus_Name and a.Node_Name=c.Node_Name",
+             kCaseCounts},
+            {"L1_0", "L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"}}),
     [](const ::testing::TestParamInfo<ExtractionFault>& info) {
         return testsupport::FaultName(info.param.fault);
     });
@@ -144,11 +142,6 @@ struct SaveBackFault
     const char* copies;                // the group's rows of lines / shunts / breakers
     std::vector<int> flags;
 };
-
-void PrintTo(const SaveBackFault& f, std::ostream* os)
-{
-    *os << f.name;
-}
 
 class SaveBackFaults : public SaveBackRoad, public ::testing::WithParamInterface<SaveBackFault>
 {
@@ -188,9 +181,6 @@ TEST_P(SaveBackFaults, TheRunStopsWhereTheFaultStrikesAndAllOrNothingUndoesEvery
     };
     if (f.fault) {
         FaultInjector fault(scratch(), db(), *f.fault, "CDB_PCAPREABAK", Hold::Rows);
-        fault.SetFiller("INSERT INTO CDB_PCAPREABAK (GrpName, ID_Name) SELECT 'FILLER', seq FROM "
-                        "seq_1_to_100000",
-                        "DELETE FROM CDB_PCAPREABAK WHERE GrpName='FILLER'");
         ASSERT_TRUE(fault.Run(run));
     } else {
         run(db());
@@ -227,10 +217,6 @@ INSTANTIATE_TEST_SUITE_P(
                       {102}},
         SaveBackFault{"KilledAllOrNothing", Fault::Killed, true, {}, {}, kMended,
                       {kLines, kAtTPCR, kUndone}, "0/0/0", {}},
-        // Full: the shunts' copy into the group refused.
-        SaveBackFault{"Full", Fault::Full, false, {}, {}, kMended,
-                      {kLines, "2 Fail to execute SQL: insert into CDB_PCAPREABAK(GrpName, *"},
-                      "1/0/0", {102}},
         // The group's row refused, after every family: the run ends there at level 3; the
         // families stay saved and flagged, the group unflagged.
         SaveBackFault{"RefusedGroupRow", std::nullopt, false,
