@@ -17,7 +17,6 @@ using testsupport::DbTest;
 
 namespace {
 
-// Empties the edit as a user does: select all, delete.
 void ClearByKeys(QLineEdit* edit)
 {
     QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
@@ -44,7 +43,7 @@ protected:
     std::vector<std::string> Errors() { return feedback().texts(2); }
 };
 
-TEST_F(Choosers, BusNameTypingIsStrippedCheckedAndTakenBack)
+TEST_F(Choosers, BusNameTypingIsCheckedAndTakenBackAndOkAcceptsAPrefixOnly)
 {
     WinDlgCalBusChoose dlg(0, 1, db(), "", false);
     ShowAndWait(&dlg);
@@ -85,17 +84,16 @@ TEST_F(Choosers, BusNameTypingIsStrippedCheckedAndTakenBack)
     EXPECT_EQ(dlg.LineEdit_BusName->text(), "一二三四五六七八九十");
     EXPECT_EQ(Errors(), (std::vector<std::string>{TOO_LONG, RESTORED}));
     SaveScreenshot(&dlg, "bus_chooser");
-}
 
-TEST_F(Choosers, BusOkAcceptsAPrefixAndRefusesAnEmptyOrUnknownName)
-{
+    // OK accepts a prefix and refuses an empty or unknown name.
+    feedback().clear();
     Exec("INSERT INTO L1_1(Node_Name,ISBus) VALUES ('N2',1),('N1',1),('M',0)");
     StartStatementLog();
     // The preselected name is found whatever its case and shown as given.
     WinDlgCalBusChoose job(1, 1, db(), "n2", true);
     EXPECT_EQ(Current(job.ListBox_BusName), "N2");
     EXPECT_EQ(job.LineEdit_BusName->text(), "n2");
-    // All three fill their lists as the typing test's chooser does, from the statements below.
+    // All three fill their lists as the chooser above does, from the statements below.
     WinDlgCalBusChoose jobNodes(1, 1, db(), "", false);
     WinDlgCalBusChoose unknown(0, 1, db(), "zz", true);
     EXPECT_EQ(unknown.LineEdit_BusName->text(), "");
@@ -105,18 +103,17 @@ TEST_F(Choosers, BusOkAcceptsAPrefixAndRefusesAnEmptyOrUnknownName)
                                     "SELECT Node_Name FROM CDB_NODEBAK WHERE IsPhyBus=1 ORDER "
                                     "BY Node_Name"}));
 
-    WinDlgCalBusChoose dlg(0, 1, db(), "", false);
-    WhenShown(&dlg, [&] {
-        QTest::mouseClick(dlg.ToolButton_OK, Qt::LeftButton);
-        QTest::keyClicks(dlg.LineEdit_BusName, "zz");
-        QTest::mouseClick(dlg.ToolButton_OK, Qt::LeftButton);
-        ClearByKeys(dlg.LineEdit_BusName);
-        QTest::keyClicks(dlg.LineEdit_BusName, "ab");
-        QTest::keyClick(dlg.LineEdit_BusName, Qt::Key_Return); // does nothing here
-        QTest::mouseClick(dlg.ToolButton_OK, Qt::LeftButton);
+    WhenShown(&unknown, [&] {
+        QTest::mouseClick(unknown.ToolButton_OK, Qt::LeftButton);
+        QTest::keyClicks(unknown.LineEdit_BusName, "zz");
+        QTest::mouseClick(unknown.ToolButton_OK, Qt::LeftButton);
+        ClearByKeys(unknown.LineEdit_BusName);
+        QTest::keyClicks(unknown.LineEdit_BusName, "ab");
+        QTest::keyClick(unknown.LineEdit_BusName, Qt::Key_Return); // does nothing here
+        QTest::mouseClick(unknown.ToolButton_OK, Qt::LeftButton);
     });
-    EXPECT_EQ(dlg.exec(), QDialog::Accepted);
-    EXPECT_EQ(dlg.GetName(), "ab") << "the prefix, not the listed name";
+    EXPECT_EQ(unknown.exec(), QDialog::Accepted);
+    EXPECT_EQ(unknown.GetName(), "ab") << "the prefix, not the listed name";
     EXPECT_EQ(Errors(), (std::vector<std::string>{"母线名不能为空或只含空格！", "请选择正确的母线名！"}));
 }
 
