@@ -66,29 +66,7 @@ struct FindFixture : ::testing::Test
 
 } // namespace
 
-TEST_F(FindFixture, ShortcutsToggleTheOptionsAndCtrlNSearchesWithThem)
-{
-    EXPECT_EQ(dlg.windowTitle(), "查找");
-    ShowAndWait(&dlg);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&dlg));
-    for (auto [key, box] : {std::pair{Qt::Key_D, dlg.checkBox_DiffUpAndLow},
-                            std::pair{Qt::Key_R, dlg.checkBox_Rotate},
-                            std::pair{Qt::Key_W, dlg.checkBox_WholeWord},
-                            std::pair{Qt::Key_B, dlg.checkBox_BackForward}}) {
-        QTest::keyClick(&dlg, key, Qt::ControlModifier);
-        EXPECT_TRUE(QTest::qWaitFor([box = box] { return box->isChecked(); }, 1000))
-            << box->objectName().toStdString();
-    }
-    SaveScreenshot(&dlg, "find_text");
-    // Ctrl+N searches: backward, case-sensitive, whole cell, wrapping from (0, 0).
-    table.setCurrentCell(0, 0);
-    QTest::keyClicks(dlg.comboBox_Text->lineEdit(), "abc");
-    QTest::keyClick(&dlg, Qt::Key_N, Qt::ControlModifier);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !dlg.isVisible(); }, 1000));
-    EXPECT_EQ(QPoint(table.currentRow(), table.currentColumn()), QPoint(2, 2));
-}
-
-TEST_F(FindFixture, SearchesFromTheNextCellEitherWayWholeCellsHiddenColumnsAndTheHistory)
+TEST_F(FindFixture, SearchesEitherWayWholeCellsHiddenColumnsHistoryAndShortcuts)
 {
     // Case ignored by default: the text is kept in upper case afterwards.
     EXPECT_EQ(FindFrom("abc", 0, 0), QPoint(0, 1));
@@ -144,6 +122,25 @@ TEST_F(FindFixture, SearchesFromTheNextCellEitherWayWholeCellsHiddenColumnsAndTh
     dlg.comboBox_Text->setEditText("c2");
     dlg.ButtonFindNext_Clicked();
     EXPECT_EQ(QPoint(table.currentRow(), table.currentColumn()), QPoint(2, 0));
+
+    EXPECT_EQ(dlg.windowTitle(), "查找");
+    ShowAndWait(&dlg);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dlg));
+    for (auto [key, box] : {std::pair{Qt::Key_D, dlg.checkBox_DiffUpAndLow},
+                            std::pair{Qt::Key_R, dlg.checkBox_Rotate},
+                            std::pair{Qt::Key_W, dlg.checkBox_WholeWord},
+                            std::pair{Qt::Key_B, dlg.checkBox_BackForward}}) {
+        QTest::keyClick(&dlg, key, Qt::ControlModifier);
+        EXPECT_TRUE(QTest::qWaitFor([box = box] { return box->isChecked(); }, 1000))
+            << box->objectName().toStdString();
+    }
+    SaveScreenshot(&dlg, "find_text");
+    // Ctrl+N searches: backward, case-sensitive, whole cell, wrapping from (0, 0).
+    table.setCurrentCell(0, 0);
+    dlg.comboBox_Text->setEditText("abc");
+    QTest::keyClick(&dlg, Qt::Key_N, Qt::ControlModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !dlg.isVisible(); }, 1000));
+    EXPECT_EQ(QPoint(table.currentRow(), table.currentColumn()), QPoint(2, 2));
 }
 
 namespace {
@@ -172,7 +169,6 @@ public:
     const CHandleGraphInfo& Info() const { return m_GraphInfo; }
 };
 
-// Edits a cell as a user does: click, type, Return.
 void Edit(CDataTable* table, int row, int col, const QString& text)
 {
     ClickCell(table, row, col);
