@@ -140,7 +140,6 @@ TEST(ConfigFile, LoadsMergesSkipsCommentsCutsOverlongLinesAndSavesInKeyOrder)
 
 TEST(CommandChannel, SendsDatagramsAndKeepsItsQuirks)
 {
-    // A receiver on an ephemeral port of the loopback address.
     const int rx = ::socket(AF_INET, SOCK_DGRAM, 0);
     ASSERT_GE(rx, 0);
     sockaddr_in addr{};

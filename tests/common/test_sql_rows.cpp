@@ -15,17 +15,6 @@
 
 using testsupport::DbTest;
 
-namespace {
-
-std::uint64_t Bits(double d)
-{
-    std::uint64_t b;
-    std::memcpy(&b, &d, sizeof b);
-    return b;
-}
-
-} // namespace
-
 class SqlRows : public DbTest
 {
 protected:
@@ -41,6 +30,11 @@ protected:
         CSqlRows rows;
         EXPECT_TRUE(rows.exec(q, sql));
         direct = rows.readsDirectly();
+        const auto bits = [](double d) {
+            std::uint64_t b;
+            std::memcpy(&b, &d, sizeof b);
+            return b;
+        };
         int n = 0;
         while (plain.next()) {
             EXPECT_TRUE(rows.next()) << "row " << n;
@@ -48,7 +42,7 @@ protected:
                 const QVariant v = plain.value(c);
                 const std::string at = "row " + std::to_string(n) + " column " + std::to_string(c) +
                                        " value " + v.toString().toStdString();
-                EXPECT_EQ(Bits(rows.toDouble(c)), Bits(v.toDouble())) << at;
+                EXPECT_EQ(bits(rows.toDouble(c)), bits(v.toDouble())) << at;
                 EXPECT_EQ(rows.toInt(c), v.toInt()) << at;
                 EXPECT_EQ(rows.toUInt(c), v.toUInt()) << at;
                 EXPECT_EQ(rows.toLocal8Bit(c), v.toString().toLocal8Bit()) << at;

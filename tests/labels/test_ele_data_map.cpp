@@ -7,14 +7,11 @@
 #include <memory>
 #include <new>
 #include <tuple>
+#include <utility>
 
 namespace {
 
 using Key = CRtdbEleDataNode;
-const Key& Const(const Key& k)
-{
-    return k;
-}
 CMysqlEleDataNode* Node(const char* name)
 {
     return new CMysqlEleDataNode(name, 1, "t0", "t1", 0);
@@ -28,16 +25,16 @@ TEST(LabelsEleDataMap, KeysCompareByThreeFieldsAsMembersAndByFourOutside)
 {
     Key a(4, 1, 2, 3), b(5, 1, 2, 3);
     EXPECT_TRUE(a == b && !(a != b) && !(a < b) && !(a > b)) << "members ignore Id[0]";
-    EXPECT_TRUE(!(Const(a) == b) && Const(a) != b && Const(a) < b && !(Const(a) > b) &&
-                Const(b) > a)
+    EXPECT_TRUE(!(std::as_const(a) == b) && std::as_const(a) != b && std::as_const(a) < b &&
+                !(std::as_const(a) > b) && std::as_const(b) > a)
         << "namespace-level operators use all four fields";
     // Signed, lexicographic: (1, 5, 0) against (2, 1, 0) and a negative tag.
     Key c(1, 5, 0, 0), d(2, 1, 0, 0), e(0, 1, 2, -1), f(0, 1, 2, 0);
-    EXPECT_TRUE(d < c && c > d && Const(c) < d && e < f);
+    EXPECT_TRUE(d < c && c > d && std::as_const(c) < d && e < f);
 
     Key def; // a default key's fields: the plain table's lookup of Key(-1, -1, -1, 0) below
     def = Key(7, 8, 9, 10);
-    EXPECT_TRUE(Const(def) == Key(7, 8, 9, 10)) << "assignment copies all four fields";
+    EXPECT_TRUE(std::as_const(def) == Key(7, 8, 9, 10)) << "assignment copies all four fields";
 }
 
 TEST(LabelsEleDataMap, NodesCompareByOrderThenNameAndCarryTheRest)

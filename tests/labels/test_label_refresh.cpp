@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <tuple>
 #include <type_traits>
 
 using namespace dtsdb;
@@ -64,15 +65,11 @@ template <class T> void OneEnded(const char* id, float p, float q, unsigned flag
 // name.
 void Network()
 {
-    const struct
-    {
-        const char* id;
-        int ibs;
-        float kv;
-    } levels[] = {{"K220", 1, 220}, {"K110", 2, 110}, {"K35", 7, 35}};
-    for (const auto& l : levels) {
+    const std::tuple<const char*, int, float> levels[] = {
+        {"K220", 1, 220}, {"K110", 2, 110}, {"K35", 7, 35}};
+    for (const auto& [id, ibs, baseKv] : levels) {
         kv k;
-        k.id = l.id, k.ibs = l.ibs, k.Base_kV = l.kv;
+        k.id = id, k.ibs = ibs, k.Base_kV = baseKv;
         Put(k);
     }
     for (int i : {1, 2}) {
@@ -80,29 +77,23 @@ void Network()
         b.id = i, b.V = i == 1 ? 1.02 : 0.98, b.q = i == 2;
         Put(b);
     }
-    const struct
-    {
-        const char* id;
-        int ibs;
-        double v;
-        unsigned top;
-        const char* level;
-    } buses[] = {{"N0", 0, 0.9, 0, "K220"},
-                 {"N1", 1, 1.02, 0, "K220"},
-                 {"N2", 2, 0.98, BUS_TOP_DEAD, "K110"},
-                 {"N3", 3, 1.05, 0, nullptr},
-                 {"x' OR '1'='1", 4, 1, 0, "K110"},
-                 {"a\\b", 5, 1, 0, "K220"},
-                 {"N3\\", 6, 1, 0, "K110"},
-                 {"华北电网十个字的母线", 7, 1, 0, "K110"},
-                 {"华北电网十个字的母", 8, 1, 0, "K220"}};
-    for (const auto& s : buses) {
+    const std::tuple<const char*, int, double, unsigned, const char*> buses[] = {
+        {"N0", 0, 0.9, 0, "K220"},
+        {"N1", 1, 1.02, 0, "K220"},
+        {"N2", 2, 0.98, BUS_TOP_DEAD, "K110"},
+        {"N3", 3, 1.05, 0, nullptr},
+        {"x' OR '1'='1", 4, 1, 0, "K110"},
+        {"a\\b", 5, 1, 0, "K220"},
+        {"N3\\", 6, 1, 0, "K110"},
+        {"华北电网十个字的母线", 7, 1, 0, "K110"},
+        {"华北电网十个字的母", 8, 1, 0, "K220"}};
+    for (const auto& [id, ibs, v, top, level] : buses) {
         bus b;
-        b.id = s.id, b.nd = s.id, b.ibs = s.ibs, b.V = s.v, b.Angle = -3, b.topflags = s.top;
+        b.id = id, b.nd = id, b.ibs = ibs, b.V = v, b.Angle = -3, b.topflags = top;
         Put(b);
-        if (s.level) {
+        if (level) {
             r_kv_nd rel;
-            rel.kv_id = s.level, rel.nd_id = s.id;
+            rel.kv_id = level, rel.nd_id = id;
             Put(rel);
         }
     }
@@ -212,7 +203,6 @@ protected:
         ASSERT_TRUE(m_rtdb.open("labels"));
         Truncate({"RTLABELMAP", "CDB_SBBAK"});
         Exec("INSERT INTO CDB_SBBAK(Base_Mva) VALUES (100)");
-        feedback().clear();
     }
     void TearDown() override
     {

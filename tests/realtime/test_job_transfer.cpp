@@ -24,8 +24,6 @@ protected:
         DbTest::SetUp();
         ASSERT_TRUE(m_rtdb.open("job"));
         Truncate({"L1_1", "L2_1", "L3_1", "L4_1", "L5_1", "L6_1", "LK_1"});
-        feedback().clear();
-        boxes().clear();
     }
     void TearDown() override
     {
@@ -270,15 +268,7 @@ struct JobFault
 };
 
 class JobFaults : public JobTransfer, public ::testing::WithParamInterface<JobFault>
-{
-protected:
-    static std::string States()
-    {
-        return Scalar("SELECT CONCAT((SELECT Valid FROM LK_1), (SELECT Valid FROM L6_1), "
-                      "(SELECT GROUP_CONCAT(Valid ORDER BY ID_Name SEPARATOR '') FROM L5_1))")
-            .toStdString();
-    }
-};
+{};
 
 TEST_P(JobFaults, BothWaysReportTheFamiliesThatFailedAndKeepWhatTheOthersMoved)
 {
@@ -302,7 +292,9 @@ TEST_P(JobFaults, BothWaysReportTheFamiliesThatFailedAndKeepWhatTheOthersMoved)
         EXPECT_EQ(job.UpdateLDataFromRTDB(), f.result);
     });
     EXPECT_EQ(Boxes(), f.boxes);
-    EXPECT_EQ(States(), f.states);
+    EXPECT_EQ(Scalar("SELECT CONCAT((SELECT Valid FROM LK_1), (SELECT Valid FROM L6_1), "
+                     "(SELECT GROUP_CONCAT(Valid ORDER BY ID_Name SEPARATOR '') FROM L5_1))"),
+              QString::fromStdString(f.states));
 
     // The update wrote the records' powers, 0: the job gets its own again.
     Exec("UPDATE L5_1 SET Pg = 0.5");

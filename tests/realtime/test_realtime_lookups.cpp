@@ -35,7 +35,6 @@ TEST_F(RtdbTest, LookupsFindTheNodesBusAndLevelAndSayWhichStepFoundNothing)
     Insert(r);
     rtdb().commit();
     auto& fb = testsupport::FeedbackRecorder::instance();
-    fb.clear();
 
     // A found node's voltage and angle, and a level found by node name, are checked with
     // the results and the labels.
@@ -75,14 +74,12 @@ TEST(RealtimeIds, SuffixesByFamilyAndTableTypesByName)
     // A winding number out of range gives the name alone, as a shunt and a DC line have it.
     EXPECT_EQ(got, QStringList({"X_ac", "X_sc", "X_2w", "X_sf", "X_3w1", "X_3w3", "X", "X",
                                 "X_brk", "X_sw", "X", "X"}));
-    EXPECT_EQ(TableNameToType("CDB_ACLINE"), 102);
-    EXPECT_EQ(TableNameToType("CDB_ACLINEBAK"), 102);
-    EXPECT_EQ(TableNameToType("CDB_NODEBAK"), CDB_TYPE_NODE);
-    EXPECT_EQ(TableNameToType("CDB_ISOSWITCH"), 120);
-    EXPECT_EQ(TableNameToType("CDB_PSTATIONBAK"), 117);
     // Compared case-sensitively; the data-group table is passed to the flag, never looked up.
-    for (const char* other : {"cdb_acline", "CDB_ACLINEbak", "CDB_ACLINEBAKBAK", "CDB_DATAGROUP",
-                              "CDB_AC", ""}) {
-        EXPECT_EQ(TableNameToType(other), -1) << other;
+    const std::pair<const char*, int> types[] = {
+        {"CDB_ACLINE", 102},  {"CDB_ACLINEBAK", 102}, {"CDB_NODEBAK", CDB_TYPE_NODE},
+        {"CDB_ISOSWITCH", 120}, {"CDB_PSTATIONBAK", 117}, {"cdb_acline", -1}, {"CDB_ACLINEbak", -1},
+        {"CDB_ACLINEBAKBAK", -1}, {"CDB_DATAGROUP", -1}, {"CDB_AC", -1}, {"", -1}};
+    for (const auto& [name, type] : types) {
+        EXPECT_EQ(TableNameToType(name), type) << name;
     }
 }
