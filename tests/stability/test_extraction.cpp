@@ -40,8 +40,6 @@ TEST_F(Extraction, TheLoadFlowCaseSchemePicksTheRowsInPerUnitWithTheCounters)
     Exec("INSERT INTO S5_7(ID_Name) VALUES ('stale')");
     StartStatementLog();
     CSTCalDataTransfer job(kJob, kCaseLF, db(), nullptr);
-    EXPECT_STREQ(job.SchemeName(), "SCH");
-    EXPECT_DOUBLE_EQ(job.BasePower(), 100.0);
     EXPECT_EQ(job.ImportSDataFromBaseDB(), 0);
 
     // S2: the lines of group G (not L4 of OUT), in per unit on Zb = 484 ohm at 220 kV; B0_Half
@@ -71,18 +69,17 @@ TEST_F(Extraction, TheLoadFlowCaseSchemePicksTheRowsInPerUnitWithTheCounters)
     // S4 to S7 as stored (the stale S5 row gone), but the SVC's reactance converted at its
     // node's 110 kV.
     EXPECT_EQ(Rows("SELECT CONCAT_WS('|', ID_Name, I_Name, DC_Model, reg_type, reg_set, "
-                   "Ireg_fon, Bmin_D, T_relay, K_fadc, Tdo, Tdc, N_rs, V_rs_Perc) FROM S4_7"),
-              (std::vector<std::string>{"DC1|N1|2|1|1.5|7|-5|0.2|3|0.5|0.125|4|80"}));
-    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', ID_Name, Node_Name, Gen_Model, Gen_Par, AVR_Model, "
-                   "AVR_Par, GOV_Model, GOV_Par, PSS_Model, PSS_Par, Rate_MVA, Rate_MW, Xdp, "
-                   "Xdpp, X2, Tj) FROM S5_7"),
-              (std::vector<std::string>{"G1|N1|6|1|12|2|3|4|5|6|300|270|0.3|0.2|0.25|8"}));
-    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', ID_Name, Node_Name, No_Load, Load_Model, Load_Par, "
-                   "Z_Percent) FROM S6_7"),
-              (std::vector<std::string>{"D1|N3|2|3|7|12.7"}));
-    EXPECT_EQ(Rows("SELECT CONCAT_WS('|', ID_Name, Valid, Set_Bus, Ctrl_Bus, Model, Par_No, "
-                   "X_Fixed) FROM S7_7 ORDER BY ID_Name"),
-              (std::vector<std::string>{"V1|1|N3|N4|2|5|10", "V2|0|N1|N1|1|1|0.5"}));
+                   "Ireg_fon, Bmin_D, T_relay, K_fadc, Tdo, Tdc, N_rs, V_rs_Perc) FROM S4_7 "
+                   "UNION ALL SELECT CONCAT_WS('|', ID_Name, Node_Name, Gen_Model, Gen_Par, "
+                   "AVR_Model, AVR_Par, GOV_Model, GOV_Par, PSS_Model, PSS_Par, Rate_MVA, "
+                   "Rate_MW, Xdp, Xdpp, X2, Tj) FROM S5_7 UNION ALL SELECT CONCAT_WS('|', "
+                   "ID_Name, Node_Name, No_Load, Load_Model, Load_Par, Z_Percent) FROM S6_7 "
+                   "UNION ALL SELECT CONCAT_WS('|', ID_Name, Valid, Set_Bus, Ctrl_Bus, Model, "
+                   "Par_No, X_Fixed) FROM S7_7 ORDER BY 1"),
+              (std::vector<std::string>{"D1|N3|2|3|7|12.7",
+                                        "DC1|N1|2|1|1.5|7|-5|0.2|3|0.5|0.125|4|80",
+                                        "G1|N1|6|1|12|2|3|4|5|6|300|270|0.3|0.2|0.25|8",
+                                        "V1|1|N3|N4|2|5|10", "V2|0|N1|N1|1|1|0.5"}));
 
     // Shunt and series compensators count as AC lines, L3 too; each winding counts; Nbus
     // is the constant 1. The job had no ST_CASE row: it got one.
