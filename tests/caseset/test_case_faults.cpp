@@ -138,7 +138,7 @@ TEST_F(CaseAndFaults, EveryFieldOfCaseCriteriaAndFaultsCommittedAndASecondLoadDo
     EXPECT_EQ(BusesFrom(f1).size(), 2u);
 }
 
-TEST_F(CaseAndFaults, FaultsOffEmptiesTheOldOnesAndACaseWithoutItsRowLoadsThemAsIfOn)
+TEST_F(CaseAndFaults, FaultsOffTheRunStateBackAndACaseWithoutItsRowLoadingFaultsAsIfOn)
 {
     Exec(QString("INSERT INTO ST_FAULT (%1) VALUES "
                  "(3,1,'L2','N2','N3',1,50,'F1',1,1,1,0,1,0,0,0,0,0),"
@@ -148,7 +148,7 @@ TEST_F(CaseAndFaults, FaultsOffEmptiesTheOldOnesAndACaseWithoutItsRowLoadsThemAs
 
     // Ctrl_Fault other than 1: the old fault records go, none come, nothing counts, no bus
     // is added. The case record takes the switch from its own column.
-    CaseRow("Ctrl_Fault=5");
+    CaseRow("Ctrl_Fault=5,CAL_TIME='12:00:00'");
     stfault old;
     old.ID_Name = "OLD";
     testsupport::Put(old);
@@ -158,13 +158,48 @@ TEST_F(CaseAndFaults, FaultsOffEmptiesTheOldOnesAndACaseWithoutItsRowLoadsThemAs
     EXPECT_EQ(Records(), "crit 0|fault 0|dist 0|out 0|var 0|gi 0|grp 0|case 0/0");
     EXPECT_EQ(All<case_st>().at(0).Ctrl_Fault, 5);
 
-    // Case 4 has no ST_CASE row: its load-flow case reads as 0 without a word, its faults
-    // load as if Ctrl_Fault were 1 (and the user programs are read as if UP_CAL were, so
-    // their select fails), the case record table is left empty and the driver fails with
-    // the bare step name after the missing-row message.
+    // The run state back: as designed the set list keeps its comma before WHERE, and the
+    // server refuses it.
+    const auto before = Rows("SELECT * FROM ST_CASE");
+    StartStatementLog();
+    EXPECT_EQ(off.UpdateSTCaseDataFromRTDB(), 1);
+    EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{"更新暂稳作业信息发生错误！"}));
+    EXPECT_EQ(Rows("SELECT * FROM ST_CASE"), before);
+    ASSERT_EQ(SentStatements().size(), 1u);
+    EXPECT_EQ(SentStatements()[0].rfind("UPDATE ST_CASE SET  CALCULATE=", 0), 0u);
+    EXPECT_NE(SentStatements()[0].find(",WHERE Case_No="), std::string::npos);
+
+    // Asked for, the intended statement writes the engine's run state (Calculate cut).
+    {
+        dbCursor<case_st> c(dbCursorForUpdate);
+        ASSERT_EQ(c.select(), 1);
+        c->Calculate = 2.9f;
+        c->UDOUT = 1;
+        c->CAL_DATE = "2024-06-02";
+        c->UD_TIME = 35;
+        c->Nup = 6;
+        c.update();
+        rtdb().commit();
+    }
     feedback().clear();
+    off.SetIntendedStatements(true);
+    EXPECT_EQ(off.UpdateSTCaseDataFromRTDB(), 0);
+    EXPECT_TRUE(feedback().messages().empty());
+    EXPECT_EQ(Rows("SELECT Calculate,UDOUT,CAL_DATE,CAL_TIME,UD_TIME,Nup FROM ST_CASE"),
+              (std::vector<std::string>{"2|1|2024-06-02|12:00:00|35|6"}));
+
+    // Case 4 has no ST_CASE row: its load-flow case reads as 0 without a word, and without
+    // its record the run state sends nothing. Its faults load as if Ctrl_Fault were 1 (and
+    // the user programs are read as if UP_CAL were, so their select fails), the case record
+    // table is left empty and the driver fails with the bare step name after the
+    // missing-row message.
+    StartStatementLog();
     CSTCaseDataTransfer missing(4, db(), &rtdb());
     EXPECT_TRUE(feedback().messages().empty());
+    EXPECT_EQ(missing.UpdateSTCaseDataFromRTDB(), 1);
+    EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{"实时库中没有相应的暂稳作业信息！"}));
+    EXPECT_EQ(SentStatements().size(), 1u) << "only the constructor's query";
+    feedback().clear();
     EXPECT_EQ(missing.ImportSTCaseDataToRTDB(), 1);
     EXPECT_EQ(feedback().texts(2),
               (std::vector<std::string>{"查询暂稳UP信息表发生错误！",
@@ -184,51 +219,6 @@ TEST_F(CaseAndFaults, FaultsOffEmptiesTheOldOnesAndACaseWithoutItsRowLoadsThemAs
     EXPECT_EQ(BusesFrom(-1), std::vector<std::string>{"-1:F1"});
 }
 
-TEST_F(CaseAndFaults, RunStateUpdateIsRefusedAsDesignedAndWritesWhenAskedFor)
-{
-    CaseRow("Calculate=7,UDOUT=4,CAL_DATE='2024-05-01',CAL_TIME='12:00:00',UD_TIME=0,Nup=11");
-    Exec("INSERT INTO ST_OUT (Case_No) VALUES (3)");
-    CSTCaseDataTransfer transfer(kCase, db(), &rtdb());
-    ASSERT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
-    const auto before = Rows("SELECT * FROM ST_CASE");
-
-    // As designed the set list keeps its comma before WHERE: the server refuses it.
-    feedback().clear();
-    StartStatementLog();
-    EXPECT_EQ(transfer.UpdateSTCaseDataFromRTDB(), 1);
-    EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{"更新暂稳作业信息发生错误！"}));
-    EXPECT_EQ(Rows("SELECT * FROM ST_CASE"), before);
-    ASSERT_EQ(SentStatements().size(), 1u);
-    EXPECT_EQ(SentStatements()[0].rfind("UPDATE ST_CASE SET  CALCULATE=", 0), 0u);
-    EXPECT_NE(SentStatements()[0].find(",WHERE Case_No="), std::string::npos);
-
-    // A case without a record in the real-time database sends nothing.
-    feedback().clear();
-    StartStatementLog();
-    CSTCaseDataTransfer other(4, db(), &rtdb());
-    EXPECT_EQ(other.UpdateSTCaseDataFromRTDB(), 1);
-    EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{"实时库中没有相应的暂稳作业信息！"}));
-    EXPECT_EQ(SentStatements().size(), 1u) << "only the constructor's query";
-
-    // Asked for, the intended statement writes the engine's run state (Calculate cut).
-    {
-        dbCursor<case_st> c(dbCursorForUpdate);
-        ASSERT_EQ(c.select(), 1);
-        c->Calculate = 2.9f;
-        c->UDOUT = 1;
-        c->CAL_DATE = "2024-06-02";
-        c->UD_TIME = 35;
-        c->Nup = 6;
-        c.update();
-        rtdb().commit();
-    }
-    feedback().clear();
-    transfer.SetIntendedStatements(true);
-    EXPECT_EQ(transfer.UpdateSTCaseDataFromRTDB(), 0);
-    EXPECT_TRUE(feedback().messages().empty());
-    EXPECT_EQ(Rows("SELECT Calculate,UDOUT,CAL_DATE,CAL_TIME,UD_TIME,Nup FROM ST_CASE"),
-              (std::vector<std::string>{"2|1|2024-06-02|12:00:00|35|6"}));
-}
 using UserModels = CaseSetTest;
 
 TEST_F(UserModels, ModelsAddTheirBusesAndTheProgramStepEmptiesThem)
