@@ -150,15 +150,15 @@ TEST_F(Disturbance, EveryKindIntoItsRecordsAndCounts)
               "T1|N2|N2G|" + n2 + "|" + B("N2G") + "|1|2|" + B("N2G") + "|1|0|0.4|0.5|0|0");
 }
 
-TEST_F(Disturbance, MissingAndUnreadableDetailTables)
+TEST_F(Disturbance, DetailTablesMissingOrUnreadableAndLoadRangesThroughTheWorkingTable)
 {
     CaseRow("CTRL_DIST=1,T_Total=10");
+    CSTCaseDataTransfer transfer(kCase, db(), &rtdb());
     for (int type : {1, 2, 3, 4, 5, 7, 8, 9, 10}) {
         Inf(type, "N2", "NONE");
     }
     Load("ST_DIST_T2", "ID_Name,Bus_Name,T_X,V_Y", "(3,'V','N7',0,1),(3,'V','N7',1,0.5)");
     Inf(2, "N7"); // after the failures, still read
-    CSTCaseDataTransfer transfer(kCase, db(), &rtdb());
     EXPECT_EQ(CaseSetProbe::Disturbances(transfer), 1);
     std::vector<std::string> missing, failed;
     for (const char* t : {"t1", "t2", "t3", "t4", "t5", "t7", "t8", "t9", "t10"}) {
@@ -182,12 +182,7 @@ TEST_F(Disturbance, MissingAndUnreadableDetailTables)
     }
     EXPECT_EQ(feedback().texts(2), failed);
     EXPECT_TRUE(Disturbances().empty());
-}
 
-TEST_F(Disturbance, LoadRangesThroughTheWorkingTable)
-{
-    CaseRow("CTRL_DIST=1,T_Total=10");
-    CSTCaseDataTransfer transfer(kCase, db(), &rtdb());
     const QString t6 = "Nrange,Sub_Type,ID_Name,Load_Name,Ref_Name,V_Crit,K_Ratio,T_Delay,"
                        "ID_Branch,ID_No,T_Start,T_End";
     auto reset = [] {
@@ -195,6 +190,7 @@ TEST_F(Disturbance, LoadRangesThroughTheWorkingTable)
         feedback().clear();
     };
 
+    reset();
     // All loads of the load-flow case (-1): the second load breaks the UNIQUE on ID_Name,
     // so the row fails with 3, writes nothing, and DT6 is dropped after it as after every
     // row (dropped before each create too, so only the statement shows it).
@@ -313,8 +309,7 @@ TEST_F(Outputs, SettingsVariablesAndAnalysisGroups)
     EXPECT_TRUE(feedback().texts(2).empty());
 
     // Every field in its place; unknown and empty bus names give -1.
-    ASSERT_EQ(All<st_out>().size(), 1u);
-    const st_out o = All<st_out>()[0];
+    const st_out o = All<st_out>().at(0);
     std::ostringstream out;
     for (double v :
          {0. + o.AnaFunc, 0. + o.LAnaMon, 0. + o.Fault_120, 0. + o.Variable, 0. + o.Bus_120,
