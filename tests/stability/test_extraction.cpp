@@ -11,16 +11,6 @@ namespace {
 
 const char* const kJobTables[] = {"S2_7", "S3_7", "S4_7", "S5_7", "S6_7", "S7_7"};
 
-// Each message, up to its statement's column list: "Fail to execute SQL: insert into S2_7".
-std::vector<std::string> Heads(const std::vector<std::string>& messages)
-{
-    std::vector<std::string> heads;
-    for (const std::string& m : messages) {
-        heads.push_back(m.substr(0, m.find('(')));
-    }
-    return heads;
-}
-
 } // namespace
 
 class Extraction : public StabilityTest
@@ -166,11 +156,6 @@ struct ExtractionFault
     std::string counters;            // Counters() after the run
 };
 
-void PrintTo(const ExtractionFault& f, std::ostream* os)
-{
-    *os << f.name;
-}
-
 class ExtractionFaults : public Extraction, public ::testing::WithParamInterface<ExtractionFault>
 {
 protected:
@@ -210,7 +195,11 @@ TEST_P(ExtractionFaults, TheRunReportsLeavesTheBaseTablesAloneAndTheNextRunSucce
             EXPECT_EQ(job.ImportSDataFromBaseDB(), f.result);
         }));
     }
-    EXPECT_EQ(Heads(feedback().texts(2)), f.errors);
+    std::vector<std::string> heads; // "Fail to execute SQL: insert into S2_7"
+    for (const std::string& m : feedback().texts(2)) {
+        heads.push_back(m.substr(0, m.find('(')));
+    }
+    EXPECT_EQ(heads, f.errors);
     EXPECT_EQ(feedback().texts(1).back(),
               f.result == 0 ? "基础库数据抽取完成。" : "基础库数据抽取开始...");
     EXPECT_EQ(Tables(), f.tables);

@@ -340,11 +340,6 @@ struct StoppedRun
     const char* undo = "";
 };
 
-void PrintTo(const StoppedRun& r, std::ostream* os)
-{
-    *os << r.name;
-}
-
 class StoppedRuns : public SaveBack, public ::testing::WithParamInterface<StoppedRun>
 {};
 
