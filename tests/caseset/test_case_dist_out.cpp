@@ -7,30 +7,21 @@
 using namespace dtsdb;
 using namespace casetest;
 
-namespace {
-
-// A disturbance record as "ID_Name|I_Name|J_Name|I_No|J_No|ID_No|Type|Sub_Type|Par1..Par6".
-std::string DistText(const stdist& d)
-{
-    std::ostringstream s;
-    s << d.ID_Name << '|' << d.I_Name << '|' << d.J_Name << '|' << d.I_No << '|' << d.J_No << '|'
-      << d.ID_No << '|' << d.Type << '|' << d.Sub_Type;
-    for (float p : {d.Par1, d.Par2, d.Par3, d.Par4, d.Par5, d.Par6}) {
-        s << '|' << p;
-    }
-    return s.str();
-}
-
-} // namespace
-
 class Disturbance : public CaseSetTest
 {
 protected:
+    // Each record as "ID_Name|I_Name|J_Name|I_No|J_No|ID_No|Type|Sub_Type|Par1..Par6".
     static std::vector<std::string> Disturbances()
     {
         std::vector<std::string> out;
         for (const stdist& d : All<stdist>()) {
-            out.push_back(DistText(d));
+            std::ostringstream s;
+            s << d.ID_Name << '|' << d.I_Name << '|' << d.J_Name << '|' << d.I_No << '|' << d.J_No
+              << '|' << d.ID_No << '|' << d.Type << '|' << d.Sub_Type;
+            for (float p : {d.Par1, d.Par2, d.Par3, d.Par4, d.Par5, d.Par6}) {
+                s << '|' << p;
+            }
+            out.push_back(s.str());
             EXPECT_EQ(d.Valid, 1);
         }
         return out;
@@ -264,17 +255,6 @@ protected:
                  .arg(id, i, j)
                  .arg(idNo));
     }
-    // "Type:Var_ID:ID_name:I_No:J_No:Coord_ID:Coord_Mont" of every output variable.
-    static std::vector<std::string> Vars()
-    {
-        std::vector<std::string> out;
-        for (const stvar_inf& v : All<stvar_inf>()) {
-            out.push_back(std::to_string(v.Type) + ":" + std::to_string(v.Var_ID) + ":" +
-                          v.ID_name + ":" + std::to_string(v.I_No) + ":" + std::to_string(v.J_No) +
-                          ":" + std::to_string(v.Coord_ID) + ":" + std::to_string(v.Coord_Mont));
-        }
-        return out;
-    }
 };
 
 TEST_F(Outputs, SettingsVariablesAndAnalysisGroups)
@@ -323,7 +303,14 @@ TEST_F(Outputs, SettingsVariablesAndAnalysisGroups)
     // Types 1 to 7 and 12 in that order, each by Var_ID. Generator angles find their bus
     // through the load-flow case's generators (0 for an unknown one); branch outputs name
     // their record by kind, a three-winding one by its winding in the load-flow case.
-    EXPECT_EQ(Vars(), (std::vector<std::string>{
+    // "Type:Var_ID:ID_name:I_No:J_No:Coord_ID:Coord_Mont" of every output variable.
+    std::vector<std::string> vars;
+    for (const stvar_inf& v : All<stvar_inf>()) {
+        vars.push_back(std::to_string(v.Type) + ":" + std::to_string(v.Var_ID) + ":" + v.ID_name +
+                       ":" + std::to_string(v.I_No) + ":" + std::to_string(v.J_No) + ":" +
+                       std::to_string(v.Coord_ID) + ":" + std::to_string(v.Coord_Mont));
+    }
+    EXPECT_EQ(vars, (std::vector<std::string>{
                           "1:1::" + B("N7") + ":0:11:21",
                           "1:2::" + B("N2G") + ":0:12:22",
                           "2:1:N3:" + B("N3") + ":-1:11:21",

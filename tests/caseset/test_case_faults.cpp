@@ -13,18 +13,6 @@ namespace {
 const char* const kFaultColumns = "Case_No,Valid,ID_Name,I_Name,J_Name,ID_No,Locate,Name,A,B,C,"
                                   "Ground,`Short`,`Open`,T_Start,T_End,R_Fault,X_Fault";
 
-// "ID_Name|I|J|I_No|J_No|ID_No|Locate|Name|Name_No|Valid|ABC|Ground Short Open|T_Start,
-// T_End,R_Fault,X_Fault".
-std::string FaultText(const stfault& f)
-{
-    std::ostringstream s;
-    s << f.ID_Name << '|' << f.I_Name << '|' << f.J_Name << '|' << f.I_No << '|' << f.J_No << '|'
-      << f.ID_No << '|' << f.Locate << '|' << f.Name << '|' << f.Name_No << '|' << f.Valid << '|'
-      << f.A << f.B << f.C << '|' << f.Ground << f.Short << f.Open << '|' << f.T_Start << ','
-      << f.T_End << ',' << f.R_Fault << ',' << f.X_Fault;
-    return s.str();
-}
-
 } // namespace
 
 using CaseAndFaults = CaseSetTest;
@@ -68,10 +56,16 @@ TEST_F(CaseAndFaults, EveryFieldOfCaseCriteriaAndFaultsCommittedAndASecondLoadDo
 
     // Every row counts and stands; a fault inside its branch or a named bus adds the bus
     // once, numbered above the network's buses; an existing bus name is found. Ground 1
-    // makes Short 1; Ground 2 leaves it.
+    // makes Short 1; Ground 2 leaves it. "ID_Name|I|J|I_No|J_No|ID_No|Locate|Name|Name_No|
+    // Valid|ABC|Ground Short Open|T_Start,T_End,R_Fault,X_Fault".
     std::vector<std::string> faults;
     for (const stfault& f : All<stfault>()) {
-        faults.push_back(FaultText(f));
+        std::ostringstream s;
+        s << f.ID_Name << '|' << f.I_Name << '|' << f.J_Name << '|' << f.I_No << '|' << f.J_No
+          << '|' << f.ID_No << '|' << f.Locate << '|' << f.Name << '|' << f.Name_No << '|'
+          << f.Valid << '|' << f.A << f.B << f.C << '|' << f.Ground << f.Short << f.Open << '|'
+          << f.T_Start << ',' << f.T_End << ',' << f.R_Fault << ',' << f.X_Fault;
+        faults.push_back(s.str());
     }
     EXPECT_EQ(
         faults,
