@@ -34,23 +34,19 @@ TEST_F(Extraction, TheLoadFlowCaseSchemePicksTheRowsInPerUnitWithTheCounters)
 
     // S2: the lines of group G (not L4 of OUT), in per unit on Zb = 484 ohm at 220 kV; B0_Half
     // from microsiemens; L3's I node has no CDB_NODE row: counted, not inserted. The series
-    // capacitor by its I node, the shunt by its node at 110 kV (Zb = 121 ohm).
-    // "ID_Name:Ntype:I_Name:J_Name:ID_No:R0:X0:B0_Half", the reals to twelve decimals (+0e0
-    // shows the rounded double in its shortest form).
+    // capacitor by its I node, the shunt by its node at 110 kV (Zb = 121 ohm). S3: zero-sequence
+    // connections coded, T2 ("NO") left out; T3, P2 and W1 in ohms at 220 kV. A winding a row,
+    // from the star node, its own parallel number; "NO" windings left out. As
+    // "ID_Name:Ntype:I_Name:J_Name:ID_No:R0:X0:B0_Half" (S2) and "…:ID_No:ZCtype:R0:X0" (S3),
+    // the reals to twelve decimals (+0e0 shows the rounded double in its shortest form).
     EXPECT_EQ(Rows("SELECT CONCAT_WS(':', ID_Name, Ntype, I_Name, J_Name, ID_No, "
                    "ROUND(R0, 12)+0e0, ROUND(X0, 12)+0e0, ROUND(B0_Half, 12)+0e0) FROM S2_7 "
-                   "ORDER BY ID_Name"),
-              (std::vector<std::string>{"C1:3:N3:N3:1:0:20:0", "L1:1:N1:N2:1:0.25:0.75:0.02",
-                                        "L2:1:N1:N3:2:0.01:0.1:0.0484",
-                                        "S1:2:N1:N2:1:0.001:-0.2:0"}));
-
-    // S3 as "ID_Name:Ntype:I_Name:J_Name:ID_No:ZCtype:R0:X0": zero-sequence connections coded,
-    // T2 ("NO") left out; T3, P2 and W1 in ohms at 220 kV. A winding a row, from the star
-    // node, its own parallel number; "NO" windings left out.
-    EXPECT_EQ(Rows("SELECT CONCAT_WS(':', ID_Name, Ntype, I_Name, J_Name, ID_No, ZCtype, "
-                   "ROUND(R0, 12)+0e0, ROUND(X0, 12)+0e0) FROM S3_7 ORDER BY ID_Name, Ntype"),
+                   "UNION ALL SELECT CONCAT_WS(':', ID_Name, Ntype, I_Name, J_Name, ID_No, ZCtype, "
+                   "ROUND(R0, 12)+0e0, ROUND(X0, 12)+0e0) FROM S3_7 ORDER BY 1"),
               (std::vector<std::string>{
-                  "P1:2:N2:N3:1:0:0.003:0.06", "P2:2:N2:N4:1:3:0.001:0.02",
+                  "C1:3:N3:N3:1:0:20:0", "L1:1:N1:N2:1:0.25:0.75:0.02",
+                  "L2:1:N1:N3:2:0.01:0.1:0.0484", "P1:2:N2:N3:1:0:0.003:0.06",
+                  "P2:2:N2:N4:1:3:0.001:0.02", "S1:2:N1:N2:1:0.001:-0.2:0",
                   "T1:1:N1:N3:1:1:0.002:0.04", "T3:1:N1:N4:1:2:0.002:0.04",
                   "W1:31:NS:N1:1:1:0.01:0.1", "W1:33:NS:N4:3:3:0.02:0.2",
                   "W2:32:NS:N3:1:2:0.01:0.02", "W3:31:NS:N2:4:1:0.01:0.1",
