@@ -7,30 +7,21 @@
 using namespace dtsdb;
 using namespace casetest;
 
-namespace {
-
-// A disturbance record as "ID_Name|I_Name|J_Name|I_No|J_No|ID_No|Type|Sub_Type|Par1..Par6".
-std::string DistText(const stdist& d)
-{
-    std::ostringstream s;
-    s << d.ID_Name << '|' << d.I_Name << '|' << d.J_Name << '|' << d.I_No << '|' << d.J_No << '|'
-      << d.ID_No << '|' << d.Type << '|' << d.Sub_Type;
-    for (float p : {d.Par1, d.Par2, d.Par3, d.Par4, d.Par5, d.Par6}) {
-        s << '|' << p;
-    }
-    return s.str();
-}
-
-} // namespace
-
 class Disturbance : public CaseSetTest
 {
 protected:
+    // Each record as "ID_Name|I_Name|J_Name|I_No|J_No|ID_No|Type|Sub_Type|Par1..Par6".
     static std::vector<std::string> Disturbances()
     {
         std::vector<std::string> out;
         for (const stdist& d : All<stdist>()) {
-            out.push_back(DistText(d));
+            std::ostringstream s;
+            s << d.ID_Name << '|' << d.I_Name << '|' << d.J_Name << '|' << d.I_No << '|' << d.J_No
+              << '|' << d.ID_No << '|' << d.Type << '|' << d.Sub_Type;
+            for (float p : {d.Par1, d.Par2, d.Par3, d.Par4, d.Par5, d.Par6}) {
+                s << '|' << p;
+            }
+            out.push_back(s.str());
             EXPECT_EQ(d.Valid, 1);
         }
         return out;
@@ -150,15 +141,15 @@ TEST_F(Disturbance, EveryKindIntoItsRecordsAndCounts)
               "T1|N2|N2G|" + n2 + "|" + B("N2G") + "|1|2|" + B("N2G") + "|1|0|0.4|0.5|0|0");
 }
 
-TEST_F(Disturbance, MissingAndUnreadableDetailTables)
+TEST_F(Disturbance, DetailTablesMissingOrUnreadableAndLoadRangesThroughTheWorkingTable)
 {
     CaseRow("CTRL_DIST=1,T_Total=10");
+    CSTCaseDataTransfer transfer(kCase, db(), &rtdb());
     for (int type : {1, 2, 3, 4, 5, 7, 8, 9, 10}) {
         Inf(type, "N2", "NONE");
     }
     Load("ST_DIST_T2", "ID_Name,Bus_Name,T_X,V_Y", "(3,'V','N7',0,1),(3,'V','N7',1,0.5)");
     Inf(2, "N7"); // after the failures, still read
-    CSTCaseDataTransfer transfer(kCase, db(), &rtdb());
     EXPECT_EQ(CaseSetProbe::Disturbances(transfer), 1);
     std::vector<std::string> missing, failed;
     for (const char* t : {"t1", "t2", "t3", "t4", "t5", "t7", "t8", "t9", "t10"}) {
@@ -182,12 +173,7 @@ TEST_F(Disturbance, MissingAndUnreadableDetailTables)
     }
     EXPECT_EQ(feedback().texts(2), failed);
     EXPECT_TRUE(Disturbances().empty());
-}
 
-TEST_F(Disturbance, LoadRangesThroughTheWorkingTable)
-{
-    CaseRow("CTRL_DIST=1,T_Total=10");
-    CSTCaseDataTransfer transfer(kCase, db(), &rtdb());
     const QString t6 = "Nrange,Sub_Type,ID_Name,Load_Name,Ref_Name,V_Crit,K_Ratio,T_Delay,"
                        "ID_Branch,ID_No,T_Start,T_End";
     auto reset = [] {
@@ -195,6 +181,7 @@ TEST_F(Disturbance, LoadRangesThroughTheWorkingTable)
         feedback().clear();
     };
 
+    reset();
     // All loads of the load-flow case (-1): the second load breaks the UNIQUE on ID_Name,
     // so the row fails with 3, writes nothing, and DT6 is dropped after it as after every
     // row (dropped before each create too, so only the statement shows it).
@@ -268,17 +255,6 @@ protected:
                  .arg(id, i, j)
                  .arg(idNo));
     }
-    // "Type:Var_ID:ID_name:I_No:J_No:Coord_ID:Coord_Mont" of every output variable.
-    static std::vector<std::string> Vars()
-    {
-        std::vector<std::string> out;
-        for (const stvar_inf& v : All<stvar_inf>()) {
-            out.push_back(std::to_string(v.Type) + ":" + std::to_string(v.Var_ID) + ":" +
-                          v.ID_name + ":" + std::to_string(v.I_No) + ":" + std::to_string(v.J_No) +
-                          ":" + std::to_string(v.Coord_ID) + ":" + std::to_string(v.Coord_Mont));
-        }
-        return out;
-    }
 };
 
 TEST_F(Outputs, SettingsVariablesAndAnalysisGroups)
@@ -313,8 +289,7 @@ TEST_F(Outputs, SettingsVariablesAndAnalysisGroups)
     EXPECT_TRUE(feedback().texts(2).empty());
 
     // Every field in its place; unknown and empty bus names give -1.
-    ASSERT_EQ(All<st_out>().size(), 1u);
-    const st_out o = All<st_out>()[0];
+    const st_out o = All<st_out>().at(0);
     std::ostringstream out;
     for (double v :
          {0. + o.AnaFunc, 0. + o.LAnaMon, 0. + o.Fault_120, 0. + o.Variable, 0. + o.Bus_120,
@@ -328,7 +303,14 @@ TEST_F(Outputs, SettingsVariablesAndAnalysisGroups)
     // Types 1 to 7 and 12 in that order, each by Var_ID. Generator angles find their bus
     // through the load-flow case's generators (0 for an unknown one); branch outputs name
     // their record by kind, a three-winding one by its winding in the load-flow case.
-    EXPECT_EQ(Vars(), (std::vector<std::string>{
+    // "Type:Var_ID:ID_name:I_No:J_No:Coord_ID:Coord_Mont" of every output variable.
+    std::vector<std::string> vars;
+    for (const stvar_inf& v : All<stvar_inf>()) {
+        vars.push_back(std::to_string(v.Type) + ":" + std::to_string(v.Var_ID) + ":" + v.ID_name +
+                       ":" + std::to_string(v.I_No) + ":" + std::to_string(v.J_No) + ":" +
+                       std::to_string(v.Coord_ID) + ":" + std::to_string(v.Coord_Mont));
+    }
+    EXPECT_EQ(vars, (std::vector<std::string>{
                           "1:1::" + B("N7") + ":0:11:21",
                           "1:2::" + B("N2G") + ":0:12:22",
                           "2:1:N3:" + B("N3") + ":-1:11:21",

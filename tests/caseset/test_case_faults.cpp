@@ -13,42 +13,6 @@ namespace {
 const char* const kFaultColumns = "Case_No,Valid,ID_Name,I_Name,J_Name,ID_No,Locate,Name,A,B,C,"
                                   "Ground,`Short`,`Open`,T_Start,T_End,R_Fault,X_Fault";
 
-// "ID_Name|I|J|I_No|J_No|ID_No|Locate|Name|Name_No|Valid|ABC|Ground Short Open|T_Start,
-// T_End,R_Fault,X_Fault".
-std::string FaultText(const stfault& f)
-{
-    std::ostringstream s;
-    s << f.ID_Name << '|' << f.I_Name << '|' << f.J_Name << '|' << f.I_No << '|' << f.J_No << '|'
-      << f.ID_No << '|' << f.Locate << '|' << f.Name << '|' << f.Name_No << '|' << f.Valid << '|'
-      << f.A << f.B << f.C << '|' << f.Ground << f.Short << f.Open << '|' << f.T_Start << ','
-      << f.T_End << ',' << f.R_Fault << ',' << f.X_Fault;
-    return s.str();
-}
-
-// Every field of the case record but its texts, in record order.
-std::string CaseText(const case_st& c)
-{
-    std::ostringstream s;
-    s << c.case_no << '|' << c.Case_LF << '|' << c.ST_SC << '|' << c.T_Total << '|' << c.DT_Step
-      << '|' << c.F60 << '|' << c.EQ_Method << '|' << c.EQ_Continu << '|' << c.Ctrl_Fault << '|'
-      << c.CTRL_UD << '|' << c.CTRL_DIST << '|' << c.UP_CAL << '|' << c.Calculate << '|' << c.UDOUT
-      << '|' << c.CAL_DATE << '|' << c.CAL_TIME << '|' << c.UD_TIME << '|' << c.Nup << '|' << c.Nbus
-      << '|' << c.Nacline << '|' << c.Ntrans << '|' << c.Ngenerat << '|' << c.Nload << '|'
-      << c.Ndcline << '|' << c.Nsvc << '|' << c.Nreserved << '|' << c.Nfault << '|' << c.Ndist
-      << '|' << c.Istable << '|' << c.Tstable << '|' << c.Tolerance;
-    return s.str();
-}
-
-std::string CritText(const stcrit& k)
-{
-    std::ostringstream s;
-    s << k.Valid << '|' << k.Lstop << '|' << k.MaxDAng << '|' << k.MinVol << '|' << k.TDVol << '|'
-      << k.MinFreq << '|' << k.TDFreq << '|' << k.NanaGrp << '|' << k.TSDAng << '|' << k.ID_Name1
-      << '|' << k.ID_Name2 << '|' << k.Gen_Name1 << '|' << k.Gen_Name2 << '|' << k.TSProny << '|'
-      << k.TEProny << '|' << k.NDTProny;
-    return s.str();
-}
-
 } // namespace
 
 using CaseAndFaults = CaseSetTest;
@@ -92,10 +56,16 @@ TEST_F(CaseAndFaults, EveryFieldOfCaseCriteriaAndFaultsCommittedAndASecondLoadDo
 
     // Every row counts and stands; a fault inside its branch or a named bus adds the bus
     // once, numbered above the network's buses; an existing bus name is found. Ground 1
-    // makes Short 1; Ground 2 leaves it.
+    // makes Short 1; Ground 2 leaves it. "ID_Name|I|J|I_No|J_No|ID_No|Locate|Name|Name_No|
+    // Valid|ABC|Ground Short Open|T_Start,T_End,R_Fault,X_Fault".
     std::vector<std::string> faults;
     for (const stfault& f : All<stfault>()) {
-        faults.push_back(FaultText(f));
+        std::ostringstream s;
+        s << f.ID_Name << '|' << f.I_Name << '|' << f.J_Name << '|' << f.I_No << '|' << f.J_No
+          << '|' << f.ID_No << '|' << f.Locate << '|' << f.Name << '|' << f.Name_No << '|'
+          << f.Valid << '|' << f.A << f.B << f.C << '|' << f.Ground << f.Short << f.Open << '|'
+          << f.T_Start << ',' << f.T_End << ',' << f.R_Fault << ',' << f.X_Fault;
+        faults.push_back(s.str());
     }
     EXPECT_EQ(
         faults,
@@ -114,16 +84,29 @@ TEST_F(CaseAndFaults, EveryFieldOfCaseCriteriaAndFaultsCommittedAndASecondLoadDo
         }));
     EXPECT_EQ(BusesFrom(f1),
               (std::vector<std::string>{std::to_string(f1) + ":F1", std::to_string(f2) + ":F2"}));
-    EXPECT_EQ(
-        CritText(All<stcrit>().at(0)),
-        "1|2|180|0.7|0.5|49|1.5|4|2.5|L1|A十个汉字的线路名称|G1|十一个字的发电机名称|0.25|5|30");
+    const stcrit k = All<stcrit>().at(0);
+    std::ostringstream crit;
+    crit << k.Valid << '|' << k.Lstop << '|' << k.MaxDAng << '|' << k.MinVol << '|' << k.TDVol
+         << '|' << k.MinFreq << '|' << k.TDFreq << '|' << k.NanaGrp << '|' << k.TSDAng << '|'
+         << k.ID_Name1 << '|' << k.ID_Name2 << '|' << k.Gen_Name1 << '|' << k.Gen_Name2 << '|'
+         << k.TSProny << '|' << k.TEProny << '|' << k.NDTProny;
+    EXPECT_EQ(crit.str(),
+              "1|2|180|0.7|0.5|49|1.5|4|2.5|L1|A十个汉字的线路名称|G1|十一个字的发电机名称|0.25|5|30");
 
     // The counts reach ST_CASE, then the case record, which is filled last from it (ST_CASE
-    // held 99 and 98): Calculate -1, Nreserved 0, Tstable cut to whole seconds, Tolerance
-    // 0.0005, the note cut to 100 bytes.
+    // held 99 and 98): every field but the texts in record order, Calculate -1, Nreserved 0,
+    // Tstable cut to whole seconds, Tolerance 0.0005; the note cut to 100 bytes.
     const case_st c = All<case_st>().at(0);
-    EXPECT_EQ(CaseText(c), "3|5|2|5.5|0.01|6|7|8|1|3|1|0|-1|4|2024-05-01|12:00:00|9|11|12|15|17|"
-                           "13|14|16|18|0|8|2|1|1|0.0005");
+    std::ostringstream cs;
+    cs << c.case_no << '|' << c.Case_LF << '|' << c.ST_SC << '|' << c.T_Total << '|' << c.DT_Step
+       << '|' << c.F60 << '|' << c.EQ_Method << '|' << c.EQ_Continu << '|' << c.Ctrl_Fault << '|'
+       << c.CTRL_UD << '|' << c.CTRL_DIST << '|' << c.UP_CAL << '|' << c.Calculate << '|' << c.UDOUT
+       << '|' << c.CAL_DATE << '|' << c.CAL_TIME << '|' << c.UD_TIME << '|' << c.Nup << '|'
+       << c.Nbus << '|' << c.Nacline << '|' << c.Ntrans << '|' << c.Ngenerat << '|' << c.Nload
+       << '|' << c.Ndcline << '|' << c.Nsvc << '|' << c.Nreserved << '|' << c.Nfault << '|'
+       << c.Ndist << '|' << c.Istable << '|' << c.Tstable << '|' << c.Tolerance;
+    EXPECT_EQ(cs.str(), "3|5|2|5.5|0.01|6|7|8|1|3|1|0|-1|4|2024-05-01|12:00:00|9|11|12|15|17|13|"
+                        "14|16|18|0|8|2|1|1|0.0005");
     EXPECT_EQ(QString(c.Note), "x" + QString("注").repeated(49));
 
     // Everything above was committed: a rollback keeps it (one criteria record, "the first
@@ -138,7 +121,7 @@ TEST_F(CaseAndFaults, EveryFieldOfCaseCriteriaAndFaultsCommittedAndASecondLoadDo
     EXPECT_EQ(BusesFrom(f1).size(), 2u);
 }
 
-TEST_F(CaseAndFaults, FaultsOffEmptiesTheOldOnesAndACaseWithoutItsRowLoadsThemAsIfOn)
+TEST_F(CaseAndFaults, FaultsOffTheRunStateBackAndACaseWithoutItsRowLoadingFaultsAsIfOn)
 {
     Exec(QString("INSERT INTO ST_FAULT (%1) VALUES "
                  "(3,1,'L2','N2','N3',1,50,'F1',1,1,1,0,1,0,0,0,0,0),"
@@ -148,7 +131,7 @@ TEST_F(CaseAndFaults, FaultsOffEmptiesTheOldOnesAndACaseWithoutItsRowLoadsThemAs
 
     // Ctrl_Fault other than 1: the old fault records go, none come, nothing counts, no bus
     // is added. The case record takes the switch from its own column.
-    CaseRow("Ctrl_Fault=5");
+    CaseRow("Ctrl_Fault=5,CAL_TIME='12:00:00'");
     stfault old;
     old.ID_Name = "OLD";
     testsupport::Put(old);
@@ -158,13 +141,48 @@ TEST_F(CaseAndFaults, FaultsOffEmptiesTheOldOnesAndACaseWithoutItsRowLoadsThemAs
     EXPECT_EQ(Records(), "crit 0|fault 0|dist 0|out 0|var 0|gi 0|grp 0|case 0/0");
     EXPECT_EQ(All<case_st>().at(0).Ctrl_Fault, 5);
 
-    // Case 4 has no ST_CASE row: its load-flow case reads as 0 without a word, its faults
-    // load as if Ctrl_Fault were 1 (and the user programs are read as if UP_CAL were, so
-    // their select fails), the case record table is left empty and the driver fails with
-    // the bare step name after the missing-row message.
+    // The run state back: as designed the set list keeps its comma before WHERE, and the
+    // server refuses it.
+    const auto before = Rows("SELECT * FROM ST_CASE");
+    StartStatementLog();
+    EXPECT_EQ(off.UpdateSTCaseDataFromRTDB(), 1);
+    EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{"更新暂稳作业信息发生错误！"}));
+    EXPECT_EQ(Rows("SELECT * FROM ST_CASE"), before);
+    ASSERT_EQ(SentStatements().size(), 1u);
+    EXPECT_EQ(SentStatements()[0].rfind("UPDATE ST_CASE SET  CALCULATE=", 0), 0u);
+    EXPECT_NE(SentStatements()[0].find(",WHERE Case_No="), std::string::npos);
+
+    // Asked for, the intended statement writes the engine's run state (Calculate cut).
+    {
+        dbCursor<case_st> c(dbCursorForUpdate);
+        ASSERT_EQ(c.select(), 1);
+        c->Calculate = 2.9f;
+        c->UDOUT = 1;
+        c->CAL_DATE = "2024-06-02";
+        c->UD_TIME = 35;
+        c->Nup = 6;
+        c.update();
+        rtdb().commit();
+    }
     feedback().clear();
+    off.SetIntendedStatements(true);
+    EXPECT_EQ(off.UpdateSTCaseDataFromRTDB(), 0);
+    EXPECT_TRUE(feedback().messages().empty());
+    EXPECT_EQ(Rows("SELECT Calculate,UDOUT,CAL_DATE,CAL_TIME,UD_TIME,Nup FROM ST_CASE"),
+              (std::vector<std::string>{"2|1|2024-06-02|12:00:00|35|6"}));
+
+    // Case 4 has no ST_CASE row: its load-flow case reads as 0 without a word, and without
+    // its record the run state sends nothing. Its faults load as if Ctrl_Fault were 1 (and
+    // the user programs are read as if UP_CAL were, so their select fails), the case record
+    // table is left empty and the driver fails with the bare step name after the
+    // missing-row message.
+    StartStatementLog();
     CSTCaseDataTransfer missing(4, db(), &rtdb());
     EXPECT_TRUE(feedback().messages().empty());
+    EXPECT_EQ(missing.UpdateSTCaseDataFromRTDB(), 1);
+    EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{"实时库中没有相应的暂稳作业信息！"}));
+    EXPECT_EQ(SentStatements().size(), 1u) << "only the constructor's query";
+    feedback().clear();
     EXPECT_EQ(missing.ImportSTCaseDataToRTDB(), 1);
     EXPECT_EQ(feedback().texts(2),
               (std::vector<std::string>{"查询暂稳UP信息表发生错误！",
@@ -184,51 +202,6 @@ TEST_F(CaseAndFaults, FaultsOffEmptiesTheOldOnesAndACaseWithoutItsRowLoadsThemAs
     EXPECT_EQ(BusesFrom(-1), std::vector<std::string>{"-1:F1"});
 }
 
-TEST_F(CaseAndFaults, RunStateUpdateIsRefusedAsDesignedAndWritesWhenAskedFor)
-{
-    CaseRow("Calculate=7,UDOUT=4,CAL_DATE='2024-05-01',CAL_TIME='12:00:00',UD_TIME=0,Nup=11");
-    Exec("INSERT INTO ST_OUT (Case_No) VALUES (3)");
-    CSTCaseDataTransfer transfer(kCase, db(), &rtdb());
-    ASSERT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
-    const auto before = Rows("SELECT * FROM ST_CASE");
-
-    // As designed the set list keeps its comma before WHERE: the server refuses it.
-    feedback().clear();
-    StartStatementLog();
-    EXPECT_EQ(transfer.UpdateSTCaseDataFromRTDB(), 1);
-    EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{"更新暂稳作业信息发生错误！"}));
-    EXPECT_EQ(Rows("SELECT * FROM ST_CASE"), before);
-    ASSERT_EQ(SentStatements().size(), 1u);
-    EXPECT_EQ(SentStatements()[0].rfind("UPDATE ST_CASE SET  CALCULATE=", 0), 0u);
-    EXPECT_NE(SentStatements()[0].find(",WHERE Case_No="), std::string::npos);
-
-    // A case without a record in the real-time database sends nothing.
-    feedback().clear();
-    StartStatementLog();
-    CSTCaseDataTransfer other(4, db(), &rtdb());
-    EXPECT_EQ(other.UpdateSTCaseDataFromRTDB(), 1);
-    EXPECT_EQ(feedback().texts(2), (std::vector<std::string>{"实时库中没有相应的暂稳作业信息！"}));
-    EXPECT_EQ(SentStatements().size(), 1u) << "only the constructor's query";
-
-    // Asked for, the intended statement writes the engine's run state (Calculate cut).
-    {
-        dbCursor<case_st> c(dbCursorForUpdate);
-        ASSERT_EQ(c.select(), 1);
-        c->Calculate = 2.9f;
-        c->UDOUT = 1;
-        c->CAL_DATE = "2024-06-02";
-        c->UD_TIME = 35;
-        c->Nup = 6;
-        c.update();
-        rtdb().commit();
-    }
-    feedback().clear();
-    transfer.SetIntendedStatements(true);
-    EXPECT_EQ(transfer.UpdateSTCaseDataFromRTDB(), 0);
-    EXPECT_TRUE(feedback().messages().empty());
-    EXPECT_EQ(Rows("SELECT Calculate,UDOUT,CAL_DATE,CAL_TIME,UD_TIME,Nup FROM ST_CASE"),
-              (std::vector<std::string>{"2|1|2024-06-02|12:00:00|35|6"}));
-}
 using UserModels = CaseSetTest;
 
 TEST_F(UserModels, ModelsAddTheirBusesAndTheProgramStepEmptiesThem)
@@ -272,7 +245,6 @@ TEST_F(UserModels, ModelsAddTheirBusesAndTheProgramStepEmptiesThem)
     EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
     EXPECT_EQ(All<udcal_st>().size(), 0u);
     EXPECT_EQ(BusesFrom(lastBus() + 1).size(), 2u);
-    ASSERT_EQ(All<upcal_st>().size(), 1u);
 
     // UP_CAL 1: as designed the select has no FROM and fails (a row of the fault table).
     Exec("UPDATE ST_CASE SET UP_CAL=1");

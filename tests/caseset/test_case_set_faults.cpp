@@ -38,11 +38,6 @@ struct SetUpFault
     const char* undo = "";
 };
 
-void PrintTo(const SetUpFault& f, std::ostream* os)
-{
-    *os << f.name;
-}
-
 class SetUpFaults : public CaseSetTest, public ::testing::WithParamInterface<SetUpFault>
 {};
 
