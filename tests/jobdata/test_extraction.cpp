@@ -64,18 +64,14 @@ TEST_F(Extraction, IeeeFourteenGivesItsCountsAndBadInputOrFailingTablesTheDesign
     EXPECT_EQ(feedback().texts(1),
               (std::vector<std::string>{"基础库数据抽取开始...", "基础库数据抽取完成。"}));
 
-    // A scheme name with a quote is a name like any other: it matches no scheme here.
-    char quoted[] = "O'SCH";
-    CLFCalDataTransfer q(0, quoted, db(), nullptr);
-    EXPECT_EQ(q.ImportLDataFromBaseDB(), 0);
-    EXPECT_TRUE(feedback().texts(2).empty());
-    EXPECT_EQ(Count("L2_0"), 0);
-    // 32 bytes as the design counted them hold 16 Chinese characters, and the scheme is
-    // found whole; a 17th would be cut and pick another scheme or none: refused, and the
-    // job tables keep what they hold.
-    char chinese[] = "华北电网二零二五年冬季大方式方案", longer[] = "华北电网二零二五年冬季大方式方案甲";
-    Exec(QString("UPDATE CDB_SCHEMEINFBAK SET SchName='%1'").arg(chinese));
+    // 32 bytes as the design counted them hold a quote, a letter and 15 Chinese characters,
+    // and the scheme is found whole (the quote a character like any other); a 16th Chinese
+    // character would be cut and pick another scheme or none: refused, and the job tables
+    // keep what they hold.
+    char chinese[] = "O'华北电网二零二五年冬季方式方案", longer[] = "O'华北电网二零二五年冬季方式方案甲";
+    Exec("UPDATE CDB_SCHEMEINFBAK SET SchName='O''华北电网二零二五年冬季方式方案'");
     EXPECT_EQ(CLFCalDataTransfer(0, chinese, db(), nullptr).ImportLDataFromBaseDB(), 0);
+    EXPECT_TRUE(feedback().texts(2).empty());
     EXPECT_EQ(Count("L2_0"), 18); // 17 lines and the shunt of IEEE 14
     feedback().clear();
     EXPECT_EQ(CLFCalDataTransfer(0, longer, db(), nullptr).ImportLDataFromBaseDB(), 1);
