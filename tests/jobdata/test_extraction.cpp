@@ -165,8 +165,9 @@ TEST_F(Extraction, TheSampleSqlFilesHoldWhatTheWriterMakesOfTheJsonToday)
     }
 }
 
-TEST_F(Extraction, TheSchemePicksTheHighestLevelThenTheIdTextThatSortsHighest)
+TEST_F(Extraction, TheSchemePicksByLevelThenIdAndAThreeWindingGivesRowsWithControlOnOne)
 {
+    Exec("INSERT INTO CDB_SBBAK(Base_Mva) VALUES (100)");
     Exec("INSERT INTO CDB_SCHEMEINFBAK(ID, SchName) VALUES (1, 'SCH')");
     Exec("INSERT INTO CDB_SCHEMECONTBAK(IDSch, GrpName, Nlever) VALUES (1,'A',1),(1,'B',1),"
          "(1,'L2',2),(1,'L11',11),(1,'K1000',1000),(1,'K200',200)");
@@ -181,40 +182,22 @@ TEST_F(Extraction, TheSchemePicksTheHighestLevelThenTheIdTextThatSortsHighest)
                  "(21,'L11','g2',%1,1,11),(30,'K1000','g3',%1,1,1000),(31,'K200','g3',%1,1,200),"
                  "(40,'A','g4',%1,2,1),(41,'NONE','g5',%1,1,1)")
              .arg(node));
-    CLFCalDataTransfer job(0, kScheme, db(), nullptr);
-    EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
-    EXPECT_EQ(Rows("SELECT ID_Name, EleID FROM L5_0 ORDER BY ID_Name"),
-              (std::vector<std::string>{"g1|9", "g2|21", "g3|31"}))
-        << "Unit 2 reaches no job table; a group outside the scheme is not seen";
-    EXPECT_EQ(Rows("SELECT Node_Name FROM L1_0"), std::vector<std::string>{"节点'甲乙丙丁戊己庚\\"});
-
-    // A Unit 0 generator on a node the node table lacks is dropped; at Unit 1 it stays.
-    Exec("UPDATE CDB_GENERATBAK SET Node_Name='N9'");
-    Exec("UPDATE CDB_GENERATBAK SET Unit=0 WHERE ID=21");
-    EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
-    EXPECT_EQ(Rows("SELECT ID_Name FROM L5_0 ORDER BY ID_Name"),
-              (std::vector<std::string>{"g1", "g3"}));
-    EXPECT_EQ(Scalar("SELECT Nbus FROM LF_CASE WHERE Case_No=0"), "1")
-        << "an unknown node is counted, though no L1 row stands for it";
-    EXPECT_EQ(Count("L1_0"), 0);
-}
-
-TEST_F(Extraction, AThreeWindingTransformerGivesThreeRowsWithItsControlOnOneWinding)
-{
-    Exec("INSERT INTO CDB_SBBAK(Base_Mva) VALUES (100)");
-    Exec("INSERT INTO CDB_SCHEMEINFBAK(ID, SchName) VALUES (1, 'SCH')");
-    Exec("INSERT INTO CDB_SCHEMECONTBAK(IDSch, GrpName, Nlever) VALUES (1,'G1',1)");
     Exec("INSERT INTO CDB_BUSBAK(Bus_Name, Base_kV, Zone_No) VALUES ('BN', 220, 4)");
     Exec("INSERT INTO CDB_NODEBAK(Node_Name, Bus_Name, Base_kV) VALUES ('NS','BN',220)");
     // Named units on the star node's 220 kV: Zb = 484 ohm.
     Exec("INSERT INTO CDB_TRANS_3WBAK(GrpName, ID_Name, Valid, Name_1, Name_2, Name_3, Name_N,"
          " ID_No1, ID_No2, ID_No3, Break_1, Break_2, Break_3, Unit, R1, X1, R2, X2, R3, X3, Gm,"
          " Bm, Tk1, Tk2, Tk3, Rate_MVA1, Side_Ctrl, Mode_Ctrl, Par_No, Bus_Ctrl, Line_Ctrl,"
-         " Value_Ctrl, TapMax2, TapMin2, Vpos_Tap2, TapMax3) VALUES ('G1','T3',1,'NA','NB','NC',"
+         " Value_Ctrl, TapMax2, TapMin2, Vpos_Tap2, TapMax3) VALUES ('A','T3',1,'NA','NB','NC',"
          "'NS',1,2,3,1,0,1,0,4.84,48.4,9.68,96.8,0,24.2,10,-20,1.05,1.0,0.95,180,2,5,6,'NB',7,"
          "1.02,17,-17,3,9)");
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
     EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
+    EXPECT_EQ(Rows("SELECT ID_Name, EleID FROM L5_0 ORDER BY ID_Name"),
+              (std::vector<std::string>{"g1|9", "g2|21", "g3|31"}))
+        << "Unit 2 reaches no job table; a group outside the scheme is not seen";
+    EXPECT_EQ(Rows("SELECT Node_Name FROM L1_0 ORDER BY Node_Name"),
+              (std::vector<std::string>{"NS", "节点'甲乙丙丁戊己庚\\"}));
     // Per unit: R and X by Zb, Gm and Bm (on the first winding only) times 1e-6 * Zb.
     EXPECT_EQ(Rows("SELECT Ntype, Valid, I_Name, J_Name, ID_No, Owner, Mode_Ctrl, Par_No, "
                    "Bus_Ctrl, Line_Ctrl, TapMax1, TapMax2, TapMin2, Vpos_Tap2, ROUND(R1,12), "
@@ -225,4 +208,15 @@ TEST_F(Extraction, AThreeWindingTransformerGivesThreeRowsWithItsControlOnOneWind
                   "32|0|NS|NB|2|4|5|6|NB|7|0|17|-17|3|0.02|0.2|0|0|1",
                   "33|1|NS|NC|3|4|0|0||0|0|9|0|0|0|0.05|0|0|0.95"}));
     EXPECT_EQ(Scalar("SELECT Ntrans FROM LF_CASE WHERE Case_No=0"), "3");
+
+    // A Unit 0 generator on a node the node table lacks is dropped; at Unit 1 it stays.
+    Exec("DELETE FROM CDB_TRANS_3WBAK");
+    Exec("UPDATE CDB_GENERATBAK SET Node_Name='N9'");
+    Exec("UPDATE CDB_GENERATBAK SET Unit=0 WHERE ID=21");
+    EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
+    EXPECT_EQ(Rows("SELECT ID_Name FROM L5_0 ORDER BY ID_Name"),
+              (std::vector<std::string>{"g1", "g3"}));
+    EXPECT_EQ(Scalar("SELECT Nbus FROM LF_CASE WHERE Case_No=0"), "1")
+        << "an unknown node is counted, though no L1 row stands for it";
+    EXPECT_EQ(Count("L1_0"), 0);
 }
