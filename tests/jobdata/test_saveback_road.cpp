@@ -129,7 +129,6 @@ TEST_F(SaveBackRoad, MendedIntoANewGroupCopiesEveryFamilyAndLeavesTheBaseRowsAsA
             {"CDB_BREAKERBAK", "ID_Name='K1'", "GrpName, Lbreak", "G1|1;NEW|0"},
             {"CDB_ISOSWITCHBAK", "ID_Name='Q2'", "GrpName, Valid", "G1|1;NEW|0"},
             {"CDB_ACLINEBAK", "GrpName='NEW'", "GROUP_CONCAT(ID_Name ORDER BY ID_Name)", "L1,LNEW"},
-            {"CDB_DATAGROUPBAK", "GrpName='NEW'", "COUNT(*)", "1"},
         },
         " ORDER BY GrpName");
 
