@@ -12,10 +12,7 @@
 using ::testing::ElementsAreArray;
 using ::testing::Matcher;
 using ::testing::StartsWith;
-using testsupport::BaseChecksums;
-using testsupport::Fault;
-using testsupport::FaultInjector;
-using testsupport::Hold;
+using namespace testsupport;
 
 namespace {
 
