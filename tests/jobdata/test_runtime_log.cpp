@@ -29,10 +29,7 @@ std::vector<std::string> FramesShown()
 } // namespace
 
 // On the save-back's network.
-class RunTimeFrames : public SaveBackRoad
-{};
-
-TEST_F(RunTimeFrames, EveryDriverAndFamilyOfExtractionAndSaveBackShowsItsLine)
+TEST_F(SaveBackRoad, EveryDriverAndFamilyOfExtractionAndSaveBackShowsItsRunTimeLine)
 {
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
     ASSERT_EQ(job.ImportLDataFromBaseDB(), 0);

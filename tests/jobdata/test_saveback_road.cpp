@@ -24,26 +24,15 @@ TEST_F(SaveBackRoad, MendedInPlaceRunsEveryFamilyAndTheDriversEndAsItsPreviewSai
     const SaveBackPreview preview = job.PreviewLDataToBaseDB("NEW", false);
     EXPECT_EQ(preview.result, 0) << preview.Report().toStdString();
     EXPECT_EQ(Checksums(), sums) << "no table of the database changed";
-    EXPECT_TRUE(m_base.ModifiedTableTypes().empty()) << "no flag raised";
-    EXPECT_TRUE(feedback().messages().empty()) << "the save-back's messages are kept, not shown";
-    EXPECT_EQ(TablesLeft(), std::vector<std::string>{});
     EXPECT_EQ(job.Nacline, 0) << "the transfer's counts stay as they were";
 
-    // The orphans as such. Their nodes, buses, stations and zones, and every value (in the
-    // base row's unit), are the rows the save-back then writes, checked below.
-    std::vector<std::string> orphans;
+    // The orphans as such (the fixture names each one ...NEW). Their nodes, buses, stations
+    // and zones, and every value (in the base row's unit), are the rows the save-back then
+    // writes, checked below.
     for (const SaveBackAddition& a : preview.additions) {
-        if (a.orphan) {
-            orphans.push_back((a.table + '|' + a.name).toStdString());
-        }
+        EXPECT_EQ(a.orphan, a.table != "CDB_DATAGROUPBAK" && a.name.endsWith("NEW"))
+            << a.table.toStdString() << ' ' << a.name.toStdString();
     }
-    EXPECT_EQ(Sorted(orphans),
-              (std::vector<std::string>{"CDB_ACLINEBAK|LNEW", "CDB_BREAKERBAK|KNEW",
-                                        "CDB_DCLINEBAK|DCNEW", "CDB_GENERATBAK|GNEW",
-                                        "CDB_ISOSWITCHBAK|QNEW", "CDB_LOADBAK|DNEW",
-                                        "CDB_PCAPREABAK|CNEW", "CDB_SCAPREABAK|SNEW",
-                                        "CDB_SHIFTBAK|PNEW", "CDB_TRANS_2WBAK|TNEW",
-                                        "CDB_TRANS_3WBAK|T3NEW"}));
     // 12 elements (the design counts T3A's two changed windings as two), 13 values.
     const QString report = preview.Report();
     EXPECT_TRUE(report.contains("变化元件 12 个、数值 13 项")) << report.toStdString();
@@ -140,7 +129,6 @@ TEST_F(SaveBackRoad, MendedIntoANewGroupCopiesEveryFamilyAndLeavesTheBaseRowsAsA
             {"CDB_BREAKERBAK", "ID_Name='K1'", "GrpName, Lbreak", "G1|1;NEW|0"},
             {"CDB_ISOSWITCHBAK", "ID_Name='Q2'", "GrpName, Valid", "G1|1;NEW|0"},
             {"CDB_ACLINEBAK", "GrpName='NEW'", "GROUP_CONCAT(ID_Name ORDER BY ID_Name)", "L1,LNEW"},
-            {"CDB_DATAGROUPBAK", "GrpName='NEW'", "COUNT(*)", "1"},
         },
         " ORDER BY GrpName");
 
