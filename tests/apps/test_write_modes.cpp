@@ -202,17 +202,13 @@ samples::Network Read(const char* file)
 class WriteModes : public DbTest, public ::testing::WithParamInterface<const char*>
 {
 protected:
-    // Every table of the two databases by checksum, the one that differs named.
+    // Every table of the two databases by checksum (a failure prints them by table name).
     static void ExpectSameTables(TwoCopies& copies)
     {
         const QStringList tables = testsupport::TablesLike(*copies.perRecord.db(), "%");
         ASSERT_EQ(testsupport::TablesLike(*copies.batched.db(), "%"), tables);
-        const auto a = testsupport::Checksums(*copies.perRecord.db(), tables);
-        const auto b = testsupport::Checksums(*copies.batched.db(), tables);
-        for (const QString& t : tables) {
-            const std::string key = t.toUpper().toStdString();
-            EXPECT_EQ(b.at(key), a.at(key)) << t.toStdString();
-        }
+        EXPECT_EQ(testsupport::Checksums(*copies.batched.db(), tables),
+                  testsupport::Checksums(*copies.perRecord.db(), tables));
     }
 };
 
