@@ -49,7 +49,7 @@ struct CaseRows
 {
     double base = 100;
     std::vector<std::vector<double>> bus, gen, branch;
-    std::vector<QString> names; // bus names, by row; empty: "B<num>"
+    QStringList names;          // bus names, by row; none: "B<num>"
     std::vector<QChar> kind;    // per branch, as the sample writer names it: L, T, P or Z
 };
 
@@ -66,7 +66,6 @@ CaseRows FromJson(const QString& path)
                          b.value("Pd_MW").toDouble(), b.value("Qd_MVAr").toDouble(),
                          b.value("Gs_MW").toDouble(), b.value("Bs_MVAr").toDouble(), 1, 1,
                          b.value("Va_deg").toDouble(), 0});
-        c.names.push_back(QString());
     }
     for (const QJsonValue& v : o.value("gens").toArray()) {
         const QJsonObject g = v.toObject();
@@ -120,7 +119,6 @@ CaseRows FromMatpower(const QString& path)
             }
         }
     }
-    c.names.resize(c.bus.size());
     std::map<int, double> kV;
     for (const auto& b : c.bus) {
         kV[int(b[BUS_I])] = b[BASE_KV];
@@ -303,8 +301,7 @@ Reference Solve(const CaseRows& c)
     }
     const Eigen::VectorXcd I = Y * V;
     for (int i = 0; i < rows; ++i) {
-        const QString name = c.names[i].isEmpty() ? QString("B%1").arg(int(c.bus[i][BUS_I]))
-                                                  : c.names[i];
+        const QString name = c.names.value(i, QString("B%1").arg(int(c.bus[i][BUS_I])));
         ref.voltage[name] = {dead[at[i]] ? 0.0 : vm[at[i]], dead[at[i]] ? 0.0 : va[at[i]] / kDeg};
         ref.generation[name] = V[at[i]] * std::conj(I[at[i]]) + cd(c.bus[i][PD], c.bus[i][QD]) / c.base;
     }
@@ -396,13 +393,9 @@ PageTables ReadPage(const QString& path)
 
 int Pixels(const QImage& image, const QColor& colour)
 {
-    int n = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            n += image.pixelColor(x, y) == colour ? 1 : 0;
-        }
-    }
-    return n;
+    const QImage argb = image.convertToFormat(QImage::Format_ARGB32); // rows without padding
+    const QRgb* p = reinterpret_cast<const QRgb*>(argb.constBits());
+    return int(std::count(p, p + argb.width() * argb.height(), colour.rgba()));
 }
 
 } // namespace
