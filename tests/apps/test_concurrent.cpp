@@ -172,22 +172,18 @@ TEST_F(Concurrent, AStudyKilledInItsSaveBackLeavesNoLeaseThatStopsTheNext)
         study.kill(); // SIGKILL
         study.waitForFinished();
         hold.exec("ROLLBACK"); // the dead run's statement ends, and its connection with it
-        for (int i = 0; i < 600 && Scalar("SELECT COUNT(*) FROM information_schema.PROCESSLIST "
-                                          "WHERE ID=" +
-                                          waiting) != "0";
-             ++i) {
+        const QString alive = "SELECT COUNT(*) FROM information_schema.PROCESSLIST WHERE ID=";
+        for (int i = 0; i < 600 && Scalar(alive + waiting) != "0"; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
         }
         EXPECT_EQ(Scalar("SELECT GROUP_CONCAT(Resource ORDER BY Resource) FROM CALC_LEASE WHERE "
-                         "Conn_Id=" +
-                         waiting),
+                         "Conn_Id=" + waiting),
                   "group " + group + ",job L 1")
             << "the dead run's leases stand";
         if (whole) {
             EXPECT_EQ(BaseChecksums(checker()), before);
         }
-        const ProgramRun next = AtOnce({Study(base, 1, group) << "--wait"
-                                                         << "0"})[0];
+        const ProgramRun next = AtOnce({Study(base, 1, group) + QStringList{"--wait", "0"}})[0];
         EXPECT_EQ(next.status, 0) << next.err.toStdString();
         EXPECT_TRUE(next.out.contains(
             QString("  [ 1] 作业 1 的潮流作业表 的持有者（主机 %1 上进程 %2 的连接 %3，节点 %4）"
