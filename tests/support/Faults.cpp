@@ -107,15 +107,26 @@ QSqlDatabase* FaultInjector::Arm()
             {
                 QSqlDatabase k = dbserver::OpenConnection(name, database);
                 QSqlQuery q(k);
+                const QString listed =
+                    QStringLiteral("SELECT 1 FROM information_schema.PROCESSLIST WHERE ID=%1")
+                        .arg(victim);
                 // Bounded: ten seconds at most for the transfer to reach the lock.
                 for (int i = 0; i < 500 && !m_stop && !m_killed; ++i) {
                     std::this_thread::sleep_for(std::chrono::milliseconds(20));
-                    q.exec(QStringLiteral("SELECT 1 FROM information_schema.PROCESSLIST WHERE "
-                                          "ID=%1 AND COMMAND='Query' AND TIME_MS>200")
-                               .arg(victim));
-                    if (q.next()) {
-                        m_killed = q.exec(QStringLiteral("KILL CONNECTION %1").arg(victim));
+                    q.exec(listed + QStringLiteral(" AND COMMAND='Query' AND TIME_MS>200"));
+                    if (!q.next()) {
+                        continue;
                     }
+                    // KILL may return while its victim still waits on the lock (seen on a
+                    // loaded cluster node): kill again each second until it is gone, 5 s at most.
+                    for (int j = 0; j < 250 && !m_killed; ++j) {
+                        if (j % 50 == 0) {
+                            q.exec(QStringLiteral("KILL CONNECTION %1").arg(victim));
+                        }
+                        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+                        m_killed = q.exec(listed) && !q.next();
+                    }
+                    break;
                 }
             }
             QSqlDatabase::removeDatabase(name);
