@@ -16,7 +16,7 @@ QAtomicInt serial;
 
 std::string FaultName(Fault fault)
 {
-    static const char* const names[] = {"Killed", "MissingTable", "ReadOnly", "Full"};
+    static const char* const names[] = {"Killed", "MissingTable", "ReadOnly"};
     return names[int(fault)];
 }
 
@@ -29,12 +29,6 @@ FaultInjector::FaultInjector(dbserver::ScratchDatabase& scratch, QSqlDatabase* l
     m_blocker = m_scratch.openSecondConnection(QStringLiteral("fault_blocker_%1").arg(n));
     m_readOnlyName = QStringLiteral("fault_ro_%1_%2").arg(::getpid()).arg(n);
     m_user = QStringLiteral("ro_%1_%2").arg(::getpid()).arg(n);
-}
-
-void FaultInjector::SetFiller(const QString& fill, const QString& unfill)
-{
-    m_fill = fill;
-    m_unfill = unfill;
 }
 
 bool FaultInjector::run(QSqlDatabase& db, const QString& sql)
@@ -52,8 +46,8 @@ QSqlDatabase* FaultInjector::Arm()
     m_armed = true;
     switch (m_fault) {
     case Fault::MissingTable:
-        m_struck = run(m_admin, QStringLiteral("RENAME TABLE %1 TO %1_gone").arg(m_table));
-        return m_struck ? m_library : nullptr;
+        return run(m_admin, QStringLiteral("RENAME TABLE %1 TO %1_gone").arg(m_table)) ? m_library
+                                                                                       : nullptr;
     case Fault::ReadOnly: {
         const QString db = m_scratch.name();
         for (const char* host : {"localhost", "127.0.0.1"}) {
@@ -68,24 +62,8 @@ QSqlDatabase* FaultInjector::Arm()
         a.user = m_user;
         a.password.clear();
         m_readOnly = dbserver::OpenConnection(a, m_readOnlyName, db, &m_error);
-        if (!m_readOnly.isOpen()) {
-            return nullptr;
-        }
-        m_struck = true;
-        return &m_readOnly;
+        return m_readOnly.isOpen() ? &m_readOnly : nullptr;
     }
-    case Fault::Full:
-        // The smallest MEMORY table the server makes holds some 16 KB of rows.
-        if (!run(m_admin, QStringLiteral("SET SESSION max_heap_table_size=16384")) ||
-            !run(m_admin, QStringLiteral("ALTER TABLE %1 ENGINE=MEMORY").arg(m_table))) {
-            return nullptr;
-        }
-        if (!m_fill.isEmpty()) {
-            QSqlQuery q(m_admin);
-            q.exec(m_fill); // runs until the table is full
-        }
-        m_struck = true;
-        return m_library;
     case Fault::Killed: {
         const bool locked =
             m_hold == Hold::Table
@@ -146,7 +124,6 @@ void FaultInjector::Disarm()
     if (m_killer.joinable()) {
         m_stop = true;
         m_killer.join();
-        m_struck = m_killed;
     }
     switch (m_fault) {
     case Fault::MissingTable:
@@ -160,23 +137,9 @@ void FaultInjector::Disarm()
             run(m_admin, QStringLiteral("DROP USER IF EXISTS '%1'@'%2'").arg(m_user, host));
         }
         break;
-    case Fault::Full:
-        if (!m_unfill.isEmpty()) {
-            run(m_admin, m_unfill);
-        }
-        // A MEMORY table's rows stay on their server: on a Galera cluster the other nodes
-        // still hold the rows of before the fault. The rows the library left go back into
-        // InnoDB through a copy that every node takes, so the nodes never part.
-        run(m_admin, QStringLiteral("CREATE TEMPORARY TABLE fault_rows SELECT * FROM %1").arg(m_table));
-        run(m_admin, QStringLiteral("ALTER TABLE %1 ENGINE=InnoDB").arg(m_table));
-        run(m_admin, QStringLiteral("TRUNCATE TABLE %1").arg(m_table));
-        run(m_admin, QStringLiteral("INSERT INTO %1 SELECT * FROM fault_rows").arg(m_table));
-        run(m_admin, QStringLiteral("DROP TEMPORARY TABLE fault_rows"));
-        break;
     case Fault::Killed:
         run(m_blocker,
             m_hold == Hold::Table ? QStringLiteral("UNLOCK TABLES") : QStringLiteral("ROLLBACK"));
-        // The killed session is gone: the suite's connection starts a new one.
         dbserver::ReopenConnection(*m_library);
         break;
     }
@@ -192,7 +155,7 @@ void FaultInjector::Disarm()
     }
     transfer(connection);
     Disarm();
-    if (!m_struck) {
+    if (m_fault == Fault::Killed && !m_killed) {
         return ::testing::AssertionFailure() << "the fault never took effect";
     }
     return ::testing::AssertionSuccess();

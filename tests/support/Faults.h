@@ -7,9 +7,6 @@
 //                 connection (the server stopped in the middle of a transfer)
 //   MissingTable  the table is renamed away
 //   ReadOnly      the transfer runs as a user with SELECT (and temporary tables) only
-//   Full          the table is moved to the MEMORY engine at its smallest size and filled
-//                 with rows of its own, so the server answers "The table ... is full";
-//                 Disarm puts it back into InnoDB with the rows it then holds
 //
 // The lock is on the rows (a locking read of every row in an open transaction: writes
 // wait, plain reads pass) or on the whole table (LOCK TABLES ... WRITE: every statement
@@ -25,13 +22,12 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <map>
-#include <memory>
 #include <string>
 #include <thread>
 
 namespace testsupport {
 
-enum class Fault { Killed, MissingTable, ReadOnly, Full };
+enum class Fault { Killed, MissingTable, ReadOnly };
 enum class Hold { Rows, Table };
 
 std::string FaultName(Fault fault);
@@ -45,10 +41,6 @@ public:
     ~FaultInjector() { Disarm(); }
     FaultInjector(const FaultInjector&) = delete;
     FaultInjector& operator=(const FaultInjector&) = delete;
-
-    // For Full: the statement that fills the table with rows of its own (it runs until the
-    // server refuses it), and the one that takes them out again.
-    void SetFiller(const QString& fill, const QString& unfill);
 
     // Arms the fault, runs `transfer` on the connection to give it, disarms. A failure when
     // the fault could not be armed or never took effect.
@@ -66,16 +58,14 @@ private:
     Fault m_fault;
     QString m_table;
     Hold m_hold;
-    QString m_fill, m_unfill;
     QString m_error;
-    QSqlDatabase m_admin;   // renames, engines, users
+    QSqlDatabase m_admin;   // renames, users
     QSqlDatabase m_blocker; // holds the lock
     QSqlDatabase m_readOnly;
     QString m_readOnlyName, m_user;
     std::thread m_killer;
     std::atomic<bool> m_stop{false};
-    std::atomic<bool> m_killed{false};
-    bool m_struck = false; // Killed: the kill was done; the other faults: they were armed
+    std::atomic<bool> m_killed{false}; // the victim's session is gone
     bool m_armed = false;
 };
 

@@ -48,7 +48,7 @@ static std::string ChangeText(const QString& table, const QString& element, cons
         .toStdString();
 }
 
-std::vector<std::string> Sorted(std::vector<std::string> v)
+static std::vector<std::string> Sorted(std::vector<std::string> v)
 {
     std::sort(v.begin(), v.end());
     return v;

@@ -27,8 +27,6 @@ using Snapshot = std::map<QString, std::map<qlonglong, TableRow>>;
 
 Snapshot Take(QSqlDatabase db, const std::vector<const char*>& tables);
 
-std::vector<std::string> Sorted(std::vector<std::string> v);
-
 // What a run wrote between two snapshots, sorted: the values that changed in rows that
 // stood before ("TABLE|element|column|before|after"), the rows that did not ("TABLE|name").
 void Diff(const Snapshot& before, const Snapshot& after, std::vector<std::string>& changes,
