@@ -79,7 +79,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     dbQuery q;
     texts.push_back(in.ConsumeRandomLengthString(48));
     q = texts.back().c_str();
-    // Parameters of every kind, by value and through pointers.
     const std::function<void()> parameter[] = {
         [&] { q, in.ConsumeIntegral<int>(); },
         [&] { q, in.ConsumeIntegral<unsigned>(); },
