@@ -151,7 +151,6 @@ TEST_F(Program, RefusesInOneLineWithStatusTwoAndLeavesNothingBehind)
 TEST_F(Program, WritesTheResultTablesAsCsvKeepsTheDatabaseWhenAskedAndEveryChineseName)
 {
     QTemporaryDir tmp;
-    ASSERT_TRUE(tmp.isValid());
     const QString out = tmp.filePath("results/ieee14"), cn = tmp.filePath("cn");
     const QString kept = QString("t_kept_%1").arg(QCoreApplication::applicationPid());
     const std::vector<ProgramRun> runs =
@@ -225,10 +224,8 @@ TEST(StudyOnOtherServers, SetsUpItsSessionsTakesTheSchemasSpellingsWhereNeededAn
     }
     for (const QString& server : servers) {
         SCOPED_TRACE(server.toStdString());
-        dbserver::ServerAddress a;
-        a.host = server.section(':', 0, 0);
-        a.port = server.section(':', 1).toInt();
-        a.user = "root";
+        const dbserver::ServerAddress a{{}, server.section(':', 0, 0),
+                                        server.section(':', 1).toInt(), "root"};
         SessionSetup setup;
         dbserver::OpenConnection(a, "other", QString(), nullptr, &setup);
         QSqlDatabase::removeDatabase("other");
@@ -266,10 +263,9 @@ TEST(StudyProgress, TellsAStepOverASecondAndIsSilentForShortSteps)
         progress.end();
     }
     std::rewind(sink);
-    char buf[4096] = {};
-    const size_t n = std::fread(buf, 1, sizeof buf - 1, sink);
-    std::fclose(sink);
-    const QString text = QString::fromUtf8(buf, int(n));
+    QFile written;
+    ASSERT_TRUE(written.open(sink, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle));
+    const QString text = QString::fromUtf8(written.readAll());
     EXPECT_FALSE(text.contains("short")) << text.toStdString();
     EXPECT_TRUE(text.contains("  [2/2] long: 300 of 1200 rows (25 %), 1 s\n")) << text.toStdString();
     EXPECT_TRUE(text.contains("  [2/2] long: done in 2.")) << text.toStdString();
