@@ -83,7 +83,8 @@ class Program : public testsupport::DbTest
 // standard error: a bad command line, a file that is missing or cannot be read (a MATPOWER
 // case with its line and the reason), a server that does not answer, a study database that
 // stands already (it is left as it is) or whose schema cannot be loaded (it is dropped).
-TEST_F(Program, RefusesInOneLineWithStatusTwoAndLeavesNothingBehind)
+TEST_F(Program,
+       RefusesInOneLineWithStatusTwoLeavingNothingWritesCsvKeepsADatabaseAskedAndEveryChineseName)
 {
     QTemporaryDir tmp;
     const QString never = QString("t_never_%1").arg(QCoreApplication::applicationPid());
@@ -140,17 +141,13 @@ TEST_F(Program, RefusesInOneLineWithStatusTwoAndLeavesNothingBehind)
     for (const auto& [text, why] : malformed) {
         refused({"--network", write("bad.m", text), "--database", never}, why + "\n");
     }
-}
 
-// IEEE 14 into CSV files, checked against the published solution in MW and Mvar (branch
-// 1-2: 156.88 - j20.40 at its from end, -152.59 + j27.68 at its to end; generator 1:
-// 232.39 - j16.55); the sample has no base voltages, so no kV and no line rating. At the
-// same time the Chinese sample from its file to the CSV files: every bus, line (with its
-// ends) and generator under the name the file gives it, the save-back of their changes
-// included. (A group of ten Chinese characters is the concurrent test's.)
-TEST_F(Program, WritesTheResultTablesAsCsvKeepsTheDatabaseWhenAskedAndEveryChineseName)
-{
-    QTemporaryDir tmp;
+    // IEEE 14 into CSV files, checked against the published solution in MW and Mvar (branch
+    // 1-2: 156.88 - j20.40 at its from end, -152.59 + j27.68 at its to end; generator 1:
+    // 232.39 - j16.55); the sample has no base voltages, so no kV and no line rating. At the
+    // same time the Chinese sample from its file to the CSV files: every bus, line (with its
+    // ends) and generator under the name the file gives it, the save-back of their changes
+    // included. (A group of ten Chinese characters is the concurrent test's.)
     const QString out = tmp.filePath("results/ieee14"), cn = tmp.filePath("cn");
     const QString kept = QString("t_kept_%1").arg(QCoreApplication::applicationPid());
     const std::vector<ProgramRun> runs =
