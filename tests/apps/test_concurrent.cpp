@@ -15,18 +15,13 @@
 
 using namespace testsupport;
 
-namespace {
-
-QStringList Study(const QString& db, int job, const QString& group)
-{
-    return {"--database", db, "--existing", "--job", QString::number(job), "--group", group};
-}
-
-} // namespace
-
 class Concurrent : public DbTest
 {
 protected:
+    static QStringList Study(const QString& db, int job, const QString& group)
+    {
+        return {"--database", db, "--existing", "--job", QString::number(job), "--group", group};
+    }
     using Sum = std::vector<std::string>;
     // Per table of `database` LIKE `like`, "table:rows:sum", the sum of its rows' CRC32s over
     // every column but the server's numbering (id, RowKey): equal for equal contents, whatever
