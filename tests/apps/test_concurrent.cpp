@@ -6,7 +6,6 @@
 #include "DbTest.h"
 #include "Faults.h"
 #include "ProgramRuns.h"
-#include "TableSnapshots.h"
 
 #include <QCoreApplication>
 #include <QRegularExpression>
@@ -16,18 +15,13 @@
 
 using namespace testsupport;
 
-namespace {
-
-QStringList Study(const QString& db, int job, const QString& group)
-{
-    return {"--database", db, "--existing", "--job", QString::number(job), "--group", group};
-}
-
-} // namespace
-
 class Concurrent : public DbTest
 {
 protected:
+    static QStringList Study(const QString& db, int job, const QString& group)
+    {
+        return {"--database", db, "--existing", "--job", QString::number(job), "--group", group};
+    }
     using Sum = std::vector<std::string>;
     // Per table of `database` LIKE `like`, "table:rows:sum", the sum of its rows' CRC32s over
     // every column but the server's numbering (id, RowKey): equal for equal contents, whatever
@@ -56,10 +50,6 @@ protected:
         EXPECT_FALSE(sums.empty()) << like.toStdString();
         return sums;
     }
-    static Sum Group(const QString& database, const QString& group)
-    {
-        return Sums(database, "cdb\\_%", group);
-    }
     // A base database made by the study program (the IEEE 14-bus case, job 0 studied), kept.
     QString Base(const QString& name)
     {
@@ -82,7 +72,7 @@ protected:
         const auto runs = AtOnce({Study(base, 1, g + "1"), Study(base, 1, g + "2") + second});
         for (int k = 0; k < 2; ++k) {
             EXPECT_EQ(runs[k].status, 0) << runs[k].err.toStdString();
-            EXPECT_EQ(Group(base, g + QString::number(k + 1)), expected);
+            EXPECT_EQ(Sums(base, "cdb\\_%", g + QString::number(k + 1)), expected);
         }
         m_out = runs[0].out + runs[1].out;
         EXPECT_EQ(m_out.count("正由主机"), 1);
@@ -97,28 +87,24 @@ protected:
         EXPECT_EQ(runs[0].status, 0) << runs[0].err.toStdString();
         EXPECT_EQ(runs[1].status, 3) << runs[1].err.toStdString();
         m_err = runs[1].err;
-        EXPECT_EQ(Scalar(QString("SELECT COUNT(*) FROM %1.CDB_DATAGROUPBAK WHERE GrpName='%2'")
-                             .arg(base, group)),
-                  "1");
-        EXPECT_EQ(Group(base, group), expected);
+        EXPECT_EQ(Count(base + ".CDB_DATAGROUPBAK WHERE GrpName='" + group + "'"), 1);
+        EXPECT_EQ(Sums(base, "cdb\\_%", group), expected);
     }
     QStringList m_made;
     QString m_out, m_err;
 };
 
-TEST_F(Concurrent, FourStudiesAtOnceEqualTheFourInTurnAndTwoOnOneJobOrGroupNeverMix)
+TEST_F(Concurrent,
+       FourAtOnceEqualFourInTurnTwoOnOneJobOrGroupNeverMixOneKilledLeavesNoLeaseThatStopsTheNext)
 {
     const QString together = Base("t_together_"), inTurn = Base("t_in_turn_");
-    QList<QStringList> four, fourInTurn;
+    QList<QStringList> four;
     for (int job : {1, 2, 5, 7}) {
         four << Study(together, job, QString("G%1").arg(job));
-        fourInTurn << Study(inTurn, job, QString("G%1").arg(job));
+        EXPECT_EQ(AtOnce({Study(inTurn, job, QString("G%1").arg(job))})[0].status, 0);
     }
     for (const ProgramRun& e : AtOnce(four)) {
         EXPECT_EQ(e.status, 0) << e.err.toStdString();
-    }
-    for (const QStringList& run : fourInTurn) {
-        EXPECT_EQ(AtOnce({run})[0].status, 0);
     }
     // Every job, result, case and base table (the groups' copies with them) as in turn.
     for (const char* like : {"l%", "cdb\\_%"}) {
@@ -127,45 +113,41 @@ TEST_F(Concurrent, FourStudiesAtOnceEqualTheFourInTurnAndTwoOnOneJobOrGroupNever
 
     // One job at once: one of the two waits for it and then completes; the job's tables and
     // both groups' copies are one whole run's.
-    SameJob(together, {}, "H", Group(inTurn, "G1"));
+    SameJob(together, {}, "H", Sums(inTurn, "cdb\\_%", "G1"));
     EXPECT_EQ(Sums(together, "l%\\_1"), Sums(inTurn, "l%\\_1"));
     EXPECT_TRUE(m_out.contains("作业 1 的潮流作业表 正由主机 " + QSysInfo::machineHostName()));
 
     // One new group (of the longest Chinese name) at once, on two jobs: one writer's copies
     // and one group row; the other run waits for the group and is refused, status 3.
     const QString cn = "华北电网运行方式调整";
-    SameGroup(together, {}, cn, Group(inTurn, "G2"));
+    SameGroup(together, {}, cn, Sums(inTurn, "cdb\\_%", "G2"));
     EXPECT_EQ(m_err, "calcdata_demo: 数据组 " + cn +
                          " 已存在（已由其他运行新建），本次新建数据组的回存未写入任何数据。\n");
-}
 
-// Killed with SIGKILL while its save-back waits at the generators' copy (another session
-// holds their rows shared): the lease rows stay, and the next run on the same job and group
-// takes them over at once (no waiting: --wait 0). All-or-nothing leaves the base as before.
-TEST_F(Concurrent, AStudyKilledInItsSaveBackLeavesNoLeaseThatStopsTheNext)
-{
-    const QString base = Base("t_killed_");
+    // Killed with SIGKILL while its save-back waits at the generators' copy (another session
+    // holds their rows shared): the lease rows stay, and the next run on the same job and group
+    // takes them over at once (--wait 0). All-or-nothing leaves the base as before.
     const QString node = Scalar("SELECT CONCAT(@@hostname, ':', @@port)");
     for (const bool whole : {false, true}) {
         SCOPED_TRACE(whole ? "all-or-nothing" : "ordinary");
         const QString group = whole ? "K_WHOLE" : "K_ORDINARY";
-        Exec("USE " + base); // on the helpers' connection, whose checksums follow
+        Exec("USE " + inTurn); // on the helpers' connection, whose checksums follow
         const auto before = BaseChecksums(checker());
         QSqlDatabase blocker = scratch().openSecondConnection(whole ? "b1" : "b0");
         QSqlQuery hold(blocker);
-        ASSERT_TRUE(hold.exec("USE " + base) && hold.exec("START TRANSACTION") &&
+        ASSERT_TRUE(hold.exec("USE " + inTurn) && hold.exec("START TRANSACTION") &&
                     hold.exec("SELECT * FROM CDB_GENERATBAK LOCK IN SHARE MODE"));
 
         QProcess study;
         study.start(QStringLiteral(CALCDATA_DEMO_PROGRAM),
-                    Study(base, 1, group) +
+                    Study(inTurn, 1, group) +
                         (whole ? QStringList{"--all-or-nothing"} : QStringList{}));
         QString waiting;
         for (int i = 0; i < 600 && waiting.isEmpty(); ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
             waiting = Scalar(QString("SELECT ID FROM information_schema.PROCESSLIST WHERE DB='%1' "
                                      "AND INFO LIKE 'insert into CDB_GENERATBAK(%'")
-                                 .arg(base));
+                                 .arg(inTurn));
         }
         ASSERT_FALSE(waiting.isEmpty()) << "the save-back never reached the generators";
         const qint64 pid = study.processId();
@@ -183,7 +165,7 @@ TEST_F(Concurrent, AStudyKilledInItsSaveBackLeavesNoLeaseThatStopsTheNext)
         if (whole) {
             EXPECT_EQ(BaseChecksums(checker()), before);
         }
-        const ProgramRun next = AtOnce({Study(base, 1, group) + QStringList{"--wait", "0"}})[0];
+        const ProgramRun next = AtOnce({Study(inTurn, 1, group) + QStringList{"--wait", "0"}})[0];
         EXPECT_EQ(next.status, 0) << next.err.toStdString();
         EXPECT_TRUE(next.out.contains(
             QString("  [ 1] 作业 1 的潮流作业表 的持有者（主机 %1 上进程 %2 的连接 %3，节点 %4）"
@@ -215,6 +197,6 @@ TEST_F(Concurrent, TwoAtOnceThroughTwoNodesOfACluster)
     const QString base = Base("t_nodes_");
     Exec("SET SESSION wsrep_sync_wait=1"); // the helpers read what node 2 committed
     const QStringList node2 = {"--server", "127.0.0.1:" + port2, "--user", "root"};
-    SameJob(base, node2, "N", Group(base, "NEW"));
-    SameGroup(base, node2, "N3", Group(base, "NEW"));
+    SameJob(base, node2, "N", Sums(base, "cdb\\_%", "NEW"));
+    SameGroup(base, node2, "N3", Sums(base, "cdb\\_%", "NEW"));
 }

@@ -16,12 +16,9 @@
 #include <limits>
 
 using namespace dtsdb;
-using testsupport::Box;
-using testsupport::DbTest;
 
 namespace {
 
-// Every record of class T changed by `change(record, position)`.
 template <class T, class Change> void ChangeAll(Change change)
 {
     dbCursor<T> c(dbCursorForUpdate);
@@ -160,7 +157,7 @@ struct TwoCopies
             rc[k] = write(k ? batched.db() : perRecord.db(),
                           k ? RecordWriteMode::Batched : RecordWriteMode::PerRecord);
             shown[k] = testsupport::Texts(testsupport::FeedbackRecorder::instance().messages());
-            for (const Box& b : testsupport::BoxRecorder::instance().boxes()) {
+            for (const testsupport::Box& b : testsupport::BoxRecorder::instance().boxes()) {
                 shown[k].push_back((b.caption + ": " + b.text).toStdString());
             }
         }
@@ -189,10 +186,9 @@ int WriteResults(QSqlDatabase* db, RecordWriteMode mode, bool optimal)
 
 } // namespace
 
-class WriteModes : public DbTest, public ::testing::WithParamInterface<const char*>
+class WriteModes : public testsupport::DbTest, public ::testing::WithParamInterface<const char*>
 {
 protected:
-    // Every table of the two databases by checksum (a failure prints them by table name).
     static void ExpectSameTables(TwoCopies& copies)
     {
         const QStringList tables = testsupport::TablesLike(*copies.perRecord.db(), "%");
