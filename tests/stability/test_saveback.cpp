@@ -159,29 +159,6 @@ TEST_F(SaveBack, InPlaceEveryFamilySavesItsStabilityColumnsAndSvcsNever)
     EXPECT_EQ(std::count(sent.begin(), sent.end(), "Create index Idtype on Ntype"), 1);
 }
 
-TEST_F(SaveBack, AGroupNameOfTwentyBytesWithAQuoteAndABackslashNamesItsOwnRows)
-{
-    Exec("UPDATE S5_7 SET Gen_Model=7");
-    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
-    const QString group = QString::fromUtf8("O'Neil\\1华北电网调度");
-    EXPECT_EQ(job.SaveSDataToBaseDB(group, true), 0);
-    EXPECT_TRUE(feedback().texts(2).empty());
-    EXPECT_EQ(Rows("SELECT GrpName FROM CDB_DATAGROUPBAK WHERE GrpName LIKE 'O''N%' UNION ALL "
-                   "SELECT CONCAT_WS('|', GrpName, Gen_Model) FROM CDB_GENERATBAK WHERE "
-                   "GrpName LIKE 'O''N%' OR GrpName='G'"),
-              (std::vector<std::string>{group.toStdString(), "G|6", group.toStdString() + "|7"}));
-
-    const auto checksums = testsupport::BaseChecksums(checker());
-    EXPECT_EQ(job.SaveSDataToBaseDB(group + "A", true), 1);
-    EXPECT_EQ(feedback().texts(2), std::vector<std::string>{"数据组名 " + group.toStdString() +
-                                                            "A 超过20字节（汉字按2字节计），数据组"
-                                                            "中存不下，回存未执行，基础库未作任何"
-                                                            "修改。"});
-    EXPECT_EQ(testsupport::BaseChecksums(checker()), checksums);
-    EXPECT_EQ(job.SaveSDataToBaseDB(group + "A", false), 0);
-    EXPECT_EQ(Scalar("SELECT Gen_Model FROM CDB_GENERATBAK WHERE GrpName='G'"), "7");
-}
-
 TEST_F(SaveBack, MendedRunIntoAGroupSavesEveryFamilyWithItsValues)
 {
     ChangeEveryFamily();
@@ -234,11 +211,33 @@ TEST_F(SaveBack, MendedRunIntoAGroupSavesEveryFamilyWithItsValues)
               std::string::npos);
 }
 
-// With the guard of a shared database: TLoad held by another run makes the save-back say once
-// for whom it waits and give up having written nothing; let go, the run saves; a new group
-// whose name exists is refused. (A holder that is gone is taken over as in every transfer.)
-TEST_F(SaveBack, WithTheGuardATLoadHeldByAnotherRunIsWaitedForAndAnExistingGroupRefused)
+// A 20-byte group name with a quote and a backslash names its own rows; one byte more is refused.
+// With the guard of a shared database: TLoad held by another run makes the save-back say once for
+// whom it waits and give up having written nothing; let go, it saves; a new group whose name
+// exists is refused. (A holder that is gone is taken over as in every transfer.)
+TEST_F(SaveBack,
+       A20ByteGroupNameWithQuoteAndBackslashNamesItsRowsTheGuardWaitsForTLoadRefusesAnExistingGroup)
 {
+    Exec("UPDATE S5_7 SET Gen_Model=7");
+    CSTCalDataTransfer job(kJob, kCaseLF, db(), &m_base);
+    const QString group = QString::fromUtf8("O'Neil\\1华北电网调度");
+    EXPECT_EQ(job.SaveSDataToBaseDB(group, true), 0);
+    EXPECT_TRUE(feedback().texts(2).empty());
+    EXPECT_EQ(Rows("SELECT GrpName FROM CDB_DATAGROUPBAK WHERE GrpName LIKE 'O''N%' UNION ALL "
+                   "SELECT CONCAT_WS('|', GrpName, Gen_Model) FROM CDB_GENERATBAK WHERE "
+                   "GrpName LIKE 'O''N%' OR GrpName='G'"),
+              (std::vector<std::string>{group.toStdString(), "G|6", group.toStdString() + "|7"}));
+
+    const auto checksums = testsupport::BaseChecksums(checker());
+    EXPECT_EQ(job.SaveSDataToBaseDB(group + "A", true), 1);
+    EXPECT_EQ(feedback().texts(2), std::vector<std::string>{"数据组名 " + group.toStdString() +
+                                                            "A 超过20字节（汉字按2字节计），数据组"
+                                                            "中存不下，回存未执行，基础库未作任何"
+                                                            "修改。"});
+    EXPECT_EQ(testsupport::BaseChecksums(checker()), checksums);
+    EXPECT_EQ(job.SaveSDataToBaseDB(group + "A", false), 0);
+    EXPECT_EQ(Scalar("SELECT Gen_Model FROM CDB_GENERATBAK WHERE GrpName='G'"), "7");
+
     Exec("UPDATE S6_7 SET Load_Model=4");
     QSqlDatabase other = scratch().openSecondConnection("tload_holder");
     unsigned long holderId = 0;
@@ -252,8 +251,8 @@ TEST_F(SaveBack, WithTheGuardATLoadHeldByAnotherRunIsWaitedForAndAnExistingGroup
                                    .arg(holderId);
     const QString node = Scalar("SELECT CONCAT(@@hostname, ':', @@port)");
     const QString who = holderText + "（节点 " + node + "）";
-    CSTCalDataTransfer job(kJob, kCaseLF, db(), nullptr);
     job.SetRunGuard(1);
+    feedback().clear();
     EXPECT_EQ(job.SaveSDataToBaseDB("NEW", false), 1);
     EXPECT_EQ(feedback().texts(1),
               (std::vector<std::string>{
