@@ -35,7 +35,8 @@ TEST_F(CaseAndFaults, EveryFieldOfCaseCriteriaAndFaultsCommittedAndASecondLoadDo
          "TSDAng,ID_Name1,ID_Name2,Gen_Name1,Gen_Name2,TSProny,TEProny,NDTProny) VALUES "
          "(3,1,2,180,0.7,0.5,49,1.5,4,2.5,'L1','A十个汉字的线路名称甲','G1',"
          "'十一个字的发电机名称乙',0.25,5,30),(3,0,0,0,0,0,0,0,0,0,'X','X','X','X',0,0,0)");
-    const int f1 = lastBus() + 1, f2 = lastBus() + 2;
+    const int f1 = lastBus() + 1;
+    const std::string fb1 = std::to_string(f1), fb2 = std::to_string(f1 + 1);
     Exec(QString("INSERT INTO ST_FAULT (%1) VALUES "
                  "(3,0,'L1','N1','N2',1,0,'',1,0,0,1,0,0,0.1,0.2,0.01,0.02),"
                  "(3,1,'L2','N2','N3',2,50,'F1',0,1,1,2,0,1,0.15,0.25,0.03,0.04),"
@@ -71,19 +72,16 @@ TEST_F(CaseAndFaults, EveryFieldOfCaseCriteriaAndFaultsCommittedAndASecondLoadDo
         faults,
         (std::vector<std::string>{
             "L1|N1|N2|" + B("N1") + "|" + B("N2") + "|1|0||-1|0|100|110|0.1,0.2,0.01,0.02",
-            "L2|N2|N3|" + B("N2") + "|" + B("N3") + "|2|50|F1|" + std::to_string(f1) +
+            "L2|N2|N3|" + B("N2") + "|" + B("N3") + "|2|50|F1|" + fb1 +
                 "|1|011|201|0.15,0.25,0.03,0.04",
-            "L3|N2|N4|" + B("N2") + "|" + B("N4") + "|3|30|F1|" + std::to_string(f1) +
-                "|1|110|010|0,0,0,0",
+            "L3|N2|N4|" + B("N2") + "|" + B("N4") + "|3|30|F1|" + fb1 + "|1|110|010|0,0,0,0",
             "L4|NX|N5|-1|" + B("N5") + "|2|1||-1|1|001|000|0,0,0,0",
             "L5|N4|N5|" + B("N4") + "|" + B("N5") + "|1|99||-1|1|000|000|0,0,0,0",
             "L6|N4|N5|" + B("N4") + "|" + B("N5") + "|1|100||-1|1|000|000|0,0,0,0",
-            "L7|N6|N11|" + B("N6") + "|" + B("N11") + "|1|0|F2|" + std::to_string(f2) +
-                "|1|000|000|0,0,0,0",
+            "L7|N6|N11|" + B("N6") + "|" + B("N11") + "|1|0|F2|" + fb2 + "|1|000|000|0,0,0,0",
             "L8|N1|N3|" + B("N1") + "|" + B("N3") + "|1|-5|B3|" + B("N3") + "|1|000|000|0,0,0,0",
         }));
-    EXPECT_EQ(BusesFrom(f1),
-              (std::vector<std::string>{std::to_string(f1) + ":F1", std::to_string(f2) + ":F2"}));
+    EXPECT_EQ(BusesFrom(f1), (std::vector<std::string>{fb1 + ":F1", fb2 + ":F2"}));
     const stcrit k = All<stcrit>().at(0);
     std::ostringstream crit;
     crit << k.Valid << '|' << k.Lstop << '|' << k.MaxDAng << '|' << k.MinVol << '|' << k.TDVol
@@ -229,9 +227,8 @@ TEST_F(UserModels, ModelsAddTheirBusesAndTheProgramStepEmptiesThem)
                                 BusOf("N3"), 2, 2, 40, 50, u1, u2, -1, -1}))
         << "Valid 0 is written too; Locate1 0 with a new name adds the bus";
     EXPECT_EQ(std::string(u.Bus4) + "|" + u.J2_Name, "N14|N3");
-    EXPECT_EQ(BusesFrom(lastBus() + 1),
-              (std::vector<std::string>{std::to_string(lastBus() + 1) + ":U1",
-                                        std::to_string(lastBus() + 2) + ":U2"}));
+    EXPECT_EQ(BusesFrom(u1),
+              (std::vector<std::string>{std::to_string(u1) + ":U1", std::to_string(u2) + ":U2"}));
 
     // The driver: the program step empties the models while their buses stay, and leaves
     // the user programs alone.
@@ -244,7 +241,7 @@ TEST_F(UserModels, ModelsAddTheirBusesAndTheProgramStepEmptiesThem)
     feedback().clear();
     EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
     EXPECT_EQ(All<udcal_st>().size(), 0u);
-    EXPECT_EQ(BusesFrom(lastBus() + 1).size(), 2u);
+    EXPECT_EQ(BusesFrom(u1).size(), 2u);
 
     // UP_CAL 1: as designed the select has no FROM and fails (a row of the fault table).
     Exec("UPDATE ST_CASE SET UP_CAL=1");
