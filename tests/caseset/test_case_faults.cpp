@@ -113,7 +113,6 @@ TEST_F(CaseAndFaults, EveryFieldOfCaseCriteriaAndFaultsCommittedAndASecondLoadDo
     rtdb().rollback();
     EXPECT_EQ(Records(), "crit L1|fault 8|dist 1|out 0|var 0|gi 0|grp 0|case 8/2");
     EXPECT_EQ(BusesFrom(f1).size(), 2u);
-    feedback().clear();
     EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
     EXPECT_EQ(Records(), "crit L1|fault 8|dist 1|out 0|var 0|gi 0|grp 0|case 16/4");
     EXPECT_EQ(BusesFrom(f1).size(), 2u);
@@ -238,7 +237,6 @@ TEST_F(UserModels, ModelsAddTheirBusesAndTheProgramStepEmptiesThem)
         testsupport::Put(old);
         rtdb().commit();
     }
-    feedback().clear();
     EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
     EXPECT_EQ(All<udcal_st>().size(), 0u);
     EXPECT_EQ(BusesFrom(u1).size(), 2u);
@@ -250,7 +248,6 @@ TEST_F(UserModels, ModelsAddTheirBusesAndTheProgramStepEmptiesThem)
 
     // Asked for, the select with its FROM fills the programs beside what stood there.
     transfer.SetIntendedStatements(true);
-    feedback().clear();
     EXPECT_EQ(transfer.ImportSTCaseDataToRTDB(), 0);
     ASSERT_EQ(All<upcal_st>().size(), 2u);
     const upcal_st p = All<upcal_st>()[1];
