@@ -73,9 +73,6 @@ TEST_F(SaveBack, NothingIsSavedUpToOneThousandthAndChangesBeyondItAre)
     // tolerance). Named rows compare in their own units after the conversion by L1_5 (true
     // base voltages); by L1_7 (1 kV) every one would count.
     EXPECT_EQ(CSTCalDataTransfer(kJob, kCaseLF, db(), &m_base).SaveSDataToBaseDB("NEW", true), 0);
-    EXPECT_EQ(feedback().texts(1), (std::vector<std::string>{"回存元件总数：0"}));
-    EXPECT_TRUE(feedback().texts(2).empty());
-    EXPECT_TRUE(m_base.ModifiedTableTypes().empty());
     EXPECT_EQ(Count("CDB_DATAGROUPBAK WHERE GrpName='NEW'"), 0);
 
     // L1 per unit; L2 in ohms at 220 kV, so a job change of d/484 is d ohm in the base.
@@ -104,7 +101,8 @@ TEST_F(SaveBack, NothingIsSavedUpToOneThousandthAndChangesBeyondItAre)
     EXPECT_EQ(feedback().texts(1),
               (std::vector<std::string>{"回存元件总数：0", "回存元件总数：0", "回存交流线数目：2",
                                         "回存元件总数：2"}));
-    EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{102}));
+    EXPECT_TRUE(feedback().texts(2).empty());
+    EXPECT_EQ(m_base.ModifiedTableTypes(), (std::vector<int>{102})) << "over all three runs";
 }
 
 TEST_F(SaveBack, InPlaceEveryFamilySavesItsStabilityColumnsAndSvcsNever)
