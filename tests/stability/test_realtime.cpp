@@ -100,23 +100,22 @@ TEST_F(Realtime, StabilityValuesGoIntoTheRecordsFoundByTheirIds)
     CSTCalDataToRTDB job(kJob, db());
     EXPECT_EQ(job.ImportSDataToRTDB(), 0) << "missing records cost messages, not failure";
 
-    // Lines and series capacitors by id, the load-flow fields kept; shunts in cp under the
-    // bare name, Ntype 3 and any other alike, no B0_Half there; transformers' ZCtype, R0, X0,
-    // the winding without a row keeping what it had.
+    // Lines and series capacitors by id, the load-flow fields kept (R1, the flags 16); shunts in
+    // cp under the bare name, Ntype 3 and any other alike, no B0_Half there; transformers' ZCtype,
+    // R0, X0, the winding without a row keeping what it had.
     const ln l = Fetch<ln>("L1_ac");
     const cp c1 = Fetch<cp>("C1");
     auto zrx = [](const char* id) {
         const xf x = Fetch<xf>(id);
         return Joined({0. + x.ZCtype, x.R0, x.X0});
     };
-    EXPECT_EQ((std::vector<std::string>{Joined({l.R0, l.X0, l.B0_Half, l.R1}),
+    EXPECT_EQ((std::vector<std::string>{Joined({l.R0, l.X0, l.B0_Half, l.R1, 0. + l.q}),
                                         Joined({Fetch<ln>("S1_sc").X0}),
                                         Joined({c1.R0, c1.X0, Fetch<cp>("C2").X0}), zrx("T1_2w"),
                                         zrx("P1_sf"), zrx("W1_3w1"), zrx("W1_3w2"), zrx("W1_3w3")}),
-              (std::vector<std::string>{"0.25 0.75 0.02 0.01 ", "-0.2 ", "0.5 20 5 ",
+              (std::vector<std::string>{"0.25 0.75 0.02 0.01 16 ", "-0.2 ", "0.5 20 5 ",
                                         "1 0.002 0.04 ", "3 0.003 0.06 ", "1 0.01 0.1 ", "7 9 9 ",
                                         "3 0.02 0.2 "}));
-    EXPECT_EQ(l.q, LN_INJOB);
 
     // The DC line's 38 fields in order, the generator's 14; the load's Z_Percent cut, not
     // rounded to 13.
