@@ -186,7 +186,7 @@ void Edit(CDataTable* table, int row, int col, const QString& text)
 
 } // namespace
 
-TEST(CalDataGrid, UserEditsAreCheckedByColumnTypeAndCodeFillsAreNot)
+TEST(CalDataGrid, UserEditsAreCheckedByColumnTypeCodeFillsAreNotAndFieldInfoKeepsWidthsAndNames)
 {
     CHandleGraphInfo info;
     info.m_nNumber = 7;
@@ -223,10 +223,7 @@ TEST(CalDataGrid, UserEditsAreCheckedByColumnTypeAndCodeFillsAreNot)
     SaveScreenshot(&grid, "caldata_grid");
     QTest::mouseClick(grid.pushButton_OK, Qt::LeftButton);
     EXPECT_EQ(grid.result(), QDialog::Accepted);
-}
 
-TEST(CalDataGrid, FieldInfoWidthsAndNames)
-{
     CDataTable table(2, 3);
     CFieldInfo field(&table);
     EXPECT_EQ(std::make_tuple(field.GetIndexPos(), field.GetColumnWidth(), field.IsPriKey()),
