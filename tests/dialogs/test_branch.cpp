@@ -202,7 +202,6 @@ TEST_F(BranchChooser, EachKindOfSourceFillsTheTempTableAndAFilterMustNameEveryFa
     StartStatementLog();
     BranchDialog lines(3, db(), {"L2_1", "L3_1", "LK_1"}, {6});
     EXPECT_EQ(lines.GetFirstBranch(const_cast<char*>("a1"), i, j), 0);
-    EXPECT_FALSE(lines.Read());
     EXPECT_EQ(Temp(), (std::vector<std::string>{"a1|A|B|1|6"}));
     EXPECT_EQ(Sent("SELECT ID_Name,I_Name,J_Name,ID_No,Ntype FROM L"), // L3_1 and LK_1
               (std::vector<std::string>{
