@@ -23,7 +23,6 @@ void ClearByKeys(QLineEdit* edit)
     QTest::keyClick(edit, Qt::Key_Delete);
 }
 
-const std::string TOO_LONG = "母线名字符串超过20位！";
 const std::string RESTORED = "自动恢复上一次合法的母线名！";
 const std::string INVALID = "母线名中含有不合法的字符或空格！";
 const std::string INVALID_LIST = "不合法的字符有：! ' \" / : ; ~ ^ ( ) | < > , ? \\ ";
@@ -82,7 +81,7 @@ TEST_F(Choosers, BusNameTypingIsCheckedAndTakenBackAndOkAcceptsAPrefixOnly)
         CommitText(dlg.LineEdit_BusName, c);
     }
     EXPECT_EQ(dlg.LineEdit_BusName->text(), "一二三四五六七八九十");
-    EXPECT_EQ(Errors(), (std::vector<std::string>{TOO_LONG, RESTORED}));
+    EXPECT_EQ(Errors(), (std::vector<std::string>{"母线名字符串超过20位！", RESTORED}));
     SaveScreenshot(&dlg, "bus_chooser");
 
     // OK accepts a prefix and refuses an empty or unknown name.
