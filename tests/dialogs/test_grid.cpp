@@ -16,6 +16,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
+#include <tuple>
 
 using namespace dialogtest;
 using testsupport::BoxRecorder;
@@ -186,7 +187,7 @@ void Edit(CDataTable* table, int row, int col, const QString& text)
 
 } // namespace
 
-TEST(CalDataGrid, UserEditsAreCheckedByColumnTypeAndCodeFillsAreNot)
+TEST(CalDataGrid, UserEditsAreCheckedByColumnTypeCodeFillsAreNotAndFieldInfoKeepsWidthsAndNames)
 {
     CHandleGraphInfo info;
     info.m_nNumber = 7;
@@ -201,20 +202,16 @@ TEST(CalDataGrid, UserEditsAreCheckedByColumnTypeAndCodeFillsAreNot)
     EXPECT_EQ(grid.table_CalData->text(2, 0), "filled by code");
 
     ShowAndWait(&grid);
-    Edit(grid.table_CalData, 0, 0, "1x");
-    EXPECT_EQ(grid.table_CalData->text(0, 0), "12");
-    Edit(grid.table_CalData, 0, 0, "-40");
-    EXPECT_EQ(grid.table_CalData->text(0, 0), "-40");
-    Edit(grid.table_CalData, 0, 1, "1e3");
-    EXPECT_EQ(grid.table_CalData->text(0, 1), "1e3");
-    // An empty text goes back to the text the cell had when it became current, not to
-    // the last good one.
-    Edit(grid.table_CalData, 0, 1, "");
-    EXPECT_EQ(grid.table_CalData->text(0, 1), "1.5");
-    Edit(grid.table_CalData, 0, 2, "abc");
-    EXPECT_EQ(grid.table_CalData->text(0, 2), "abc") << "a column without the check";
-    Edit(grid.table_CalData, 0, 3, "any text");
-    EXPECT_EQ(grid.table_CalData->text(0, 3), "any text") << "a column without an entry";
+    // Column, typed text, text kept, in this order. An empty text goes back to the text the
+    // cell had when it became current, not to the last good one; column 2's entry has no
+    // check and column 3 no entry.
+    const std::tuple<int, QString, QString> typed[] = {
+        {0, "1x", "12"}, {0, "-40", "-40"}, {1, "1e3", "1e3"},
+        {1, "", "1.5"},  {2, "abc", "abc"}, {3, "any text", "any text"}};
+    for (const auto& [col, text, kept] : typed) {
+        Edit(grid.table_CalData, 0, col, text);
+        EXPECT_EQ(grid.table_CalData->text(0, col), kept) << col << " " << text.toStdString();
+    }
     EXPECT_EQ(edits.count(), 6) << "the two reverts are no edits of their own";
     ClickCell(grid.table_CalData, 0, 4);
     QTest::keyClick(grid.table_CalData, Qt::Key_F2);
@@ -223,10 +220,7 @@ TEST(CalDataGrid, UserEditsAreCheckedByColumnTypeAndCodeFillsAreNot)
     SaveScreenshot(&grid, "caldata_grid");
     QTest::mouseClick(grid.pushButton_OK, Qt::LeftButton);
     EXPECT_EQ(grid.result(), QDialog::Accepted);
-}
 
-TEST(CalDataGrid, FieldInfoWidthsAndNames)
-{
     CDataTable table(2, 3);
     CFieldInfo field(&table);
     EXPECT_EQ(std::make_tuple(field.GetIndexPos(), field.GetColumnWidth(), field.IsPriKey()),

@@ -122,7 +122,6 @@ TEST_F(RtdbTest, AReaderSeesOnlyCommittedStatesWhileAWriterCommitsAndRollsBack)
     writer.join();
     reader.join();
 
-    // The table holds the last committed transaction, whole.
     dbCursor<ln> c(dbCursorViewOnly);
     ASSERT_EQ(c.select(), kRecords);
     do {
