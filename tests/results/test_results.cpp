@@ -185,8 +185,6 @@ TEST_F(Results, TheSolutionGoesOutAndComesBackInEveryModeAndARefusedBatchCostsIt
               (std::vector<std::string>{"G1|0.75"}));
 
     // Mode 2 brings values back and leaves the topology words alone; bs in place by id.
-    Exec("DELETE FROM LFR_GEN_R");
-    Exec("DELETE FROM LFR_BS_R");
     Exec("INSERT INTO LFR_GEN_R(Case_No, ID_Name, Pg, Qg, ibs, q, topflags, Bus_Name) VALUES "
          "(8, 'G1', 0.3, 0.2, 5, 99, 99, 'N1')");
     Exec("INSERT INTO LFR_BS_R(Case_No, Bus_Name, V, Angle, ibs) VALUES (8, 'X', 0.97, -1, 1)");
@@ -195,8 +193,7 @@ TEST_F(Results, TheSolutionGoesOutAndComesBackInEveryModeAndARefusedBatchCostsIt
     const un g = Fetch<un>("G1");
     EXPECT_EQ(std::make_tuple(g.Pg, g.ibs, g.q), std::make_tuple(0.3f, 1, 0u));
     dbCursor<bs> b;
-    dbQuery q;
-    q = "id=", 1;
+    dbQuery q("id = 1");
     ASSERT_EQ(b.select(q), 1);
     EXPECT_DOUBLE_EQ(b->V, 0.97);
     EXPECT_STREQ(b->name, "B1") << "updated in place, not rebuilt";
@@ -228,8 +225,7 @@ TEST_F(Results, BusesAreRebuiltWithPlaceholdersAndDcLineEndSumsAreDerived)
               (std::vector<std::string>{"实时库物理母线表中没有节点名nd='NOBUS'的记录！"}));
     std::vector<std::string> got;
     dbCursor<bs> c;
-    dbQuery q;
-    q = "order by id";
+    dbQuery q("order by id");
     for (bool more = c.select(q) > 0; more; more = c.next()) {
         got.push_back(std::string(c->name) + ":" + std::to_string(c->iisland));
     }
@@ -260,10 +256,8 @@ TEST_F(Results, BusesAreRebuiltWithPlaceholdersAndDcLineEndSumsAreDerived)
     EXPECT_EQ(Count("LFR_BS_R WHERE Case_No=1"), 2);
 }
 
-TEST(SwitchFlow, OnlyWhatReallyFlowsIntoANodeCounts)
+TEST_F(Results, OnlyWhatReallyFlowsThroughASwitchIntoANodeCounts)
 {
-    dbDatabase rtdb;
-    ASSERT_TRUE(rtdb.open("flow2"));
     // A generator at A0 gives 10 + j3 through breaker K1 to A. From A: line L1 to B
     // (6 + j2 leave A, 5.9 + j1.9 reach B), DC line DC1 to C (its I-end sets draw 3 + j1,
     // its J-end sets give 2.9 + j0.8), and winding 1 of three-winding transformer T (star
@@ -313,7 +307,7 @@ TEST(SwitchFlow, OnlyWhatReallyFlowsIntoANodeCounts)
     Switch("K3_brk", "C0", "C");
     Switch("K4_brk", "D", "D0");
     Switch("K5_brk", "E", "E0");
-    dtsdb::cbFlow flow(&rtdb);
+    dtsdb::cbFlow flow(&m_rtdb);
     flow.loadData();
     flow.calculate();
     flow.storeData();
@@ -327,8 +321,6 @@ TEST(SwitchFlow, OnlyWhatReallyFlowsIntoANodeCounts)
     EXPECT_EQ(flows, (std::vector<std::string>{"K0_brk 0,0", "K1_brk 10,3", "K2_brk 5.9,1.9",
                                                "K6_brk 0,0", "K3_brk -2.9,-0.8", "K4_brk 0.98,0.1",
                                                "KN_sw 0,0", "K5_brk 0,0"}));
-    rtdb.rollback();
-    rtdb.close();
 }
 
 // Breakers and switches get one row each, with the flow the switch step finds. Their names
@@ -514,6 +506,4 @@ INSTANTIATE_TEST_SUITE_P(
         // reading is all the way back does.
         GenFault{Fault::ReadOnly, {kXAcline, kXPcr, kXGen, kXLoad, kXT2w}, 7, "0.5|0.75|0.5",
                  Hold::Rows, {}, true}),
-    [](const ::testing::TestParamInfo<GenFault>& info) {
-        return testsupport::FaultName(info.param.fault);
-    });
+    [](const auto& info) { return testsupport::FaultName(info.param.fault); });
