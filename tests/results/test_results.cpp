@@ -368,7 +368,6 @@ TEST_F(Results, BreakerRowsCarryTheirFlowsUnderWholeChineseNames)
 // Names from the records arrive whole: quotes and backslashes, and Chinese names of 20 bytes
 // as the design counted them, which also find their records on the way back. A name cut
 // inside a character is refused with its family's message and costs that table only.
-// The three windings of a transformer fold into one row; a transformer all dead writes none.
 TEST_F(Results, RecordNamesArriveWholeThreeWindingsFoldIntoOneRowAndACutNameCostsOnlyItsTable)
 {
     SmallNetwork();
