@@ -44,8 +44,7 @@ TEST(LabelsEleDataMap, NodesCompareByOrderThenNameAndCarryTheRest)
     EXPECT_TRUE(b < a && a > b) << "Order first";
     EXPECT_TRUE(a == a2 && !(a != a2)) << "Text and Tag are carried, never compared";
     EXPECT_TRUE(a < c && c > a);
-    const CMysqlEleDataNode &ka = a, &kc = c;
-    EXPECT_TRUE(ka < kc && kc > ka && ka != kc);
+    EXPECT_TRUE(std::as_const(a) < c && std::as_const(c) > a && std::as_const(a) != c);
     EXPECT_TRUE(c < zh) << "byte-wise names: a multi-byte name sorts after ASCII";
 
     CMysqlEleDataNode def, copy(b);

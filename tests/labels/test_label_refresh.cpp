@@ -283,8 +283,7 @@ TEST_F(Labels, OddRowsWriteNothingRealsLoseTheirFractionEveryFamilyShowsPerUnitA
                               Fetch<xf>("T9_3wx").Pi, Fetch<xf>("").Pi),
               std::make_tuple(0.0, 0.0, 0.5f, 0.0f, 0.0f, 0.7f, 0.0f, 0.0f));
     dbCursor<bs> b;
-    dbQuery q;
-    q = "id=", 2;
+    dbQuery q("id = 2");
     ASSERT_EQ(b.select(q), 1);
     EXPECT_DOUBLE_EQ(b->V, 0.98);
 
@@ -389,9 +388,7 @@ INSTANTIATE_TEST_SUITE_P(
         LabelFault{testsupport::Fault::Killed, true},
         // The select refused: nothing is labelled, nor are the marks reset.
         LabelFault{testsupport::Fault::MissingTable, false}),
-    [](const ::testing::TestParamInfo<LabelFault>& info) {
-        return testsupport::FaultName(info.param.fault);
-    });
+    [](const auto& info) { return testsupport::FaultName(info.param.fault); });
 
 // Ten thousand lines and transformers of every kind, each kind with a label of its own
 // slot: every record shows its own end's power in the slot of its kind and nothing in the

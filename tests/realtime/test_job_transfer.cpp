@@ -103,14 +103,12 @@ TEST_F(JobTransfer, ImportOverwritesInputsAndFlagsOfStandingRecordsThatInvalidat
     EXPECT_EQ(make_tuple(t1.q, t1.Rm, t1.Xm, t1.Tk, t1.TapMax1, t1.Vstep_Tap1, t1.Vpos_Tap2),
               make_tuple(XF_INJOB, 0.0f, 0.0f, 1.025f, 9, 1.25f, -3));
     // T2's second row has an unknown NType: it keeps the id before it and overwrites T2.
-    const xf t2 = Fetch<xf>("T2_2w");
-    EXPECT_EQ(t2.ID_No, 7);
-    EXPECT_FLOAT_EQ(t2.Rm, static_cast<float>(0.002 / (0.002 * 0.002 + 0.02 * 0.02)));
-    EXPECT_FLOAT_EQ(t2.Xm, static_cast<float>(-0.02 / (0.002 * 0.002 + 0.02 * 0.02)));
     // The boundary: Gm of exactly 1e-8 is divided (Rm = 1e-8 / 1e-16), just below it not.
-    EXPECT_FLOAT_EQ(Fetch<xf>("T4_2w").Rm, 1e8f);
-    EXPECT_EQ(make_tuple(Fetch<xf>("T4_2w").Xm, Fetch<xf>("T5_2w").Rm, Fetch<xf>("T5_2w").Xm),
-              make_tuple(0.0f, 0.0f, 0.0f));
+    const xf t2 = Fetch<xf>("T2_2w"), t4 = Fetch<xf>("T4_2w"), t5 = Fetch<xf>("T5_2w");
+    EXPECT_EQ(make_tuple(t2.ID_No, t2.Rm, t2.Xm, t4.Rm, t4.Xm, t5.Rm, t5.Xm),
+              make_tuple(7, static_cast<float>(0.002 / (0.002 * 0.002 + 0.02 * 0.02)),
+                         static_cast<float>(-0.02 / (0.002 * 0.002 + 0.02 * 0.02)), 1e8f, 0.0f,
+                         0.0f, 0.0f));
     const dln d = Fetch<dln>("DC1");
     EXPECT_EQ(make_tuple(d.q, d.Rpi_Ohm, d.OP_Mode, d.Vdrate_kV, d.I_Bridge, d.J_Tap),
               make_tuple(DLN_INJOB, 2.5f, 3, 500.0f, 2, 7));
@@ -325,6 +323,4 @@ INSTANTIATE_TEST_SUITE_P(
                  {"实时数据库数据更新开关刀闸计算数据表发生错误！",
                   "实时数据库数据更新负荷计算数据表发生错误！", kGen, kDc, kXf, kLine},
                  "0000", Hold::Rows, {}, true}),
-    [](const ::testing::TestParamInfo<JobFault>& info) {
-        return testsupport::FaultName(info.param.fault);
-    });
+    [](const auto& info) { return testsupport::FaultName(info.param.fault); });

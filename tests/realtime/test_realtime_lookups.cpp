@@ -40,7 +40,6 @@ TEST_F(RtdbTest, LookupsFindTheNodesBusAndLevelAndSayWhichStepFoundNothing)
     // the results and the labels.
     EXPECT_EQ(GetNodeBsNo_FromRTDB("N1"), 3);
     EXPECT_EQ(GetNodeBsNo_FromRTDB("nobody"), 0);
-    EXPECT_STREQ(GetBsName_FromRTDB("N1"), "B1");
     EXPECT_DOUBLE_EQ(GetNodeVol_FromRTDB("N2"), 0.0) << "no bs record 7";
     EXPECT_DOUBLE_EQ(GetNodeAngle_FromRTDB("nobody"), 0.0);
     EXPECT_STREQ(GetBsName_FromRTDB("N2"), "");

@@ -185,8 +185,6 @@ TEST_F(Results, TheSolutionGoesOutAndComesBackInEveryModeAndARefusedBatchCostsIt
               (std::vector<std::string>{"G1|0.75"}));
 
     // Mode 2 brings values back and leaves the topology words alone; bs in place by id.
-    Exec("DELETE FROM LFR_GEN_R");
-    Exec("DELETE FROM LFR_BS_R");
     Exec("INSERT INTO LFR_GEN_R(Case_No, ID_Name, Pg, Qg, ibs, q, topflags, Bus_Name) VALUES "
          "(8, 'G1', 0.3, 0.2, 5, 99, 99, 'N1')");
     Exec("INSERT INTO LFR_BS_R(Case_No, Bus_Name, V, Angle, ibs) VALUES (8, 'X', 0.97, -1, 1)");
@@ -195,8 +193,7 @@ TEST_F(Results, TheSolutionGoesOutAndComesBackInEveryModeAndARefusedBatchCostsIt
     const un g = Fetch<un>("G1");
     EXPECT_EQ(std::make_tuple(g.Pg, g.ibs, g.q), std::make_tuple(0.3f, 1, 0u));
     dbCursor<bs> b;
-    dbQuery q;
-    q = "id=", 1;
+    dbQuery q("id = 1");
     ASSERT_EQ(b.select(q), 1);
     EXPECT_DOUBLE_EQ(b->V, 0.97);
     EXPECT_STREQ(b->name, "B1") << "updated in place, not rebuilt";
@@ -228,8 +225,7 @@ TEST_F(Results, BusesAreRebuiltWithPlaceholdersAndDcLineEndSumsAreDerived)
               (std::vector<std::string>{"实时库物理母线表中没有节点名nd='NOBUS'的记录！"}));
     std::vector<std::string> got;
     dbCursor<bs> c;
-    dbQuery q;
-    q = "order by id";
+    dbQuery q("order by id");
     for (bool more = c.select(q) > 0; more; more = c.next()) {
         got.push_back(std::string(c->name) + ":" + std::to_string(c->iisland));
     }
@@ -260,10 +256,8 @@ TEST_F(Results, BusesAreRebuiltWithPlaceholdersAndDcLineEndSumsAreDerived)
     EXPECT_EQ(Count("LFR_BS_R WHERE Case_No=1"), 2);
 }
 
-TEST(SwitchFlow, OnlyWhatReallyFlowsIntoANodeCounts)
+TEST_F(Results, OnlyWhatReallyFlowsThroughASwitchIntoANodeCounts)
 {
-    dbDatabase rtdb;
-    ASSERT_TRUE(rtdb.open("flow2"));
     // A generator at A0 gives 10 + j3 through breaker K1 to A. From A: line L1 to B
     // (6 + j2 leave A, 5.9 + j1.9 reach B), DC line DC1 to C (its I-end sets draw 3 + j1,
     // its J-end sets give 2.9 + j0.8), and winding 1 of three-winding transformer T (star
@@ -313,7 +307,7 @@ TEST(SwitchFlow, OnlyWhatReallyFlowsIntoANodeCounts)
     Switch("K3_brk", "C0", "C");
     Switch("K4_brk", "D", "D0");
     Switch("K5_brk", "E", "E0");
-    dtsdb::cbFlow flow(&rtdb);
+    dtsdb::cbFlow flow(&m_rtdb);
     flow.loadData();
     flow.calculate();
     flow.storeData();
@@ -327,8 +321,6 @@ TEST(SwitchFlow, OnlyWhatReallyFlowsIntoANodeCounts)
     EXPECT_EQ(flows, (std::vector<std::string>{"K0_brk 0,0", "K1_brk 10,3", "K2_brk 5.9,1.9",
                                                "K6_brk 0,0", "K3_brk -2.9,-0.8", "K4_brk 0.98,0.1",
                                                "KN_sw 0,0", "K5_brk 0,0"}));
-    rtdb.rollback();
-    rtdb.close();
 }
 
 // Breakers and switches get one row each, with the flow the switch step finds. Their names
@@ -373,12 +365,16 @@ TEST_F(Results, BreakerRowsCarryTheirFlowsUnderWholeChineseNames)
     }
 }
 
-TEST_F(Results, ThreeWindingRowsFoldTheirWindingsAndSkipDeadTransformers)
+// Names from the records arrive whole: quotes and backslashes, and Chinese names of 20 bytes
+// as the design counted them, which also find their records on the way back. A name cut
+// inside a character is refused with its family's message and costs that table only.
+TEST_F(Results, RecordNamesArriveWholeThreeWindingsFoldIntoOneRowAndACutNameCostsOnlyItsTable)
 {
-    Level("K");
-    const char* nodes[] = {"NS", "N1", "N2", "N3"};
-    for (int i = 0; i < 4; ++i) {
-        Node(nodes[i], i + 1, nodes[i], 1.0 + 0.01 * i, 0);
+    SmallNetwork();
+    Node("N3", 3, "B3", 1.03, 0);
+    const char* names[] = {"x' OR '1'='1", "a\\b", "G\\", "\\'", "华北电网十个字的机组"};
+    for (const char* n : names) {
+        Gen(n, "N1", 0.5f, 0.05f);
     }
     // T1: the first winding dead, the star bus taken from the second. T2: all dead.
     auto winding = [](const char* id, const char* j, int no, float pi, float pj, unsigned top,
@@ -395,27 +391,6 @@ TEST_F(Results, ThreeWindingRowsFoldTheirWindingsAndSkipDeadTransformers)
     winding("T2_3w1", "N1", 1, 1, 1, XF_TOP_INVALID, 1);
     winding("T2_3w2", "N2", 2, 1, 1, XF_TOP_INVALID, 1);
     winding("T2_3w3", "N3", 3, 1, 1, XF_TOP_INVALID, 1);
-    m_rtdb.commit();
-    CLFResultDataTransfer out(6, db(), &m_rtdb, false, 0);
-    EXPECT_EQ(out.ImportRTDBDataToLFResultDB(), 0);
-    // The dead first winding writes zeros, its Tk and its rating.
-    EXPECT_EQ(Rows("SELECT ID_Name, Name_N, ST, Name_1, ID_No1, P1, Q1, DP1, DQ1, Tk1, V1, Angle1, "
-                   "Pm, Qm, Rate_MVA1, z1bs, qq1, topflags1, Name_2, ID_No2, P2, DP2, V2, "
-                   "Rate_MVA2, P3, V3, z3bs, ibs FROM LFR_T3W_R WHERE Case_No=6"),
-              (std::vector<std::string>{
-                  "T1|NS|s|N1|1|0|0|0|0|1|0|0|0|0|100|2|0|4|N2|2|-0.5|0.25|1.02|200|0|1.03|4|1"}));
-}
-
-// Names from the records arrive whole: quotes and backslashes, and Chinese names of 20 bytes
-// as the design counted them, which also find their records on the way back. A name cut
-// inside a character is refused with its family's message and costs that table only.
-TEST_F(Results, RecordNamesArriveWholeAndACutOneCostsOnlyItsOwnTable)
-{
-    SmallNetwork();
-    const char* names[] = {"x' OR '1'='1", "a\\b", "G\\", "\\'", "华北电网十个字的机组"};
-    for (const char* n : names) {
-        Gen(n, "N1", 0.5f, 0.05f);
-    }
     ChangeAll<ld>([](ld& r) { r.id = "D'1"; });
     m_rtdb.commit();
     Exec("DELETE FROM LFR_GEN_R");
@@ -428,6 +403,12 @@ TEST_F(Results, RecordNamesArriveWholeAndACutOneCostsOnlyItsOwnTable)
                                         "6|华北电网十个字的机组|0.5"}));
     EXPECT_EQ(Rows("SELECT ID_Name FROM LFR_LOAD_R WHERE Case_No=6"),
               std::vector<std::string>{"D'1"});
+    // The dead first winding writes zeros, its Tk and its rating; V2 is N2's 0.98, V3 N3's.
+    EXPECT_EQ(Rows("SELECT ID_Name, Name_N, ST, Name_1, ID_No1, P1, Q1, DP1, DQ1, Tk1, V1, Angle1, "
+                   "Pm, Qm, Rate_MVA1, z1bs, qq1, topflags1, Name_2, ID_No2, P2, DP2, V2, "
+                   "Rate_MVA2, P3, V3, z3bs, ibs FROM LFR_T3W_R WHERE Case_No=6"),
+              (std::vector<std::string>{
+                  "T1|NS|s|N1|1|0|0|0|0|1|0|0|0|0|100|2|0|4|N2|2|-0.5|0.25|0.98|200|0|1.03|4|1"}));
 
     // Back again, each name finds its own record.
     ChangeAll<un>([](un& r) { r.Pg = 0; });
@@ -524,6 +505,4 @@ INSTANTIATE_TEST_SUITE_P(
         // reading is all the way back does.
         GenFault{Fault::ReadOnly, {kXAcline, kXPcr, kXGen, kXLoad, kXT2w}, 7, "0.5|0.75|0.5",
                  Hold::Rows, {}, true}),
-    [](const ::testing::TestParamInfo<GenFault>& info) {
-        return testsupport::FaultName(info.param.fault);
-    });
+    [](const auto& info) { return testsupport::FaultName(info.param.fault); });
