@@ -51,11 +51,6 @@ protected:
             QSqlQuery(*db).exec(QString("DROP TEMPORARY TABLE IF EXISTS %1").arg(t));
         }
     }
-    // The save-back's work tables that stand on the library's connection.
-    static std::vector<std::string> TablesLeft()
-    {
-        return testsupport::TablesLeft(db(), kWorkTables);
-    }
     // CHECKSUM TABLE of every table of the database, read on the second connection.
     static std::map<std::string, std::string> Checksums()
     {
