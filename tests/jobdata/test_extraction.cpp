@@ -37,7 +37,6 @@ protected:
                   "LK_0", "CDB_BREAKERBAK", "CDB_ISOSWITCHBAK"});
         feedback().clear();
     }
-    static double Value(const QString& sql) { return Scalar(sql).toDouble(); }
     void Write(const samples::Network& net)
     {
         QString error;
@@ -126,9 +125,9 @@ TEST_F(Extraction, TheThirtyBusCaseInNamedUnitsGivesItsCountsAndTheOwnersZone)
     Write(net);
     // Even lines in ohms, odd ones per unit (as apps.exactness solves them from here).
     const double zb = 135.0 * 135.0 / 100.0;
-    EXPECT_NEAR(Value("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L2' AND Unit=0"),
+    EXPECT_NEAR(Scalar("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L2' AND Unit=0").toDouble(),
                 net.branches[1].r * zb, 1e-9);
-    EXPECT_NEAR(Value("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1' AND Unit=1"),
+    EXPECT_NEAR(Scalar("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L1' AND Unit=1").toDouble(),
                 net.branches[0].r, 1e-12);
 
     StartStatementLog();

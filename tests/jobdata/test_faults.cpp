@@ -18,15 +18,14 @@ namespace {
 
 const char* const kJobTables[] = {"L1_0", "L2_0", "L3_0", "L4_0", "L5_0", "L6_0", "LK_0"};
 
-// The job tables that still hold the marker row put in before a run: those the run
-// neither emptied nor refilled.
+// The job tables that still hold the marker row (a row of job 7) put in before a run: those
+// the run neither emptied nor refilled.
 std::vector<std::string> Marked(QSqlDatabase db)
 {
     std::vector<std::string> out;
     for (const char* t : kJobTables) {
         QSqlQuery q(db);
-        const QString column = QString(t).startsWith("L1") ? "Node_Name" : "ID_Name";
-        if (q.exec(QString("SELECT COUNT(*) FROM %1 WHERE %2='MARK'").arg(t, column)) && q.next() &&
+        if (q.exec(QString("SELECT COUNT(*) FROM %1 WHERE Case_No=7").arg(t)) && q.next() &&
             q.value(0).toInt() > 0) {
             out.push_back(t);
         }
@@ -53,8 +52,7 @@ protected:
     {
         SaveBackRoad::SetUp();
         for (const char* t : kJobTables) {
-            Exec(QString("INSERT INTO %1 (Case_No, %2) VALUES (0, 'MARK')")
-                     .arg(t, QString(t).startsWith("L1") ? "Node_Name" : "ID_Name"));
+            Exec(QString("INSERT INTO %1 (Case_No) VALUES (7)").arg(t));
         }
     }
 };
