@@ -180,8 +180,11 @@ TEST_F(SaveBackRoad, AllOrNothingCommitsNoOrphanWithoutItsNodesNorARunThatChange
 // A transaction of the caller's on the library's connection: a preview of temporary work
 // tables runs inside it and leaves it open with its work; all-or-nothing refuses to start;
 // a preview that would make a working table of its own (a stability family's TLoad) stops
-// before the statement that would end it.
-TEST_F(SaveBackRoad, InsideTheCallersTransactionAPreviewRunsOrStopsAndAllOrNothingRefuses)
+// before the statement that would end it. Then, with no transaction: stability's copies into
+// a group name a column twice, or give one value too many; the server refuses them only when
+// it runs them, and the preview foresees it all the same.
+TEST_F(SaveBackRoad,
+       InACallersTransactionAPreviewRunsOrStopsAllOrNothingRefusesAndAPreviewForeseesRefusedCopies)
 {
     ChangeEveryFamily();
     ASSERT_TRUE(QSqlQuery(*db()).exec("START TRANSACTION"));
@@ -199,41 +202,29 @@ TEST_F(SaveBackRoad, InsideTheCallersTransactionAPreviewRunsOrStopsAndAllOrNothi
     SaveBackFamily gens, tload;
     gens.changes = {"Create temporary Table TGen select a.EleID, a.ID_Name, a.Pg from L5_0 a, "
                     "CDB_GENERATBAK b where b.id=a.eleid and abs(a.Pg-b.Pg)>0.001000"};
+    // The values a preview lists are read by the in-place update, once the copy passed.
     gens.inPlace = {"update CDB_GENERATBAK a, TGen b set a.Pg=b.Pg where a.id=b.eleid"};
     gens.drop = "drop table TGen";
     tload.changes = {"Create Table TLoad select a.EleID, a.ID_Name, a.Ql from L6_0 a, "
                      "CDB_LOADBAK b where b.id=a.eleid and a.Ql!=b.Ql"};
     CSaveBackPattern pattern(db(), "Fail to execute SQL: %s");
     int counter = 0;
-    const SaveBackPreview p = pattern.Preview([&] {
+    const SaveBackPreview stopped = pattern.Preview([&] {
         return pattern.Run(gens, false, counter, nullptr) ||
                pattern.Run(tload, false, counter, nullptr);
     });
-    EXPECT_EQ(p.result, 1);
-    EXPECT_EQ(p.refused.toStdString(),
+    EXPECT_EQ(stopped.result, 1);
+    EXPECT_EQ(stopped.refused.toStdString(),
               "预览需执行会结束事务的语句，而连接上有未结束的事务，预览在此停止：" +
                   std::string(tload.changes[0].constData()));
-    EXPECT_TRUE(p.messages.empty()) << "no failure of the save-back's own is made up";
+    EXPECT_TRUE(stopped.messages.empty()) << "no failure of the save-back's own is made up";
     // No step ended the caller's transaction (a drop or CREATE TABLE would have committed
     // its update): the caller's rollback undoes it only now.
     ASSERT_TRUE(QSqlQuery(*db()).exec("ROLLBACK"));
     EXPECT_EQ(Count("CDB_ZONEBAK WHERE Area_No=77"), 0);
     EXPECT_EQ(TablesLeft(db(), kWorkTables), std::vector<std::string>{})
         << "TGen, made before the stop, too";
-}
 
-// Stability's copies into a group name a column twice, or give one value too many; the
-// server refuses them only when it runs them, and the preview foresees it all the same.
-TEST_F(SaveBackRoad, APreviewForeseesAnInsertTheServerRefusesOnlyWhenItRunsIt)
-{
-    Exec("UPDATE L5_0 SET Pg=Pg+0.1");
-    SaveBackFamily gens;
-    gens.changes = {"Create temporary Table TGen select a.EleID, a.ID_Name, a.Pg from L5_0 a, "
-                    "CDB_GENERATBAK b where b.id=a.eleid and abs(a.Pg-b.Pg)>0.001000"};
-    // The values a preview lists are read by the in-place update, once the copy passed.
-    gens.inPlace = {"update CDB_GENERATBAK a, TGen b set a.Pg=b.Pg where a.id=b.eleid"};
-    gens.drop = "drop table TGen";
-    CSaveBackPattern pattern(db(), "Fail to execute SQL: %s");
     const struct
     {
         const char* copy;
@@ -248,7 +239,7 @@ TEST_F(SaveBackRoad, APreviewForeseesAnInsertTheServerRefusesOnlyWhenItRunsIt)
     };
     for (const auto& fault : faults) {
         gens.intoGroup = {fault.copy};
-        int counter = 0;
+        counter = 0;
         const SaveBackPreview p =
             pattern.Preview([&] { return pattern.Run(gens, true, counter, nullptr); });
         EXPECT_EQ(p.result, 1);
