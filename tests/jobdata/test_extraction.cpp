@@ -66,13 +66,11 @@ TEST_F(Extraction, IeeeFourteenGivesItsCountsAndBadInputOrFailingTablesTheDesign
     // 32 bytes as the design counted them hold a quote, a letter and 15 Chinese characters,
     // and the scheme is found whole (the quote a character like any other); a 16th Chinese
     // character would be cut and pick another scheme or none: refused, and the job tables
-    // keep what they hold.
+    // keep what they hold. Its refusal is the only error since the test began.
     char chinese[] = "O'华北电网二零二五年冬季方式方案", longer[] = "O'华北电网二零二五年冬季方式方案甲";
     Exec("UPDATE CDB_SCHEMEINFBAK SET SchName='O''华北电网二零二五年冬季方式方案'");
     EXPECT_EQ(CLFCalDataTransfer(0, chinese, db(), nullptr).ImportLDataFromBaseDB(), 0);
-    EXPECT_TRUE(feedback().texts(2).empty());
     EXPECT_EQ(Count("L2_0"), 18); // 17 lines and the shunt of IEEE 14
-    feedback().clear();
     EXPECT_EQ(CLFCalDataTransfer(0, longer, db(), nullptr).ImportLDataFromBaseDB(), 1);
     EXPECT_EQ(Count("L2_0"), 18);
     EXPECT_EQ(feedback().texts(2), std::vector<std::string>{"计算方案名 " + std::string(longer) +
