@@ -34,7 +34,6 @@ class SaveBackRoad : public testsupport::DbTest
 {
 protected:
     static inline char kScheme[] = "SCH";
-    // The working copies a load-flow save-back writes, and its work tables.
     static inline const std::vector<const char*> kWorkingCopies = {
         "CDB_ACLINEBAK", "CDB_PCAPREABAK",  "CDB_SCAPREABAK",   "CDB_TRANS_2WBAK",
         "CDB_SHIFTBAK",  "CDB_TRANS_3WBAK", "CDB_DCLINEBAK",    "CDB_GENERATBAK",

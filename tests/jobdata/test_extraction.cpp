@@ -37,12 +37,6 @@ protected:
                   "LK_0", "CDB_BREAKERBAK", "CDB_ISOSWITCHBAK"});
         feedback().clear();
     }
-    void Write(const samples::Network& net)
-    {
-        QString error;
-        ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error))
-            << error.toStdString();
-    }
 };
 
 // The values per unit of both samples, whatever their unit, group and scheme level, are
@@ -50,7 +44,9 @@ protected:
 // and messages, then what bad input and failing tables make the run say and leave.
 TEST_F(Extraction, IeeeFourteenGivesItsCountsAndBadInputOrFailingTablesTheDesignsMessages)
 {
-    Write(Load("ieee14.json"));
+    QString error;
+    ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), Load("ieee14.json"), "G1", kScheme, error))
+        << error.toStdString();
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
     EXPECT_EQ(job.ImportLDataFromBaseDB(), 0);
 
@@ -120,7 +116,9 @@ TEST_F(Extraction, TheThirtyBusCaseInNamedUnitsGivesItsCountsAndTheOwnersZone)
 {
     // The 30-bus case at 135 kV, stored in ohms, microsiemens, MW and kV.
     const samples::Network net = Load("ieee30.json");
-    Write(net);
+    QString error;
+    ASSERT_TRUE(samples::WriteNetworkToBaseDb(db(), net, "G1", kScheme, error))
+        << error.toStdString();
     // Even lines in ohms, odd ones per unit (as apps.exactness solves them from here).
     const double zb = 135.0 * 135.0 / 100.0;
     EXPECT_NEAR(Scalar("SELECT R1 FROM CDB_ACLINEBAK WHERE ID_Name='L2' AND Unit=0").toDouble(),
