@@ -144,8 +144,7 @@ TEST_F(Extraction, TheSampleSqlFilesHoldWhatTheWriterMakesOfTheJsonToday)
     for (const char* name : {"ieee14", "ieee30"}) {
         SCOPED_TRACE(name);
         const samples::Network net = Load((std::string(name) + ".json").c_str());
-        const QString path = QString(CALCDATA_SAMPLES_DIR "/%1.sql").arg(name);
-        QFile file(path);
+        QFile file(QString(CALCDATA_SAMPLES_DIR "/%1.sql").arg(name));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         const QByteArray saved = file.readAll();
         dbserver::ScratchDatabase fresh(QStringLiteral("samplesql"));
