@@ -34,7 +34,6 @@ class SaveBackRoad : public testsupport::DbTest
 {
 protected:
     static inline char kScheme[] = "SCH";
-    // The working copies a load-flow save-back writes, and its work tables.
     static inline const std::vector<const char*> kWorkingCopies = {
         "CDB_ACLINEBAK", "CDB_PCAPREABAK",  "CDB_SCAPREABAK",   "CDB_TRANS_2WBAK",
         "CDB_SHIFTBAK",  "CDB_TRANS_3WBAK", "CDB_DCLINEBAK",    "CDB_GENERATBAK",
@@ -50,11 +49,6 @@ protected:
         for (const char* t : kWorkTables) {
             QSqlQuery(*db).exec(QString("DROP TEMPORARY TABLE IF EXISTS %1").arg(t));
         }
-    }
-    // The save-back's work tables that stand on the library's connection.
-    static std::vector<std::string> TablesLeft()
-    {
-        return testsupport::TablesLeft(db(), kWorkTables);
     }
     // CHECKSUM TABLE of every table of the database, read on the second connection.
     static std::map<std::string, std::string> Checksums()

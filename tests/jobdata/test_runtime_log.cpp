@@ -28,7 +28,6 @@ std::vector<std::string> FramesShown()
 
 } // namespace
 
-// On the save-back's network.
 TEST_F(SaveBackRoad, EveryDriverAndFamilyOfExtractionAndSaveBackShowsItsRunTimeLine)
 {
     CLFCalDataTransfer job(0, kScheme, db(), nullptr);
