@@ -222,7 +222,7 @@ TEST(StudyOnOtherServers, SetsUpItsSessionsTakesTheSchemasSpellingsWhereNeededAn
     for (const QString& server : servers) {
         SCOPED_TRACE(server.toStdString());
         const dbserver::ServerAddress a{{}, server.section(':', 0, 0),
-                                        server.section(':', 1).toInt(), "root"};
+                                        server.section(':', 1).toInt(), "root", {}};
         SessionSetup setup;
         dbserver::OpenConnection(a, "other", QString(), nullptr, &setup);
         QSqlDatabase::removeDatabase("other");

@@ -179,7 +179,8 @@ TEST_F(CaseAndFaults, FaultsOffTheRunStateBackAndACaseWithoutItsRowLoadingFaults
     EXPECT_EQ(SentStatements().size(), 1u) << "only the constructor's query";
     EXPECT_EQ(missing.ImportSTCaseDataToRTDB(), 1);
     EXPECT_EQ(feedback().texts(2),
-              (std::vector<std::string>{"实时库中没有相应的暂稳作业信息！", "查询暂稳UP信息表发生错误！",
+              (std::vector<std::string>{"实时库中没有相应的暂稳作业信息！",
+                                        "查询暂稳UP信息表发生错误！",
                                         "暂稳作业信息表中没有当前作业号的记录！",
                                         "ImportCase_STDataToRTDB"}));
     EXPECT_EQ(Records(), "crit 0|fault 1|dist 0|out 0|var 0|gi 0|grp 0|case -");
